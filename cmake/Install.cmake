@@ -1,0 +1,1 @@
+# The installed library: headers, CMake package, pkg-config file.
