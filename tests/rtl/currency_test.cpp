@@ -50,14 +50,10 @@ TEST(Currency, FromRealTiesToEven) {
     Currency want;
   };
   constexpr Case kCases[] = {
-      {0.00005, 0_baht},
-      {0.00015, 0.0002_baht},
-      {-0.00015, -0.0002_baht},
-      {2.00003125, 2_baht},
-      {-0.25, -0.25_baht},
-      {922337203685477.5, 922337203685477.5_baht},
-      {1e-300, 0_baht},
-      {4398046511104.001, 4398046511104.001_baht},
+      {0.00005, 0_baht},        {0.00015, 0.0002_baht},
+      {-0.00015, -0.0002_baht}, {2.00003125, 2_baht},
+      {-0.25, -0.25_baht},      {922337203685477.5, 922337203685477.5_baht},
+      {1e-300, 0_baht},         {4398046511104.001, 4398046511104.001_baht},
   };
   for (const Case& c : kCases) EXPECT_EQ(FloatToCurrency(c.value).Raw(), c.want.Raw()) << c.value;
   EXPECT_THROW(FloatToCurrency(922337203685477.625), EInvalidOp);
