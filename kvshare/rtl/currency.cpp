@@ -58,7 +58,12 @@ Currency FloatToCurrency(double value) {
 }
 
 double CurrencyToFloat(Currency amount) {
-  return static_cast<double>(amount.Raw()) / static_cast<double>(Currency::kScale);
+  constexpr std::uint64_t kExactCounts = std::uint64_t{1} << 53;
+  constexpr auto kScale = static_cast<double>(Currency::kScale);
+  if (amount.Magnitude() <= kExactCounts) return static_cast<double>(amount.Raw()) / kScale;
+  // The count itself would round; in two parts only the sum does. A part of 0.0001 is never so near
+  // to a tie that its own rounding could turn it.
+  return static_cast<double>(Trunc(amount)) + static_cast<double>(Frac(amount).Raw()) / kScale;
 }
 
 }  // namespace kvshare::inline rtl

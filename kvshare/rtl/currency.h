@@ -125,7 +125,7 @@ constexpr std::int64_t Round(Currency amount) {
 // 0.00005 is 0, 0.00015 is 0.0002. Throws EInvalidOp for NaN, infinity and values out of range.
 KVSHARE_API Currency FloatToCurrency(double value);
 
-// A double near the amount; for display and foreign interfaces, never for arithmetic.
+// The double nearest to the amount; for display and foreign interfaces, never for arithmetic.
 KVSHARE_API double CurrencyToFloat(Currency amount);
 
 inline namespace literals {

@@ -56,6 +56,8 @@ TEST(Currency, FromRealTiesToEven) {
       {1e-300, 0_baht},         {4398046511104.001, 4398046511104.001_baht},
   };
   for (const Case& c : kCases) EXPECT_EQ(FloatToCurrency(c.value).Raw(), c.want.Raw()) << c.value;
+  for (const Case& c : kCases) EXPECT_EQ(FloatToCurrency(CurrencyToFloat(c.want)), c.want);
+  EXPECT_EQ(CurrencyToFloat(617475130136601_baht), 617475130136601) << "the count passes 2^53";
   EXPECT_THROW(FloatToCurrency(922337203685477.625), EInvalidOp);
   EXPECT_THROW(FloatToCurrency(std::nan("")), EInvalidOp);
 }
