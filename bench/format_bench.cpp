@@ -7,7 +7,10 @@
 #include <random>
 #include <string>
 
+#include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/currency.h"
+#include "kvshare/rtl/format.h"
+#include "kvshare/rtl/formatfloat.h"
 
 namespace kvshare {
 namespace {
@@ -55,6 +58,41 @@ void BM_HandWritten(benchmark::State& state) {
   ForEachAmount(state, [](Currency amount) { benchmark::DoNotOptimize(HandWritten(amount)); });
 }
 BENCHMARK(BM_HandWritten);
+
+void BM_Format(benchmark::State& state) {
+  ForEachAmount(state,
+                [](Currency amount) { benchmark::DoNotOptimize(Format("%12.2n", {amount})); });
+}
+BENCHMARK(BM_Format);
+
+void BM_AppendFormat(benchmark::State& state) {
+  std::string line;
+  ForEachAmount(state, [&line](Currency amount) {
+    line.clear();
+    AppendFormat(line, "%12.2n", {amount});
+    benchmark::DoNotOptimize(line.data());
+  });
+}
+BENCHMARK(BM_AppendFormat);
+
+void BM_FormatReal(benchmark::State& state) {
+  ForEachAmount(state, [](Currency amount) {
+    benchmark::DoNotOptimize(Format("%12.2n", {CurrencyToFloat(amount)}));
+  });
+}
+BENCHMARK(BM_FormatReal);
+
+void BM_FormatFloatMask(benchmark::State& state) {
+  ForEachAmount(state, [](Currency amount) {
+    benchmark::DoNotOptimize(FormatFloat("###,###,###,##0.00", amount));
+  });
+}
+BENCHMARK(BM_FormatFloatMask);
+
+void BM_CurrToStr(benchmark::State& state) {
+  ForEachAmount(state, [](Currency amount) { benchmark::DoNotOptimize(CurrToStr(amount)); });
+}
+BENCHMARK(BM_CurrToStr);
 
 }  // namespace
 }  // namespace kvshare
