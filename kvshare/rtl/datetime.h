@@ -35,7 +35,7 @@ class TDateTime {
 
 // A moment taken apart. Year 0, month 0, day 0 stand for every moment before 0001-01-01.
 struct TDateParts {
-  Word Year = 0;   // 0, or 1 .. 9999; past 9999-12-31 it goes on to 65535
+  Word Year = 0;   // 0, or 1 .. 9999; past 9999-12-31 it goes on to 65535, then from 0 again
   Word Month = 0;  // 1 .. 12
   Word Day = 0;    // 1 .. 31
   bool operator==(const TDateParts&) const = default;
@@ -65,7 +65,8 @@ KVSHARE_API bool TryEncodeTime(int hour, int minute, int second, int milliSecond
 // Decoding rounds to the nearest millisecond, a tie to the even one, before it splits, so that
 // 23:59:59.9996 is 00:00:00.000 of the next day for the date and for the time alike.
 // All decoders throw EInvalidOp for NaN, infinity and |days| >= 2^63 / 86400000, and EIntOverflow
-// for a day number of magnitude 2^32 and more.
+// for a day number of magnitude 2^32 and more. Smaller ones are counted in 32 bits and wrap; what
+// wraps to a day before 0001-01-01 has no date either.
 KVSHARE_API TDateParts DecodeDate(TDateTime moment);
 KVSHARE_API TTimeParts DecodeTime(TDateTime moment);
 struct TDateTimeParts {
@@ -75,7 +76,7 @@ struct TDateTimeParts {
 };
 KVSHARE_API TDateTimeParts DecodeDateTime(TDateTime moment);
 
-// 1 = Sunday .. 7 = Saturday.
+// 1 = Sunday .. 7 = Saturday, also before 0001-01-01, where the weeks are counted backward.
 KVSHARE_API int DayOfWeek(TDateTime moment);
 
 // The local clock: the whole day, the time of day alone, both (milliseconds kept).
@@ -83,12 +84,13 @@ KVSHARE_API TDateTime Date();
 KVSHARE_API TDateTime Time();
 KVSHARE_API TDateTime Now();
 
-// The integer part and the fraction with its sign: of -1.25 they are -1 and -0.25.
+// The integer part and the fraction with its sign: of -1.25 they are -1 and -0.25. Of infinity the
+// fraction, of NaN both are NaN, which every decoder refuses.
 KVSHARE_API TDateTime DateOf(TDateTime moment);
 KVSHARE_API TDateTime TimeOf(TDateTime moment);
 
 // A whole day and a time of day put together, the time's magnitude added away from zero before
-// 1899-12-30.
+// 1899-12-30: day -1 and 06:00 are -1.25.
 KVSHARE_API TDateTime JoinDateTime(TDateTime date, TDateTime time);
 
 }  // namespace kvshare::inline rtl
