@@ -23,7 +23,8 @@ KVSHARE_API bool TryStrToInt64(std::string_view text, std::int64_t& value);
 KVSHARE_API std::int32_t StrToIntDef(std::string_view text, std::int32_t fallback);
 KVSHARE_API std::int64_t StrToInt64Def(std::string_view text, std::int64_t fallback);
 
-// Blanks at both ends, a sign, digits, DecimalSeparator, digits, an exponent; no thousands.
+// Blanks at both ends, a sign, digits, DecimalSeparator, digits, an exponent; no thousands. A lone
+// separator is 0, an exponent without digits none: `1e` is 1. What is too small for a double is 0.
 // Error, overflow included: `'%s' is not a valid floating point value`.
 KVSHARE_API double StrToFloat(std::string_view text,
                               const TFormatSettings& settings = FormatSettings);
@@ -50,24 +51,30 @@ KVSHARE_API void AppendCurrToStr(std::string& out, Currency value,
 // `-1` and `0`, or `True` and `False`.
 KVSHARE_API std::string BoolToStr(bool value, bool useWords = false);
 
-// Numbers split by DateSeparator in the order of ShortDateFormat; a year of one or two digits lies
-// in the window of TwoDigitYearCenturyWindow years before the current one; without a year, the
-// current one. Error: `'%s' is not a valid date`.
+// Numbers split by DateSeparator in the order of ShortDateFormat (of its first d, m or y; month
+// first without any), blanks before each piece. A year of one or two digits lies in the hundred
+// years that begin TwoDigitYearCenturyWindow years before the current one, with a window of 0 in
+// the current century; without a year, the current one. A blank as separator is skipped as a blank
+// and so never found. Error: `'%s' is not a valid date`.
 KVSHARE_API TDateTime StrToDate(std::string_view text,
                                 const TFormatSettings& settings = FormatSettings);
 KVSHARE_API bool TryStrToDate(std::string_view text, TDateTime& value,
                               const TFormatSettings& settings = FormatSettings);
-// The same as of a given current year, for lists that keep the year they were typed in.
+// The same as of a given current year (any number), for lists that keep the year they were typed
+// in.
 KVSHARE_API bool TryStrToDateAsOf(std::string_view text, int currentYear, TDateTime& value,
                                   const TFormatSettings& settings = FormatSettings);
 
-// [marker] hour [: minute [: second [. milliseconds]]] [marker]. Error: `'%s' is not a valid time`.
+// [marker] hour [: minute [: second [. milliseconds]]] or the marker behind, blanks before each
+// piece; the marker is TimeAMString, TimePMString, AM or PM in any case and makes the hour one of
+// twelve. Milliseconds are a number: `.5` are five. Error: `'%s' is not a valid time`.
 KVSHARE_API TDateTime StrToTime(std::string_view text,
                                 const TFormatSettings& settings = FormatSettings);
 KVSHARE_API bool TryStrToTime(std::string_view text, TDateTime& value,
                               const TFormatSettings& settings = FormatSettings);
 
-// A date, then optionally a time; or a time alone. Error: `'%s' is not a valid date and time`.
+// A date, then optionally a time; or a time alone. What follows a date and a time is ignored.
+// Error: `'%s' is not a valid date and time`.
 KVSHARE_API TDateTime StrToDateTime(std::string_view text,
                                     const TFormatSettings& settings = FormatSettings);
 KVSHARE_API bool TryStrToDateTime(std::string_view text, TDateTime& value,
