@@ -44,10 +44,12 @@ class KVSHARE_API Variant {
   bool IsNull() const { return std::holds_alternative<TNull>(value_); }
 
   // The value in the type asked for. Unassigned is 0, false, "". Text is converted as StrToInt64,
-  // StrToFloat, StrToCurr and StrToDateTime do. Throws EVariantTypeCastError
-  // `Could not convert variant of type (X) into type (Y)` for Null and for text that is no such
-  // value, and EIntOverflow or EInvalidOp for numbers out of range. A real rounds half to even into
-  // an integer.
+  // StrToFloat, StrToCurr and StrToDateTime do, into a Boolean from `True`, `False` (any letter
+  // case) or a number. A Boolean as a number is -1 or 0, a date its days. A real and an amount
+  // round half to even into an integer. Throws EVariantTypeCastError `Could not convert variant of
+  // type (X) into type (Y)` for Null and for text that is no such value (X and Y are Null, Boolean,
+  // Integer, Double, Currency, Date, String), EIntOverflow for an integer and EInvalidOp for a real
+  // out of the asked type's range.
   bool AsBoolean() const;
   std::int64_t AsInteger() const;
   double AsFloat() const;
@@ -69,9 +71,10 @@ KVSHARE_API std::string VarToStr(const Variant& value);
 KVSHARE_API bool VarIsNull(const Variant& value);
 KVSHARE_API bool VarIsEmpty(const Variant& value);
 
-// Null equals Null and nothing else, and is less than every other value. Text against a number
-// compares as numbers. Unassigned counts as 0 against numbers and '' against text. Throws
-// EVariantTypeCastError for text that is no number.
+// Null equals Null and nothing else, and is less than every other value. Numbers compare exactly,
+// an amount against a real as reals. Text against a number compares as numbers, against a Boolean
+// or a date as AsBoolean and AsDateTime read it, against text by bytes. Unassigned counts as 0
+// against numbers and '' against text. Throws EVariantTypeCastError for text that is no such value.
 KVSHARE_API bool operator==(const Variant& a, const Variant& b);
 KVSHARE_API bool operator<(const Variant& a, const Variant& b);
 inline bool operator!=(const Variant& a, const Variant& b) {

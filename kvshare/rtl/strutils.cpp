@@ -1,0 +1,194 @@
+#include "kvshare/rtl/strutils.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+namespace kvshare::inline rtl {
+
+namespace {
+
+bool IsEdge(char c) {
+  return static_cast<unsigned char>(c) <= 32;
+}
+
+std::string Mapped(std::string_view text, char (*map)(char)) {
+  std::string out(text);
+  std::ranges::transform(out, out.begin(), map);
+  return out;
+}
+
+// Finds one text many times, in time linear in what is searched: a short text by the standard
+// search, a long one by the failure function of Knuth, Morris and Pratt (1977), since the standard
+// search is quadratic on texts like "aaaa...b".
+class Finder {
+ public:
+  explicit Finder(std::string_view sub) : sub_(sub) {
+    if (sub.size() > kShort) BuildFallback();
+  }
+
+  // The first place at or after `from`, npos when there is none.
+  std::size_t Find(std::string_view text, std::size_t from) const {
+    return fallback_.empty() ? text.find(sub_, from) : FindLong(text, from);
+  }
+
+ private:
+  static constexpr std::size_t kShort = 32;
+
+  // fallback_[i]: how much of the text's start still matches when byte i + 1 does not.
+  void BuildFallback() {
+    fallback_.assign(sub_.size(), 0);
+    std::size_t matched = 0;
+    for (std::size_t i = 1; i < sub_.size(); ++i) {
+      matched = Extend(matched, sub_[i]);
+      fallback_[i] = matched;
+    }
+  }
+
+  std::size_t Extend(std::size_t matched, char c) const {
+    while (matched > 0 && sub_[matched] != c) matched = fallback_[matched - 1];
+    return sub_[matched] == c ? matched + 1 : matched;
+  }
+
+  std::size_t FindLong(std::string_view text, std::size_t from) const {
+    std::size_t matched = 0;
+    for (std::size_t i = from; i < text.size(); ++i) {
+      matched = Extend(matched, text[i]);
+      if (matched == sub_.size()) return i + 1 - matched;
+    }
+    return std::string_view::npos;
+  }
+
+  std::string_view sub_;
+  std::vector<std::size_t> fallback_;
+};
+
+}  // namespace
+
+std::string_view TrimLeft(std::string_view text) {
+  while (!text.empty() && IsEdge(text.front())) text.remove_prefix(1);
+  return text;
+}
+
+std::string_view TrimRight(std::string_view text) {
+  while (!text.empty() && IsEdge(text.back())) text.remove_suffix(1);
+  return text;
+}
+
+std::string_view Trim(std::string_view text) {
+  return TrimLeft(TrimRight(text));
+}
+
+std::string UpperCase(std::string_view text) {
+  return Mapped(text, UpCase);
+}
+
+std::string LowerCase(std::string_view text) {
+  return Mapped(text, LowCase);
+}
+
+std::string AnsiUpperCase(std::string_view text) {
+  return UpperCase(text);
+}
+
+std::string AnsiLowerCase(std::string_view text) {
+  return LowerCase(text);
+}
+
+int Pos(std::string_view sub, std::string_view text) {
+  if (sub.empty() || sub.size() > text.size()) return 0;
+  return static_cast<int>(Finder(sub).Find(text, 0) + 1);  // npos + 1 is 0
+}
+
+std::string_view Copy(std::string_view text, int index, int count) {
+  const auto start = static_cast<std::size_t>(std::max(index, 1)) - 1;
+  if (count <= 0 || start >= text.size()) return {};
+  return text.substr(start, static_cast<std::size_t>(count));
+}
+
+void Delete(std::string& text, int index, int count) {
+  if (index < 1 || count <= 0) return;
+  const auto start = static_cast<std::size_t>(index) - 1;
+  if (start < text.size()) text.erase(start, static_cast<std::size_t>(count));
+}
+
+void Insert(std::string_view part, std::string& text, int index) {
+  const auto start = static_cast<std::size_t>(std::max(index, 1)) - 1;
+  text.insert(std::min(start, text.size()), part);
+}
+
+int CompareText(std::string_view a, std::string_view b) {
+  const std::size_t common = std::min(a.size(), b.size());
+  for (std::size_t i = 0; i < common; ++i) {
+    if (a[i] == b[i]) continue;
+    const auto x = static_cast<unsigned char>(UpCase(a[i]));
+    const auto y = static_cast<unsigned char>(UpCase(b[i]));
+    if (x != y) return x < y ? -1 : 1;
+  }
+  if (a.size() == b.size()) return 0;
+  return a.size() < b.size() ? -1 : 1;
+}
+
+bool SameText(std::string_view a, std::string_view b) {
+  return a.size() == b.size() && CompareText(a, b) == 0;
+}
+
+int AnsiCompareText(std::string_view a, std::string_view b) {
+  return CompareText(a, b);
+}
+
+int AnsiCompareStr(std::string_view a, std::string_view b) {
+  return a.compare(b);  // std::char_traits<char> orders unsigned bytes
+}
+
+std::string StringReplace(std::string_view text, std::string_view old, std::string_view with,
+                          TReplaceFlags flags) {
+  std::string out;
+  if (old.empty() || old.size() > text.size()) return out.assign(text);
+  const std::string foldedText = flags.IgnoreCase ? UpperCase(text) : std::string();
+  const std::string foldedOld = flags.IgnoreCase ? UpperCase(old) : std::string();
+  const std::string_view searched = flags.IgnoreCase ? foldedText : text;
+  const Finder finder(flags.IgnoreCase ? foldedOld : old);
+  out.reserve(text.size());
+  std::size_t done = 0;
+  std::size_t at = finder.Find(searched, 0);
+  while (at != std::string_view::npos) {
+    out.append(text, done, at - done).append(with);
+    done = at + old.size();
+    at = flags.ReplaceAll ? finder.Find(searched, done) : std::string_view::npos;
+  }
+  return out.append(text, done);
+}
+
+std::string QuotedStr(std::string_view text) {
+  std::string out;
+  out.reserve(text.size() + 2);
+  out += '\'';
+  for (const char c : text) {
+    if (c == '\'') out += c;
+    out += c;
+  }
+  out += '\'';
+  return out;
+}
+
+std::string AdjustLineBreaks(std::string_view text) {
+  std::string out;
+  out.reserve(text.size() + text.size() / 16);
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if (c != '\r' && c != '\n') {
+      out += c;
+      continue;
+    }
+    out += "\r\n";
+    if (c == '\r' && i + 1 < text.size() && text[i + 1] == '\n') ++i;
+  }
+  return out;
+}
+
+std::string StringOfChar(char c, int count) {
+  return std::string(static_cast<std::size_t>(std::max(count, 0)), c);
+}
+
+}  // namespace kvshare::inline rtl
