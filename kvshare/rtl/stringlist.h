@@ -1,7 +1,10 @@
 // Lists of texts, each with an optional object. Index 0 first.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <deque>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,19 +36,30 @@ class KVSHARE_API TStrings : public TObject {
   // Walks the texts: for (const std::string& line : list).
   class Iterator {
    public:
+    using iterator_category = std::forward_iterator_tag;
     using difference_type = int;
     using value_type = std::string;
+    using pointer = const std::string*;
+    using reference = const std::string&;
+
+    Iterator() = default;
     Iterator(const TStrings* list, int index) : list_(list), index_(index) {}
     const std::string& operator*() const { return (*list_)[index_]; }
+    const std::string* operator->() const { return &**this; }
     Iterator& operator++() {
       ++index_;
       return *this;
     }
+    Iterator operator++(int) {
+      Iterator before = *this;
+      ++index_;
+      return before;
+    }
     bool operator==(const Iterator& other) const { return index_ == other.index_; }
 
    private:
-    const TStrings* list_;
-    int index_;
+    const TStrings* list_ = nullptr;
+    int index_ = 0;
   };
   Iterator begin() const { return {this, 0}; }
   Iterator end() const { return {this, Count()}; }
@@ -89,8 +103,9 @@ class KVSHARE_API TStrings : public TObject {
   std::string Text() const;
   void SetText(std::string_view text);
 
-  // Joined by `,`, an item with a byte <= 32, `"` or `,` in quotes. Reading: `,` and blanks
-  // separate outside quotes.
+  // Joined by `,`, an item with a byte <= 32, `"` or `,` in quotes, so that every list reads back
+  // as it was. Reading: `,` and bytes <= 32 separate outside quotes; an opening quote without a
+  // closing one takes the rest.
   std::string CommaText() const;
   void SetCommaText(std::string_view text);
 
@@ -105,8 +120,15 @@ class KVSHARE_API TStrings : public TObject {
   virtual bool SameItem(std::string_view a, std::string_view b) const = 0;
 };
 
+// A copy has the texts, objects, identities and properties of the original.
 class KVSHARE_API TStringList : public TStrings {
  public:
+  TStringList() = default;
+  TStringList(const TStringList& other);
+  TStringList(TStringList&& other) noexcept = default;
+  TStringList& operator=(TStringList other) noexcept;
+  ~TStringList() override = default;
+
   int Count() const override { return static_cast<int>(items_.size()); }
   const std::string& operator[](int index) const override;
   TObject* Objects(int index) const override;
@@ -122,7 +144,7 @@ class KVSHARE_API TStringList : public TStrings {
   void Clear() override;
   int IndexOf(std::string_view text) const override;  // binary search when sorted
 
-  // Comparison: AnsiCompareText, or bytes where CaseSensitive.
+  // Comparison: AnsiCompareText, or bytes where CaseSensitive. Equal texts keep their order.
   void Sort();
   bool Sorted() const { return sorted_; }
   void SetSorted(bool sorted);  // true sorts now and keeps the order
@@ -146,9 +168,15 @@ class KVSHARE_API TStringList : public TStrings {
   // The first place whose item is not less than `text`; `found` where it is equal.
   int LowerBound(std::string_view text, bool& found) const;
   int Compare(std::string_view a, std::string_view b) const;
-  const Item& At(int index) const;
+  Item& At(int index) const;
+  void RefuseSorted() const;
+  void InsertAt(std::size_t place, Item item);
 
-  std::vector<Item> items_;
+  // Items stay where they are, so that an insert moves pointers alone: a sorted list of many
+  // thousand texts is built item by item.
+  std::deque<Item> store_;
+  std::vector<Item*> items_;   // in the list's order
+  std::vector<Item*> unused_;  // places in the store that deleted items have left
   bool sorted_ = false;
   bool caseSensitive_ = false;
 };

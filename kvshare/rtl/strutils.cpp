@@ -188,7 +188,9 @@ std::string AdjustLineBreaks(std::string_view text) {
 }
 
 std::string StringOfChar(char c, int count) {
-  return std::string(static_cast<std::size_t>(std::max(count, 0)), c);
+  std::string out;
+  if (count > 0) out.assign(static_cast<std::size_t>(count), c);
+  return out;
 }
 
 }  // namespace kvshare::inline rtl
