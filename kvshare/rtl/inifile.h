@@ -28,17 +28,20 @@ class KVSHARE_API TIniFile {
   // ReadInteger <> 0; so `true` and `yes` give the default.
   bool ReadBool(std::string_view section, std::string_view key, bool fallback) const;
 
-  // Each clears the list first. Lists end where 16384 bytes of names or lines are full.
+  // Each clears the list first. Lists end where 16384 bytes of names are full; the name that passes
+  // that end is cut.
   void ReadSections(TStrings& sections) const;
   void ReadSection(std::string_view section, TStrings& keys) const;
+  // `key=value` for each key of ReadSection, with ReadString's value of that key.
   void ReadSectionValues(std::string_view section, TStrings& lines) const;
   bool SectionExists(std::string_view section) const;
   bool ValueExists(std::string_view section, std::string_view key) const;
 
   // Keep every other byte of the file, comments and order included; the file is replaced whole or
   // not at all. Throw EIniFileException `Unable to write to %s`. A section or key that cannot be
-  // read back as given (`]`, `=`, line breaks, a leading `;`) and a value with a line break are
-  // refused with the same error.
+  // read back as given (`]`, `=`, line breaks, blanks at an end, a leading `;`) and a value with a
+  // line break are refused with the same error. A value with blanks or quotes at its ends is
+  // written in quotes, so that it reads back as given. Deleting what is missing does nothing.
   void WriteString(std::string_view section, std::string_view key, std::string_view value);
   void WriteInteger(std::string_view section, std::string_view key, int value);
   void WriteBool(std::string_view section, std::string_view key, bool value);  // 1 and 0

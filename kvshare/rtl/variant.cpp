@@ -174,7 +174,7 @@ Ordering Order(double a, double b) {
   return a <=> b;
 }
 Ordering Order(Currency a, Currency b) {
-  return a <=> b;
+  return a.Raw() <=> b.Raw();
 }
 Ordering Order(Currency a, std::int64_t b) {
   return Int128{a.Raw()} <=> Int128{b} * Currency::kScale;
@@ -189,9 +189,13 @@ Ordering Order(std::int64_t a, double b) {
   const auto whole = static_cast<std::int64_t>(b);
   return a != whole ? a <=> whole : 0.0 <=> b - static_cast<double>(whole);
 }
+Ordering Reversed(Ordering order) {
+  if (std::is_lt(order)) return Ordering::greater;
+  return std::is_gt(order) ? Ordering::less : order;
+}
 template <typename A, typename B>
 Ordering Order(A a, B b) {
-  return 0 <=> Order(b, a);
+  return Reversed(Order(b, a));
 }
 
 using Number = std::variant<std::int64_t, double, Currency>;
@@ -219,7 +223,7 @@ Ordering OrderTextAndAmount(const Variant& text, Currency amount) {
   const Ordering order = Order(NumberOfText(text), Number(amount));
   // Past 2^53 ten-thousandths several amounts share one real.
   Currency exact;
-  const bool tie = order == 0 && TryStrToCurr(std::get<std::string>(text.Value()), exact);
+  const bool tie = std::is_eq(order) && TryStrToCurr(std::get<std::string>(text.Value()), exact);
   return tie ? Order(exact, amount) : order;
 }
 
@@ -231,25 +235,25 @@ Ordering OrderTextAnd(const Variant& text, const Variant& other) {
     return Order(IntegerOf(text.AsBoolean()), IntegerOf(*v));
   }
   if (const auto* v = std::get_if<Currency>(&value)) return OrderTextAndAmount(text, *v);
-  if (const auto* v = std::get_if<TDateTime>(&value)) return text.AsDateTime() <=> *v;
+  if (const auto* v = std::get_if<TDateTime>(&value)) return text.AsDateTime().Days() <=> v->Days();
   return Order(NumberOfText(text), NumberOf(other));
 }
 
 Ordering Compare(const Variant& a, const Variant& b) {
   if (a.IsNull() || b.IsNull()) return int{b.IsNull()} <=> int{a.IsNull()};
   if (std::holds_alternative<std::string>(a.Value())) return OrderTextAnd(a, b);
-  if (std::holds_alternative<std::string>(b.Value())) return 0 <=> OrderTextAnd(b, a);
+  if (std::holds_alternative<std::string>(b.Value())) return Reversed(OrderTextAnd(b, a));
   return Order(NumberOf(a), NumberOf(b));
 }
 
 }  // namespace
 
 bool operator==(const Variant& a, const Variant& b) {
-  return Compare(a, b) == 0;
+  return std::is_eq(Compare(a, b));
 }
 
 bool operator<(const Variant& a, const Variant& b) {
-  return Compare(a, b) < 0;
+  return std::is_lt(Compare(a, b));
 }
 
 }  // namespace kvshare::inline rtl

@@ -23,6 +23,13 @@ struct TNull {
 inline constexpr TUnassigned Unassigned{};
 inline constexpr TNull Null{};
 
+namespace detail {
+
+template <typename T>
+concept Number = std::integral<T> && !std::same_as<T, bool> && !std::same_as<T, char>;
+
+}  // namespace detail
+
 // Unassigned (the default), Null, Boolean, integer, double, Currency, date-time or text.
 class KVSHARE_API Variant {
  public:
@@ -30,9 +37,9 @@ class KVSHARE_API Variant {
   Variant(TUnassigned) {}                 // NOLINT(google-explicit-constructor)
   Variant(TNull) : value_(Null) {}        // NOLINT
   Variant(bool value) : value_(value) {}  // NOLINT
-  template <std::integral T>
-  requires(!std::same_as<T, bool> && !std::same_as<T, char> && sizeof(T) <= 8) Variant(T value)
-      : value_(static_cast<std::int64_t>(value)) {}                // NOLINT
+  // Throws EIntOverflow past 2^63 - 1.
+  template <detail::Number T>
+  Variant(T value) : value_(ToInt64(value)) {}                     // NOLINT
   Variant(double value) : value_(value) {}                         // NOLINT
   Variant(Currency value) : value_(value) {}                       // NOLINT
   Variant(TDateTime value) : value_(value) {}                      // NOLINT
@@ -62,6 +69,12 @@ class KVSHARE_API Variant {
   const Storage& Value() const { return value_; }
 
  private:
+  template <detail::Number T>
+  static std::int64_t ToInt64(T value) {
+    if (!std::in_range<std::int64_t>(value)) throw EIntOverflow();
+    return static_cast<std::int64_t>(value);
+  }
+
   Storage value_;
 };
 
