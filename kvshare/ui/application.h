@@ -1,0 +1,20 @@
+// The running program as its windows see it.
+#pragma once
+
+#include "kvshare/export.h"
+
+namespace kvshare {
+
+class KVSHARE_API TApplication {
+ public:
+  // Whether a change of the system's regional settings changes FormatSettings.
+  bool UpdateFormatSettings = true;
+
+  // What a back end calls when the regional settings changed: reads FormatSettings from the user's
+  // locale again, unless UpdateFormatSettings is off.
+  void SettingsChanged() const;
+};
+
+extern KVSHARE_API TApplication Application;
+
+}  // namespace kvshare
