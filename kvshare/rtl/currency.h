@@ -59,6 +59,7 @@ class Currency {
     return raw_ < 0 ? std::uint64_t{0} - bits : bits;
   }
 
+  // NOLINTNEXTLINE(modernize-use-nullptr): the 0 of a rewritten comparison is no pointer
   constexpr auto operator<=>(const Currency&) const = default;
 
   friend constexpr Currency operator-(Currency a) { return FromWide(-Int128{a.raw_}); }
