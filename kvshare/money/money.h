@@ -59,25 +59,28 @@ class KVSHARE_API TKovraMoney {
   static TKovraMoneyRound PrRoundType(Word Code);
 
   // Half up on the magnitude to `Digits` decimals, on the decimal digits: RoundTo(-2.345, 2) is
-  // -2.35. Four digits and more return the amount as it is, a negative count is taken as 0.
-  // Throws EIntOverflow where the result leaves Currency's range.
+  // -2.35. Four digits and more (ten and more too) return the amount as it is, a negative count is
+  // taken as 0. Throws EIntOverflow where the result leaves Currency's range.
   static Currency RoundTo(Currency Amount, int Digits);
 
-  // Exact equality, without a tolerance.
+  // Exact equality, without a tolerance: that of the two texts with eight decimals.
   static bool IsEqual(Currency A, Currency B);
 
   // Share = Amount * Percent / 100 (half to even at four decimals), then RoundTo(Share, 2);
-  // Rest = Amount - Share, so that the two always add up. Throws EIntOverflow.
+  // Rest = Amount - Share, so that the two always add up: 33.33 and 66.67 for 33.3333 % of 100.
+  // Throws EIntOverflow where either leaves Currency's range; then neither is written.
   static void ShareValue(Currency Amount, Currency Percent, Currency& Share, Currency& Rest);
 
-  // Thai words of six decimal digits, without a unit word; "" for "000000". Throws EConvertError
-  // for a byte that is no digit, and for a text that is not six bytes long.
+  // Thai words of six decimal digits, without a unit word; "" for "000000". 11, 21 .. 91 end in
+  // "เอ็ด", 101 and 1001 in "หนึ่ง". Throws EConvertError `'%s' is not a valid integer value` for a
+  // byte that is no digit, and `ThaiWord expects six digits` for a text of another length.
   static std::string ThaiWord(std::string_view Digits);
 
-  // The amount in Thai words in brackets: (หนึ่งพันสองร้อยบาทถ้วน). The magnitude is spelled, without
-  // a word for the sign. An amount past 1,000,000,000,000.00 gives a message in brackets; exactly
-  // that amount gives (ถ้วน), and -1,000,000,000,000.00 and below give words of the low twelve
-  // digits only: see ThaiNoteIsSafe.
+  // The amount, half up to satang, in Thai words in brackets: (หนึ่งพันสองร้อยบาทถ้วน). The magnitude
+  // is spelled, without a word for the sign. An amount past 1,000,000,000,000.00 gives a message in
+  // brackets; exactly that amount gives (ถ้วน). From -1,000,000,000,000.00 down the words are wrong:
+  // StrZero(amount, 16, 2) is read, whose end is cut off there; a decimal point in the places of
+  // the satang counts as 0. Ask ThaiNoteIsSafe first. Throws nothing of its own.
   static std::string ThaiNote(Currency Amount);
   static void AppendThaiNote(std::string& Out, Currency Amount);
 
@@ -86,12 +89,15 @@ class KVSHARE_API TKovraMoney {
   static bool ThaiNoteIsSafe(Currency Amount);
   static bool EngNoteIsSafe(Currency Amount);
 
-  // English words of 1 .. 2,147,483,647, each followed by a blank; "" for 0 and below.
+  // English words of 1 .. 2,147,483,647, each followed by a blank: `One Hundred and Five `; "" for
+  // 0 and below. There is no word for a thousand million: `Two Thousand Million `.
   static std::string NumToWords(std::int32_t N);
 
-  // `One Thousand Two Hundred and Thirty Four Baht Fifty Stang`, `Twelve Baht Only`; the magnitude,
-  // without a word for the sign. From 2,147,483,648 baht up only the low 32 bits of the whole part
-  // are spelled. EngCrncy takes the caller's unit names.
+  // `One Thousand Two Hundred and Thirty Four Baht Fifty Stang`, `Twelve Baht Only`, `Baht Only`;
+  // the magnitude, half up to the hundredth, without a word for the sign. From 2,147,483,648 baht
+  // up the words are wrong: the low 32 bits of the whole part are spelled, of the twelve digits
+  // that StrZero(amount, 16, 2) keeps as ThaiNote reads them. EngCrncy takes the caller's unit
+  // names.
   static std::string EngNote(Currency Amount);
   static void AppendEngNote(std::string& Out, Currency Amount);
   static std::string EngCrncy(Currency Amount, std::string_view UnitName,
@@ -99,22 +105,37 @@ class KVSHARE_API TKovraMoney {
   static void AppendEngCrncy(std::string& Out, Currency Amount, std::string_view UnitName,
                              std::string_view SubUnitName);
 
-  // Fixed-width, zero-padded: StrZero(-1234.5, 16, 2) is -000000001234.50. A text too long keeps
-  // its first Width bytes; an amount between -1 and 0 loses its sign; a fraction that rounds up
-  // does not carry. Width below 1 gives ""; Width and Decimals above 32767 count as 32767;
-  // decimals past the fourth are zeros, and past the eighteenth the fraction has two.
+  // Fixed-width, zero-padded, with FormatSettings' decimal separator: StrZero(-1234.5, 16, 2) is
+  // -000000001234.50. A text too long keeps its first Width bytes; an amount between -1 and 0 loses
+  // its sign; a fraction that rounds up does not carry (1.999 is 00001.00 at width 8); decimals
+  // past the fourth are zeros.
+  //
+  // The whole part goes through Format("%w.wd"), w being Width less the other characters, and so:
+  // a Width with no room for them (w < 0) throws Format's EConvertError; where w is above 32, which
+  // Format ignores, the zeros of a negative amount stand before its sign. Above 18, Decimals give
+  // blanks and two decimals. Both arguments count as 32767 from there up, -32767 from there down.
   static std::string StrZero(Currency Amount, int Width, int Decimals);
   static void AppendStrZero(std::string& Out, Currency Amount, int Width, int Decimals);
 
-  // Qty base units as packs of Factor and loose units: of (12, 29) eleven blanks and `2.05`.
-  // Throws EZeroDivide or EInvalidOp for a factor of 0, EIntOverflow past 32 bits.
+  // Qty base units as packs of Factor, twelve wide with thousands, and loose units with as many
+  // digits as the whole part of Factor is written with, one more when it has a fraction: of (12,
+  // 29) eleven blanks and `2.05`; of (12, -29) `          -2.-05`. Both count toward zero. Throws
+  // EZeroDivide for a Factor of 0 (EInvalidOp when Qty is 0 too), EIntOverflow where packs or loose
+  // units pass 32 bits.
   static std::string ReformatQty(Currency Factor, Currency Qty);
 
-  // The same as a number: Part 1 packs, 2 loose units, 3 both (2.05), other values 0.
+  // The same as a number: Part 1 packs, 2 loose units, 3 both (2.05), other values 0. Loose units
+  // of five digits and more lose those past the fourth decimal. Errors as ReformatQty, for every
+  // Part.
   static Currency ShowQty(Currency Factor, Currency Qty, int Part);
 
-  // The quantity text of a stock-keeping unit. Mode 1 uses Style 1 .. 4, mode 2 EqStyle 1 .. 8 with
-  // Rate; "" for other values, for a Factor of 0 and for a Rate that is no number.
+  // The quantity text of a stock-keeping unit. 29 pieces in boxes of 12:
+  //   Mode 1, Style: 1 `29` twelve wide, 2 `2+5`, 3 `2*12+5`, 4 `2+5/12`; a Factor of 1 gives 1.
+  //   Mode 2, EqStyle: 1 .. 4 the same; 5 .. 8 the same and Qty * Rate: `2+5=14.500000`.
+  // Decimals are those of plain quantity and rest; with 0 the plain quantity is cut, not rounded.
+  // "" for other values, for a Factor of 0, for a Rate that is no number (in mode 1 too), negative
+  // Decimals, and packs out of Currency's range. Qty * Rate is exact up to 922,337,203,685,477
+  // unless Rate has an exponent; then it is real arithmetic.
   static std::string ShowSkuQty(int Mode, int Style, int Decimals, int EqStyle, Currency Qty,
                                 Currency Factor, std::string_view Rate);
 

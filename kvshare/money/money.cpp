@@ -1,0 +1,7 @@
+#include "kvshare/money/money.h"
+
+namespace kvshare {
+
+TKovraMoney* KovraMoney = nullptr;
+
+}  // namespace kvshare
