@@ -1,0 +1,122 @@
+// The library against the shipped conformance file, whose results do not come from it.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <functional>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "kvshare/money/money.h"
+#include "kvshare/rtl/convert.h"
+#include "kvshare/rtl/cp874.h"
+#include "kvshare/rtl/format.h"
+#include "kvshare/rtl/formatfloat.h"
+
+namespace kvshare {
+namespace {
+
+using nlohmann::json;
+
+// The arguments of one case.
+class Arguments {
+ public:
+  explicit Arguments(const json& values) : values_(values) {}
+
+  std::string Text(const char* name) const {
+    return Utf8ToCp874(values_.at(name).get<std::string>());
+  }
+  Currency Amount(const char* name = "Amount") const { return StrToCurr(Text(name)); }
+  int Int(const char* name) const { return values_.at(name); }
+  Word Code() const { return values_.at("Code"); }
+  TKovraMoneyRound Mode() const { return FindRoundMode(Text("Mode"))->Mode; }
+
+ private:
+  const json& values_;
+};
+
+json Result(const std::string& text) {
+  return Cp874ToUtf8(text);
+}
+json Result(Currency amount) {
+  return Format("%.4f", {amount});
+}
+json Result(TKovraMoneyRound mode) {
+  return RoundModeInfo(mode).Name;
+}
+
+json ShareAndRest(const Arguments& a) {
+  Currency share, rest;
+  TKovraMoney::ShareValue(a.Amount(), a.Amount("Percent"), share, rest);
+  return {Result(share), Result(rest)};
+}
+
+using M = TKovraMoney;
+using A = const Arguments&;
+const std::map<std::string, std::function<json(A)>> kOperations = {
+    {"Round_Baht", [](A a) { return Result(M::Round_Baht(a.Amount(), a.Mode())); }},
+    {"RoundType", [](A a) { return Result(M::RoundType(a.Code())); }},
+    {"PrRoundType", [](A a) { return Result(M::PrRoundType(a.Code())); }},
+    {"RoundTo", [](A a) { return Result(M::RoundTo(a.Amount(), a.Int("Digits"))); }},
+    {"ShareValue", ShareAndRest},
+    {"ThaiWord", [](A a) { return Result(M::ThaiWord(a.Text("Digits"))); }},
+    {"ThaiNote", [](A a) { return Result(M::ThaiNote(a.Amount())); }},
+    {"NumToWords", [](A a) { return Result(M::NumToWords(a.Int("N"))); }},
+    {"EngNote", [](A a) { return Result(M::EngNote(a.Amount())); }},
+    {"EngCrncy",
+     [](A a) {
+       return Result(M::EngCrncy(a.Amount(), a.Text("UnitName"), a.Text("SubUnitName")));
+     }},
+    {"StrZero",
+     [](A a) { return Result(M::StrZero(a.Amount(), a.Int("Width"), a.Int("Decimals"))); }},
+    {"ReformatQty",
+     [](A a) { return Result(M::ReformatQty(a.Amount("Factor"), a.Amount("Qty"))); }},
+    {"ShowQty",
+     [](A a) { return Result(M::ShowQty(a.Amount("Factor"), a.Amount("Qty"), a.Int("Part"))); }},
+    {"ShowSkuQty",
+     [](A a) {
+       return Result(M::ShowSkuQty(a.Int("Mode"), a.Int("Style"), a.Int("Decimals"),
+                                   a.Int("EqStyle"), a.Amount("Qty"), a.Amount("Factor"),
+                                   a.Text("Rate")));
+     }},
+    {"IsInteger", [](A a) { return json(M::IsInteger(a.Text("S"))); }},
+    {"IsFloat", [](A a) { return json(M::IsFloat(a.Text("S"))); }},
+    {"Format", [](A a) { return Result(Format(a.Text("Pattern"), {a.Amount()})); }},
+    {"FormatFloat", [](A a) { return Result(FormatFloat(a.Text("Mask"), a.Amount())); }},
+};
+
+// The outcome in the file's own form: {"expect": ...} or {"error": name}.
+json Outcome(const std::string& operation, const json& values) {
+  try {
+    return {{"expect", kOperations.at(operation)(Arguments(values))}};
+  } catch (const EIntOverflow&) {
+    return {{"error", "EIntOverflow"}};
+  } catch (const EConvertError&) {
+    return {{"error", "EConvertError"}};
+  } catch (const EZeroDivide&) {
+    return {{"error", "EZeroDivide"}};
+  } catch (const EInvalidOp&) {
+    return {{"error", "EInvalidOp"}};
+  }
+}
+
+TEST(Conformance, EveryCaseOfTheFile) {
+  FormatSettings = TFormatSettings::UsEnglish();
+  const json file = json::parse(std::ifstream(KVSHARE_CONFORMANCE_FILE));
+  ASSERT_EQ(file.at("version"), 1);
+  std::size_t count = 0;
+  for (const json& group : file.at("groups")) {
+    const std::string operation = group.at("operation");
+    ASSERT_TRUE(kOperations.contains(operation)) << operation;
+    for (const json& values : group.at("cases")) {
+      const char* key = values.contains("error") ? "error" : "expect";
+      EXPECT_EQ(Outcome(operation, values), json({{key, values.at(key)}}))
+          << operation << ' ' << values;
+      ++count;
+    }
+  }
+  EXPECT_GT(count, 500U);
+}
+
+}  // namespace
+}  // namespace kvshare
