@@ -124,9 +124,9 @@ class KVSHARE_API TKovraMoney {
   // units pass 32 bits.
   static std::string ReformatQty(Currency Factor, Currency Qty);
 
-  // The same as a number: Part 1 packs, 2 loose units, 3 both (2.05), other values 0. Loose units
-  // of five digits and more lose those past the fourth decimal. Errors as ReformatQty, for every
-  // Part.
+  // The same as a number: the packs (Part is 1), the loose units (2), both (3: 2.05); 0 for another
+  // value. Loose units of five digits and more lose those past the fourth decimal. Errors as
+  // ReformatQty, whatever is asked for.
   static Currency ShowQty(Currency Factor, Currency Qty, int Part);
 
   // The quantity text of a stock-keeping unit. 29 pieces in boxes of 12:

@@ -7,6 +7,7 @@
 
 #include "kvshare/money/money.h"
 #include "kvshare/rtl/strutils.h"
+#include "kvshare/settings/catalogue.h"
 
 namespace kvshare {
 
@@ -25,34 +26,34 @@ struct ModeRow {
 constexpr std::uint64_t kBaht = Currency::kScale;
 
 constexpr std::array<ModeRow, kRoundModes> kModes = {{
-    {{mrNoRound, "mrNoRound", 65466}, Way::Down, 1},
-    {{mrDownToBaht, "mrDownToBaht", 65467}, Way::Down, kBaht},
-    {{mrNearBaht, "mrNearBaht", 65468}, Way::Near, kBaht},
-    {{mrUpToBaht, "mrUpToBaht", 65469}, Way::Up, kBaht},
-    {{mrDownTo25, "mrDownTo25", 65470}, Way::Down, kBaht / 4},
-    {{mrNear25, "mrNear25", 65471}, Way::Near, kBaht / 4},
-    {{mrUpTo25, "mrUpTo25", 65440}, Way::Up, kBaht / 4},
-    {{mrDownTo50, "mrDownTo50", 65441}, Way::Down, kBaht / 2},
-    {{mrNear50, "mrNear50", 65442}, Way::Near, kBaht / 2},
-    {{mrUpTo50, "mrUpTo50", 65443}, Way::Up, kBaht / 2},
-    {{mrOneDigits, "mrOneDigits", 65424}, Way::Near, kBaht / 10},
-    {{mrTwoDigits, "mrTwoDigits", 65425}, Way::Near, kBaht / 100},
-    {{mrThreeDigits, "mrThreeDigits", 65426}, Way::Near, kBaht / 1'000},
-    {{mrFourDigits, "mrFourDigits", 65427}, Way::Near, 1},
-    {{mrFiveDigits, "mrFiveDigits", 65428}, Way::Near, 1},
-    {{mrSixDigits, "mrSixDigits", 65429}, Way::Near, 1},
-    {{mrDownTo5Baht, "mrDownTo5Baht", 65444}, Way::Down, 5 * kBaht},
-    {{mrNear5Baht, "mrNear5Baht", 65445}, Way::Near, 5 * kBaht},
-    {{mrUpto5Baht, "mrUpto5Baht", 65446}, Way::Up, 5 * kBaht},
-    {{mrDownTo10Baht, "mrDownTo10Baht", 65447}, Way::Down, 10 * kBaht},
-    {{mrNear10Baht, "mrNear10Baht", 65448}, Way::Near, 10 * kBaht},
-    {{mrUpto10Baht, "mrUpto10Baht", 65449}, Way::Up, 10 * kBaht},
-    {{mrDownTo50Baht, "mrDownTo50Baht", 65450}, Way::Down, 50 * kBaht},
-    {{mrNear50Baht, "mrNear50Baht", 65451}, Way::Near, 50 * kBaht},
-    {{mrUpto50Baht, "mrUpto50Baht", 65452}, Way::Up, 50 * kBaht},
-    {{mrDownTo100Baht, "mrDownTo100Baht", 65453}, Way::Down, 100 * kBaht},
-    {{mrNear100Baht, "mrNear100Baht", 65454}, Way::Near, 100 * kBaht},
-    {{mrUpto100Baht, "mrUpto100Baht", 65455}, Way::Up, 100 * kBaht},
+    {{mrNoRound, "mrNoRound", rstrNoRound}, Way::Down, 1},
+    {{mrDownToBaht, "mrDownToBaht", rstrDownToBaht}, Way::Down, kBaht},
+    {{mrNearBaht, "mrNearBaht", rstrNearBaht}, Way::Near, kBaht},
+    {{mrUpToBaht, "mrUpToBaht", rstrUptoBaht}, Way::Up, kBaht},
+    {{mrDownTo25, "mrDownTo25", rstrDownto25Stang}, Way::Down, kBaht / 4},
+    {{mrNear25, "mrNear25", rstrNear25Stang}, Way::Near, kBaht / 4},
+    {{mrUpTo25, "mrUpTo25", rstrUpto25Stang}, Way::Up, kBaht / 4},
+    {{mrDownTo50, "mrDownTo50", rstrDownto50Stang}, Way::Down, kBaht / 2},
+    {{mrNear50, "mrNear50", rstrNear50Stang}, Way::Near, kBaht / 2},
+    {{mrUpTo50, "mrUpTo50", rstrUpto50Stang}, Way::Up, kBaht / 2},
+    {{mrOneDigits, "mrOneDigits", rstrOneDigit}, Way::Near, kBaht / 10},
+    {{mrTwoDigits, "mrTwoDigits", rstrTwoDigit}, Way::Near, kBaht / 100},
+    {{mrThreeDigits, "mrThreeDigits", rstrThreeDigit}, Way::Near, kBaht / 1'000},
+    {{mrFourDigits, "mrFourDigits", rstrFourDigit}, Way::Near, 1},
+    {{mrFiveDigits, "mrFiveDigits", rstrFiveDigit}, Way::Near, 1},
+    {{mrSixDigits, "mrSixDigits", rstrSixDigit}, Way::Near, 1},
+    {{mrDownTo5Baht, "mrDownTo5Baht", rstrDownto5Baht}, Way::Down, 5 * kBaht},
+    {{mrNear5Baht, "mrNear5Baht", rstrNear5Baht}, Way::Near, 5 * kBaht},
+    {{mrUpto5Baht, "mrUpto5Baht", rstrUpto5Baht}, Way::Up, 5 * kBaht},
+    {{mrDownTo10Baht, "mrDownTo10Baht", rstrDownto10Baht}, Way::Down, 10 * kBaht},
+    {{mrNear10Baht, "mrNear10Baht", rstrNear10Baht}, Way::Near, 10 * kBaht},
+    {{mrUpto10Baht, "mrUpto10Baht", rstrUpto10Baht}, Way::Up, 10 * kBaht},
+    {{mrDownTo50Baht, "mrDownTo50Baht", rstrDownto50Baht}, Way::Down, 50 * kBaht},
+    {{mrNear50Baht, "mrNear50Baht", rstrNear50Baht}, Way::Near, 50 * kBaht},
+    {{mrUpto50Baht, "mrUpto50Baht", rstrUpto50Baht}, Way::Up, 50 * kBaht},
+    {{mrDownTo100Baht, "mrDownTo100Baht", rstrDownto100Baht}, Way::Down, 100 * kBaht},
+    {{mrNear100Baht, "mrNear100Baht", rstrNear100Baht}, Way::Near, 100 * kBaht},
+    {{mrUpto100Baht, "mrUpto100Baht", rstrUpto100Baht}, Way::Up, 100 * kBaht},
 }};
 
 consteval bool RowsStandInOrder() {
