@@ -26,32 +26,39 @@ class KVSHARE_API TKovraCrypt {
   // A fresh key of 16 characters.
   std::string GeneratePWDSecutityString() const;
 
-  // `Count` of the given characters, drawn without repetition; at most as many as there are.
+  // `Count` of the given characters, drawn without repetition; at most as many as there are, "" for
+  // Count <= 0.
   std::string MakeRNDString(std::string_view Characters, int Count) const;
 
-  // The value with MinPad .. MaxPad filler characters between its own (bounds swapped when turned
-  // round, clamped to 0 .. 100; a run is never longer than the key leaves fillers). A key of all 64
-  // characters leaves none: "".
+  // Two characters of the key for each byte of the value, a run of MinPad .. MaxPad - 1 fillers
+  // after each and of MinPad + 1 .. MaxPad before the first; just MinPad and MinPad + 1 when the
+  // bounds are equal. Fillers are the characters that the key leaves: a run holds each of them once
+  // at most, so it is never longer than they are. Bounds are swapped when turned round, then
+  // clamped to 0 .. 100. A key of all 64 characters leaves no fillers: "".
   std::string EncodePWDEx(std::string_view Value, std::string_view Key, int MinPad,
                           int MaxPad) const;
 
-  // The same, drawn again until it is at most MaxLen characters long; MaxLen 0 sets no limit. A
-  // MaxLen below the shortest possible text gives "" at once.
+  // The same in at most MaxLen characters; MaxLen 0 sets no limit. Runs are drawn anew while the
+  // text comes out too long; where that would go on for long, fillers beyond the least are struck
+  // out at random until the text fits. A MaxLen below the shortest possible text, a negative one
+  // too, gives "".
   std::string EncodePWDExL(std::string_view Value, std::string_view Key, int MaxLen, int MinPad,
                            int MaxPad) const;
 
+  // Characters that are not in the key are passed over; an odd number of others is a failure.
   std::string DecodePWDEx(std::string_view Value, std::string_view Key) const;
 
   // The value trimmed of bytes <= 32 at both ends, padding 0 .. 5.
   std::string EncodeString(std::string_view Value, std::string_view Key) const;
   std::string DecodeToString(std::string_view Value, std::string_view Key) const;
 
-  // Typed values; what does not decode gives 0, 0.00 and today's date.
+  // Typed values; what does not decode gives 0, 0.00 and today's date. Amounts are written and read
+  // with FormatSettings.DecimalSeparator.
   std::string EncodeInteger(std::int32_t Value, std::string_view Key) const;
   std::int32_t DecodeToInteger(std::string_view Value, std::string_view Key) const;
   std::string EncodeCurrency(Currency Value, std::string_view Key) const;
   Currency DecodeToCurrency(std::string_view Value, std::string_view Key) const;
-  // The time of day is dropped.
+  // As YYYYMMDD, the time of day dropped; years 1 .. 9999 come back. Throws as FormatDateTime.
   std::string EncodeDatetime(TDateTime Value, std::string_view Key) const;
   TDateTime DecodeToDatetime(std::string_view Value, std::string_view Key) const;
 };

@@ -2,6 +2,7 @@
 // positions from 1. Every operation returns a new text unless it says "in place".
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -35,20 +36,25 @@ class KVSHARE_API TKovraString {
   // True for Null, Unassigned and text that is empty once trimmed of bytes <= 32.
   static bool Empty(const Variant& Value);
 
-  // Pairs are overwritten in place from the left, the length stays: "//" by CR LF, CR LF by two
-  // blanks, ' by ".
+  // Overwritten from the left, the length stays: "//" by CR LF, CR LF by two blanks, ' by ".
   static std::string ChangeSlashToCRLF(std::string_view Text);
   static std::string ChangeCRLFToSpace(std::string_view Text);
   static std::string Change1To2Quote(std::string_view Text);
 
-  // Without the first occurrence of Part.
+  // Without the first occurrence of Part; an empty Part removes nothing.
   static std::string RemoveString(std::string_view Part, std::string_view Text);
 
   // Replaces every Old, ignoring case, and searches each time again from the start, so that what a
-  // replacement brings together is replaced too. An empty Old changes nothing. A New that holds Old
-  // (ignoring case) would never finish: it throws EConvertError
-  // `'%s' cannot replace '%s', which it contains`, when Old occurs. A replacement that would not
-  // finish for other reasons cannot happen: each step without Old in New consumes an occurrence.
+  // replacement brings together is replaced too: "aabb" without "ab" is "". An empty Old changes
+  // nothing. Takes time in proportion to Text, what is replaced and what is inserted.
+  //
+  // Replacements that would never end throw EConvertError when Old occurs:
+  //   `'%s' cannot replace '%s', which it contains` where New holds Old, ignoring case;
+  //   `Replacing '%s' by '%s' does not come to an end` where New and what stands beside it make Old
+  //   again and again ("aab", by "bbaa" for "ab"). So do those that end too late for any use: the
+  //   limit is kMostRepeated bytes and the length of Text, inserted by replacements that take in
+  //   what others inserted.
+  static constexpr std::size_t kMostRepeated = std::size_t{1} << 24;
   static std::string ChangeString(std::string_view Text, std::string_view Old,
                                   std::string_view New);
 
@@ -59,21 +65,24 @@ class KVSHARE_API TKovraString {
   static std::string PadZero(std::string_view Text, SmallInt Width);
   static std::string PadLeftZero(std::string_view Text, SmallInt Width);
 
-  // Without a leading item number: `12.Sales` gives `Sales`; other texts stay.
+  // Without a leading item number, which is what StrToInt accepts before the first `.`: `12.Sales`
+  // gives `Sales`; other texts stay.
   static std::string StripNumber(std::string_view Text);
 
-  // The position of the N-th occurrence, overlaps counted; 0 when N <= 0 or there are fewer.
+  // The position of the N-th occurrence, overlaps counted: "aa" stands twice in "aaa". 0 when
+  // N <= 0, when there are fewer, and for an empty Part.
   static int BStrPos(std::string_view Part, std::string_view Text, int N);
 
-  // In place: Source's first bytes over Destination from Position, left-aligned; Count bytes (0:
-  // all of Source), never past the end. A Position below 1 or past the end, and a negative Count,
-  // change nothing.
+  // In place: Source's first bytes over Destination from Position, left-aligned: Count bytes (0:
+  // all of Source), at most what Source has and never past the end. A Position below 1 or past the
+  // end, and a negative Count, change nothing. Source may lie in Destination: the bytes written are
+  // those of before the call.
   static void MoveLStr(std::string_view Source, std::string& Destination, int Count, int Position);
 
-  // In place: Source's last bytes right-aligned in the field of Count bytes from Position. With
-  // Count 0 the field ends just before Position. A field that would begin before Destination loses
-  // the bytes that do not fit; a Position below 1 or past the end, and a negative Count, change
-  // nothing.
+  // In place: Source's last bytes right-aligned in the field of Count bytes from Position, which
+  // ends at the latest with Destination; the bytes that the field has before them stay. With Count
+  // 0 all of Source ends just before Position, less what would stand before Destination. A Position
+  // below 1 or past the end, and a negative Count, change nothing. Source may lie in Destination.
   static void MoveRStr(std::string_view Source, std::string& Destination, int Count, int Position);
 };
 

@@ -24,19 +24,25 @@ class KVSHARE_API TKovraStrList {
   static bool RemoveFromListByPointer(TStrings& List, TStringId Item);
 
   // Every item becomes what follows its first `=`, trimmed; an item without `=` is only trimmed.
+  // Objects stay. Operations that rewrite items throw EStringListError for a sorted list, as
+  // TStrings::Put does.
   static void RemoveNameKey(TStrings& List);
 
-  // Clears Names and Values; Names gets the part before `=` ("" without one), Values the items
-  // after RemoveNameKey. Source may be Values.
+  // Names becomes the parts before `=` ("" without one), untrimmed, Values the items after
+  // RemoveNameKey, with their objects. Source may be Names or Values; those are two lists.
   static void SplitList(const TStrings& Source, TStrings& Names, TStrings& Values);
 
   // Appends the raw lines of a section of an initialisation file, comments and blank lines
-  // included; nothing when the section is missing. Throws EFOpenError when the file vanishes while
-  // it is read.
+  // included, up to the header of the section that follows it; nothing when the section is missing.
+  // Headers count that stand alone on their lines, letter case aside, without blanks: under
+  // `[ A ]` nothing is found, and a section before it runs to the end of the file.
+  // TIniFile::ReadSections knows the sections, so its limits hold. Throws EFOpenError when the file
+  // vanishes while it is read.
   static void ReadContentInSection(std::string_view FileName, std::string_view Section,
                                    TStrings& List);
 
-  // A=1, B=2, C=3 become AND(A=1, OR B=2, OR C=3); a single item becomes AND A=1.
+  // A=1, B=2, C=3 become AND(A=1, OR B=2, OR C=3), without a blank after the bracket; a single item
+  // becomes AND A=1.
   static void AddAndOr(TStrings& List);
 };
 
