@@ -1,1 +1,50 @@
-# The installed library: headers, CMake package, pkg-config file.
+# The installed library: headers, CMake package, pkg-config file, language resources. Every path in
+# them is relative, so that an installation can be moved as a whole.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS kvshare EXPORT KvShareTargets
+  LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
+
+# Headers that only the library's own sources include; all others are reached from kvshare.h.
+set(internal_headers
+  money/words.h
+  os/loadedlibrary.h
+  os/posix
+  rtl/calendar.h
+  rtl/decimal.h
+  rtl/digits.h
+  rtl/iniparser.h
+  rtl/lines.h
+  rtl/textcursor.h
+  settings/loadentry.h
+  settings/placeholders.h
+  text/pattern.h)
+foreach(header IN LISTS internal_headers)
+  list(APPEND not_these PATTERN ${header} EXCLUDE)
+endforeach()
+install(DIRECTORY kvshare/ DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kvshare"
+  FILES_MATCHING PATTERN "*.h" ${not_these})
+
+install(DIRECTORY packaging/languages/ DESTINATION "${CMAKE_INSTALL_DATADIR}/kvshare/languages"
+  FILES_MATCHING PATTERN "*.lang")
+
+# find_package(KvShare)
+set(package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/KvShare")
+install(EXPORT KvShareTargets NAMESPACE KvShare:: DESTINATION "${package_folder}")
+configure_package_config_file(cmake/KvShareConfig.cmake.in
+  "${PROJECT_BINARY_DIR}/KvShareConfig.cmake"
+  INSTALL_DESTINATION "${package_folder}"
+  NO_SET_AND_CHECK_MACRO)
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/KvShareConfigVersion.cmake"
+  COMPATIBILITY SameMinorVersion)
+install(FILES
+  "${PROJECT_BINARY_DIR}/KvShareConfig.cmake"
+  "${PROJECT_BINARY_DIR}/KvShareConfigVersion.cmake"
+  DESTINATION "${package_folder}")
+
+# pkg-config kvshare
+file(RELATIVE_PATH prefix_from_pkgconfig
+  "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+configure_file(cmake/kvshare.pc.in "${PROJECT_BINARY_DIR}/kvshare.pc" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/kvshare.pc"
+  DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
