@@ -28,6 +28,10 @@ install(DIRECTORY kvshare/ DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kvshare"
 install(DIRECTORY packaging/languages/ DESTINATION "${CMAKE_INSTALL_DATADIR}/kvshare/languages"
   FILES_MATCHING PATTERN "*.lang")
 
+# Inputs and expected results that a program in any language can test itself with.
+install(FILES packaging/conformance/kvshare-conformance.json
+  DESTINATION "${CMAKE_INSTALL_DATADIR}/kvshare/conformance")
+
 # find_package(KvShare)
 set(package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/KvShare")
 install(EXPORT KvShareTargets NAMESPACE KvShare:: DESTINATION "${package_folder}")

@@ -51,7 +51,7 @@ std::string HomeFolder() {
   if (folder.empty()) {
     const std::string_view data = Environment("XDG_DATA_HOME");
     const std::string_view user = Environment("HOME");
-    if (data.starts_with('/')) {  // the specification of the variable: a relative one is ignored
+    if (data.starts_with('/')) {  // a relative one is ignored, as the XDG base directories want it
       folder.assign(data).append("/kvshare");
     } else if (!user.empty()) {
       folder.assign(user).append("/.local/share/kvshare");
