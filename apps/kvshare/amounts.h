@@ -1,0 +1,21 @@
+// Amounts as people type them and as programs read them.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "kvshare/rtl/currency.h"
+
+namespace kvshare::app {
+
+// The amount of a text (code page 874): blanks around it and thousands commas are dropped, the rest
+// is read as StrToCurr does. Throws EConvertError with the text as it was given.
+Currency ParseAmount(std::string_view text);
+
+// Always four decimals and no thousands: 1234.5000. Exact.
+void AppendFourDecimals(std::string& out, Currency amount);
+
+// At least two decimals, up to four where they are not zero, no thousands: 1234.50, 0.3333. Exact.
+void AppendDecimals(std::string& out, Currency amount);
+
+}  // namespace kvshare::app

@@ -1,0 +1,114 @@
+#include "apps/kvshare/cli.h"
+
+#include <algorithm>
+#include <exception>
+#include <new>
+
+#include "apps/kvshare/commands.h"
+#include "apps/kvshare/version.h"
+#include "kvshare/rtl/cp874.h"
+#include "kvshare/rtl/exceptions.h"
+
+namespace kvshare::app {
+
+namespace {
+
+constexpr std::string_view kFooter =
+    "\nWithout operands a command reads one item a line from standard input and writes one line\n"
+    "for each. An item that cannot be read gives an empty line, and its number and reason on\n"
+    "standard error. Exit status: 0 done, 1 something could not be read, 2 wrong usage.\n"
+    "`kvshare COMMAND --help` shows options and examples; man kvshare shows all.\n";
+
+// The option parser takes `-5` for an operand but `-.5` for an option. A blank in front makes it an
+// operand too, and every command drops blanks around an item.
+void MarkNegativeFractions(std::vector<std::string>& arguments) {
+  for (std::string& argument : arguments) {
+    if (argument == "--") return;
+    if (argument.size() > 1 && argument[0] == '-' && (argument[1] == '.' || argument[1] == ',')) {
+      argument.insert(0, 1, ' ');
+    }
+  }
+}
+
+void Declare(CLI::App& app, Plan& plan) {
+  app.set_version_flag("--version", "kvshare " + std::string(kVersion), "Print the version");
+  app.footer(std::string(kFooter));
+  app.get_formatter()->label("SUBCOMMAND", "COMMAND");
+  app.require_subcommand(0, 1);
+  DeclareReceipts(app, plan);
+  DeclareWords(app, plan);
+  DeclareRound(app, plan);
+  DeclareShare(app, plan);
+  DeclareQty(app, plan);
+  DeclareFormat(app, plan);
+  DeclareMask(app, plan);
+  DeclareEncode(app, plan);
+  DeclareDecode(app, plan);
+  DeclareKey(app, plan);
+  DeclareMessage(app, plan);
+}
+
+void WriteTo(int fd, std::string_view text) {
+  BlockWriter writer(fd, fd == 1 ? "standard output" : "output");
+  writer.Buffer() = text;
+  writer.Flush();
+}
+
+int Complain(const Stdio& stdio, std::string_view what, int status) {
+  try {
+    WriteTo(stdio.err, "kvshare: " + std::string(what) + "\n");
+  } catch (const StreamError&) {
+    return status;  // nowhere left to say it
+  }
+  return status;
+}
+
+// What the parser stops with: a question that it answers itself, or wrong usage.
+int Answer(const CLI::App& app, const CLI::ParseError& error, const Stdio& stdio) {
+  if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
+    const bool version = error.get_name() == "CallForVersion";
+    WriteTo(stdio.out, version ? std::string(error.what()) + "\n" : app.help());
+    return kDone;
+  }
+  const auto named = app.get_subcommands();
+  const std::string command = named.empty() ? "" : " " + named.front()->get_name();
+  return Complain(stdio, std::string(error.what()) + "\nTry `kvshare" + command + " --help`.",
+                  kWrongUsage);
+}
+
+int Run(const Plan& plan, const Stdio& stdio) {
+  if (plan.prepare) plan.prepare(stdio);
+  if (plan.action) return plan.action(stdio);
+  return RunItems(plan.transform, plan.operands, plan.json, stdio);
+}
+
+int ParseAndRun(std::vector<std::string> arguments, const Stdio& stdio) {
+  CLI::App app("Thai money and text: amounts in words, rounding, a day's receipts", "kvshare");
+  Plan plan;
+  Declare(app, plan);
+  MarkNegativeFractions(arguments);
+  std::reverse(arguments.begin(), arguments.end());  // the parser's own order
+  try {
+    app.parse(std::move(arguments));
+    if (app.get_subcommands().empty()) RefuseUsage("COMMAND", "is needed");
+    return Run(plan, stdio);
+  } catch (const CLI::ParseError& e) {
+    return Answer(app, e, stdio);
+  }
+}
+
+}  // namespace
+
+int RunCommandLine(std::vector<std::string> arguments, const Stdio& stdio) {
+  try {
+    return ParseAndRun(std::move(arguments), stdio);
+  } catch (const Exception& e) {
+    return Complain(stdio, Cp874ToUtf8Lossy(e.Message()), kBadInput);
+  } catch (const std::bad_alloc&) {
+    return Complain(stdio, "out of memory", kBadInput);
+  } catch (const std::exception& e) {
+    return Complain(stdio, e.what(), kBadInput);
+  }
+}
+
+}  // namespace kvshare::app

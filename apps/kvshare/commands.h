@@ -1,0 +1,57 @@
+// The commands as the option parser sees them.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "apps/kvshare/items.h"
+#include "kvshare/rtl/currency.h"
+
+namespace kvshare::app {
+
+// What a command line asks for; the callback of the command that was named fills it.
+struct Plan {
+  std::vector<std::string> operands;
+  bool json = false;
+  std::function<void(const Stdio&)> prepare;  // optional, runs first; may refuse the usage
+  Transform transform;                        // a command for items, or
+  std::function<int(const Stdio&)> action;    // one that does not read items
+};
+
+void DeclareWords(CLI::App& parent, Plan& plan);
+void DeclareRound(CLI::App& parent, Plan& plan);
+void DeclareShare(CLI::App& parent, Plan& plan);
+void DeclareQty(CLI::App& parent, Plan& plan);
+void DeclareFormat(CLI::App& parent, Plan& plan);
+void DeclareMask(CLI::App& parent, Plan& plan);
+void DeclareEncode(CLI::App& parent, Plan& plan);
+void DeclareDecode(CLI::App& parent, Plan& plan);
+void DeclareKey(CLI::App& parent, Plan& plan);
+void DeclareMessage(CLI::App& parent, Plan& plan);
+void DeclareReceipts(CLI::App& parent, Plan& plan);
+
+// Adds a command with its `--json` and its worked examples.
+CLI::App* AddCommand(CLI::App& parent, Plan& plan, std::string_view name, std::string_view purpose,
+                     std::string_view examples);
+
+// The operands of a command for items.
+void AddItems(CLI::App& command, Plan& plan, std::string_view name, std::string_view description);
+
+// A transform for commands whose items are amounts; the amount is a member of each row.
+Transform OnAmounts(std::string_view member, std::function<void(Currency, Row&)> make);
+
+// An action that prints rows which need no input.
+using RowPrinter = std::function<void(const std::function<void(const Row&)>& print, Row& row)>;
+std::function<int(const Stdio&)> PrintRows(const Plan& plan, RowPrinter make);
+
+// Stops with exit status 2.
+[[noreturn]] void RefuseUsage(std::string_view option, std::string_view reason);
+
+// An option's or operand's value in code page 874, and as an amount. They refuse the usage.
+std::string UsageText(std::string_view option, std::string_view utf8);
+Currency UsageAmount(std::string_view option, std::string_view utf8);
+
+}  // namespace kvshare::app

@@ -1,0 +1,218 @@
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <memory>
+#include <system_error>
+
+#include "apps/kvshare/commands.h"
+#include "apps/kvshare/progress.h"
+#include "apps/kvshare/roundmodes.h"
+#include "apps/receipts/calc.h"
+#include "apps/receipts/dayreader.h"
+#include "apps/receipts/json.h"
+#include "apps/receipts/print.h"
+#include "kvshare/rtl/cp874.h"
+#include "kvshare/rtl/format.h"
+
+namespace kvshare::app {
+
+namespace {
+
+using receipts::Document;
+using receipts::Receipt;
+
+constexpr std::string_view kExamples =
+    "  kvshare receipts day.csv | less           a day's receipts and the day's total\n"
+    "  kvshare receipts --cash-step mrDownTo25 day.csv\n"
+    "                                            totals in quarters of a baht\n"
+    "  kvshare receipts --vat line --price-includes-vat day.csv\n"
+    "  kvshare receipts --json day.csv           one JSON object a document\n"
+    "Columns, in any order: document, date, customer, item, quantity, price, discount, vat.\n";
+
+struct Options {
+  std::string file = "-";
+  std::string round = "mrTwoDigits";
+  std::string vatRound = "mrTwoDigits";
+  std::string vat = "document";
+  std::string discount = "line";
+  std::string cashStep;
+  bool priceIncludesVat = false;
+  std::size_t width = 80;
+};
+
+receipts::Rules MakeRules(const Options& options) {
+  receipts::Rules rules;
+  rules.lineMode = UsageRoundMode("--round", options.round);
+  rules.vatMode = UsageRoundMode("--vat-round", options.vatRound);
+  if (!options.cashStep.empty()) rules.cashStep = UsageRoundMode("--cash-step", options.cashStep);
+  rules.vatPerLine = options.vat == "line";
+  rules.priceIncludesVat = options.priceIncludesVat;
+  return rules;
+}
+
+receipts::Layout MakeLayout(const Options& options) {
+  receipts::Layout layout;
+  layout.width = options.width;
+  layout.discountPerLine = options.discount == "line";
+  layout.vatPerLine = options.vat == "line";
+  layout.priceIncludesVat = options.priceIncludesVat;
+  layout.cashStep = !options.cashStep.empty();
+  return layout;
+}
+
+// The file, or standard input for `-`.
+class Input {
+ public:
+  Input(const std::string& name, const Stdio& stdio)
+      : own_(name != "-"), fd_(own_ ? ::open(name.c_str(), O_RDONLY | O_CLOEXEC) : stdio.in) {
+    if (fd_ < 0) throw StreamError(name + ": " + std::generic_category().message(errno));
+  }
+  ~Input() {
+    if (own_) ::close(fd_);
+  }
+  Input(const Input&) = delete;
+  Input& operator=(const Input&) = delete;
+
+  int Fd() const { return fd_; }
+
+ private:
+  bool own_;
+  int fd_;
+};
+
+class ReceiptsRun {
+ public:
+  ReceiptsRun(receipts::Rules rules, receipts::Layout layout, bool json, const Stdio& stdio)
+      : rules_(rules),
+        layout_(layout),
+        json_(json),
+        out_(stdio.out, "standard output"),
+        err_(stdio.err, "standard error"),
+        progress_(stdio, "documents"),
+        reader_([this](const receipts::Problem& problem) { Report(problem); }) {}
+
+  int Run(const Input& input) {
+    std::string block(std::size_t{256} << 10, '\0');
+    for (;;) {
+      const std::size_t n = ReadSome(input.Fd(), block.data(), block.size());
+      if (n == 0 || !reader_.Feed({block.data(), n})) break;
+    }
+    for (const Document& document : reader_.Finish()) {
+      document.complete ? Take(document) : static_cast<void>(++left_);
+    }
+    Finish();
+    return failed_ ? kBadInput : kDone;
+  }
+
+ private:
+  void Report(const receipts::Problem& problem) {
+    failed_ = failed_ || !problem.warning;
+    progress_.Erase();
+    err_.Buffer() += problem.Message();
+    err_.EndLine();
+  }
+
+  void Take(const Document& document) {
+    try {
+      const Receipt receipt = Calculate(document, rules_);
+      AddToDay(receipt);
+      WarnOfWords(document, receipt.total);
+      std::string& out = out_.Buffer();
+      if (json_) {
+        AppendJson(out, document, receipt);
+        out_.EndLine();
+      } else {
+        AppendReceipt(out, document, receipt, layout_);
+        out_.EndBlock();
+      }
+      progress_.Show(++printed_);
+    } catch (const receipts::UnprintableDocument& e) {
+      ++left_;
+      Report(reader_.ProblemIn(e.Column(), e.Row(), e.what()));
+      Report({document.row, 0, "",
+              "document " + Cp874ToUtf8Lossy(document.number) + " is not printed", false});
+    }
+  }
+
+  void AddToDay(const Receipt& receipt) {
+    try {
+      if (dayFits_) day_.Add(receipt);
+    } catch (const EIntOverflow&) {
+      dayFits_ = false;
+    }
+  }
+
+  void WarnOfWords(const Document& document, Currency total) {
+    const bool thai = TKovraMoney::ThaiNoteIsSafe(total);
+    const bool english = TKovraMoney::EngNoteIsSafe(total);
+    if (thai && english) return;
+    const std::string_view lacking = thai ? "English" : english ? "Thai" : "Thai and English";
+    Report({document.row, 0, "",
+            "document " + Cp874ToUtf8Lossy(document.number) + ": no " + std::string(lacking) +
+                " words for " + Format("%.2n", {total}) + ", the figures stand alone",
+            true});
+  }
+
+  void Finish() {
+    progress_.Erase();
+    if (!json_ && printed_ != 0 && dayFits_) {
+      AppendDayTotal(out_.Buffer(), day_, left_, layout_);
+    }
+    out_.Flush();
+    if (!dayFits_) {
+      failed_ = true;
+      err_.Buffer() += "the day's total is out of range and not printed\n";
+    }
+    err_.Flush();
+  }
+
+  receipts::Rules rules_;
+  receipts::Layout layout_;
+  bool json_;
+  BlockWriter out_;
+  BlockWriter err_;
+  Progress progress_;
+  receipts::DayReader reader_;
+  receipts::DayTotal day_;
+  std::uint64_t printed_ = 0;
+  std::uint64_t left_ = 0;
+  bool dayFits_ = true;
+  bool failed_ = false;
+};
+
+std::function<int(const Stdio&)> MakeReceipts(const Options& options, const Plan& plan) {
+  return [options, json = plan.json, rules = MakeRules(options),
+          layout = MakeLayout(options)](const Stdio& stdio) {
+    const Input input(options.file, stdio);
+    return ReceiptsRun(rules, layout, json, stdio).Run(input);
+  };
+}
+
+}  // namespace
+
+void DeclareReceipts(CLI::App& parent, Plan& plan) {
+  const auto options = std::make_shared<Options>();
+  CLI::App* command = AddCommand(parent, plan, "receipts",
+                                 "A day's sales documents from a CSV file, as receipts", kExamples);
+  command->add_option("FILE", options->file, "The file (default: standard input)");
+  command->add_option("--round", options->round, "Mode of quantity x price (default mrTwoDigits)")
+      ->type_name("MODE");
+  command->add_option("--vat-round", options->vatRound, "Mode of VAT amounts (default mrTwoDigits)")
+      ->type_name("MODE");
+  command->add_option("--vat", options->vat, "VAT is computed and shown per line or per document")
+      ->check(CLI::IsMember({"line", "document"}))
+      ->type_name("line|document");
+  command->add_option("--discount", options->discount, "Discounts are shown per line or as one sum")
+      ->check(CLI::IsMember({"line", "document"}))
+      ->type_name("line|document");
+  command->add_option("--cash-step", options->cashStep, "Mode of the total, with a rounding line")
+      ->type_name("MODE");
+  command->add_flag("--price-includes-vat", options->priceIncludesVat, "Prices are with VAT");
+  command->add_option("--width", options->width, "Columns of a receipt (default 80)")
+      ->check(CLI::Range(40, 1000))
+      ->type_name("N");
+  command->callback([options, &plan] { plan.action = MakeReceipts(*options, plan); });
+}
+
+}  // namespace kvshare::app

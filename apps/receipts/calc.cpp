@@ -1,0 +1,163 @@
+#include "apps/receipts/calc.h"
+
+#include <algorithm>
+
+#include "kvshare/rtl/exceptions.h"
+
+namespace kvshare::receipts {
+
+namespace {
+
+constexpr Int128 kPercent = Int128{100} * Currency::kScale;
+
+enum class Way : std::uint8_t { TowardZero, AwayFromZero, Nearest };
+
+// How the digits past the fourth decimal are dropped so that the mode decides as on all of them:
+// every step and every tie of a mode is a multiple of 0.0001.
+constexpr Way WayOf(TKovraMoneyRound mode) {
+  switch (mode) {
+    case mrUpToBaht:
+    case mrUpTo25:
+    case mrUpTo50:
+    case mrUpto5Baht:
+    case mrUpto10Baht:
+    case mrUpto50Baht:
+    case mrUpto100Baht:
+      return Way::AwayFromZero;
+    case mrNoRound:
+    case mrFourDigits:
+    case mrFiveDigits:
+    case mrSixDigits:
+      return Way::Nearest;
+    default:
+      return Way::TowardZero;
+  }
+}
+
+Currency VatOf(Currency base, Currency rate, const Rules& rules) {
+  const Int128 whole = rules.priceIncludesVat ? kPercent + rate.Raw() : kPercent;
+  return RoundQuotient(Int128{base.Raw()} * rate.Raw(), whole, rules.vatMode);
+}
+
+// The sums of one VAT rate. `base` is what its VAT is computed on.
+struct RateState {
+  RateAmounts amounts;
+  Currency base;
+};
+
+class Calculation {
+ public:
+  explicit Calculation(const Rules& rules) : rules_(rules) {}
+
+  void Add(const Line& line) {
+    LineAmounts out;
+    out.gross = RoundQuotient(Int128{line.quantity.Raw()} * line.price.Raw(), Currency::kScale,
+                              rules_.lineMode);
+    if (line.discount.Magnitude() > out.gross.Magnitude()) {
+      throw UnprintableDocument("the discount is greater than the line's amount", line.row,
+                                Column::Discount);
+    }
+    out.amount = out.gross - line.discount;
+    RateState& rate = Rate(line.vatRate);
+    out.vat = LineVat(rate, out.amount);
+    out.net = rules_.priceIncludesVat ? out.amount - out.vat : out.amount;
+    rate.amounts.net += out.net;
+    rate.amounts.vat += out.vat;
+    receipt_.gross += out.gross;
+    receipt_.discount += line.discount;
+    receipt_.net += out.net;
+    receipt_.vat += out.vat;
+    receipt_.lines.push_back(out);
+  }
+
+  Receipt Finish() {
+    const Currency sum = receipt_.net + receipt_.vat;
+    const Currency satang = TKovraMoney::RoundTo(sum, 2);
+    receipt_.total = rules_.cashStep ? TKovraMoney::Round_Baht(satang, *rules_.cashStep) : satang;
+    receipt_.rounding = receipt_.total - sum;
+    for (const RateState& rate : rates_) receipt_.rates.push_back(rate.amounts);
+    return std::move(receipt_);
+  }
+
+ private:
+  RateState& Rate(Currency rate) {
+    const auto known = std::ranges::find_if(
+        rates_, [rate](const RateState& state) { return state.amounts.rate == rate; });
+    if (known != rates_.end()) return *known;
+    rates_.push_back({{rate, {}, {}}, {}});
+    return rates_.back();
+  }
+
+  // A document's VAT is rounded once for each rate. A line's part of it is what the VAT of the
+  // lines up to it grows by, so that the parts add up.
+  Currency LineVat(RateState& rate, Currency amount) const {
+    if (rules_.vatPerLine) return VatOf(amount, rate.amounts.rate, rules_);
+    rate.base += amount;
+    return VatOf(rate.base, rate.amounts.rate, rules_) - rate.amounts.vat;
+  }
+
+  const Rules& rules_;
+  Receipt receipt_;
+  std::vector<RateState> rates_;
+};
+
+}  // namespace
+
+Currency RoundQuotient(Int128 numerator, Int128 denominator, TKovraMoneyRound mode) {
+  const Int128 quotient = numerator / denominator;
+  const bool rest = numerator % denominator != 0;
+  switch (WayOf(mode)) {
+    case Way::Nearest:
+      return Currency::FromWide(DivideHalfEven(numerator, denominator));
+    case Way::AwayFromZero:
+      return TKovraMoney::Round_Baht(Currency::FromWide(quotient + (!rest           ? 0
+                                                                    : numerator < 0 ? -1
+                                                                                    : 1)),
+                                     mode);
+    case Way::TowardZero:
+      break;
+  }
+  return TKovraMoney::Round_Baht(Currency::FromWide(quotient), mode);
+}
+
+bool Receipt::Closes() const {
+  LineAmounts sum;
+  for (const LineAmounts& line : lines) {
+    sum.gross += line.gross;
+    sum.net += line.net;
+    sum.vat += line.vat;
+  }
+  RateAmounts byRate;
+  for (const RateAmounts& rate : rates) {
+    byRate.net += rate.net;
+    byRate.vat += rate.vat;
+  }
+  return sum.gross == gross && sum.net == net && sum.vat == vat && byRate.net == net &&
+         byRate.vat == vat && net + vat + rounding == total && total.Raw() % 100 == 0;
+}
+
+Receipt Calculate(const Document& document, const Rules& rules) {
+  std::uint64_t row = document.row;
+  try {
+    Calculation calculation(rules);
+    for (const Line& line : document.lines) {
+      row = line.row;
+      calculation.Add(line);
+    }
+    return calculation.Finish();
+  } catch (const EIntOverflow&) {
+    throw UnprintableDocument("the amount is out of range", row, Column::Price);
+  }
+}
+
+void DayTotal::Add(const Receipt& receipt) {
+  DayTotal sum = *this;
+  ++sum.documents;
+  sum.net += receipt.net;
+  sum.vat += receipt.vat;
+  sum.rounding += receipt.rounding;
+  sum.total += receipt.total;
+  *this = sum;
+}
+
+}  // namespace kvshare::receipts

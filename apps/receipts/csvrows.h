@@ -1,0 +1,55 @@
+// Rows of a CSV file, with the line on which each begins.
+#pragma once
+
+#include <csv.h>
+
+#include <cstdint>
+#include <exception>
+#include <functional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kvshare::receipts {
+
+// Cells are separated by commas and may stand in quotes, inner quotes doubled; in quotes a cell may
+// hold commas and line breaks. Rows end at CR LF, LF or CR. Blanks around an unquoted cell are
+// dropped, empty lines too. Bytes come in blocks of any size.
+class CsvRows {
+ public:
+  static constexpr std::size_t kMaxCell = std::size_t{16} << 20;
+
+  using Sink = std::function<void(std::uint64_t line, std::span<const std::string> cells)>;
+
+  explicit CsvRows(Sink sink);
+  ~CsvRows();
+  CsvRows(const CsvRows&) = delete;
+  CsvRows& operator=(const CsvRows&) = delete;
+
+  // Both give what is wrong, or "": a cell of more than kMaxCell bytes, a quote that is never
+  // closed. Nothing can be read after that. An exception of the sink comes through.
+  std::string_view Feed(std::string_view bytes);
+  std::string_view Finish();
+
+  // Of the row that is being read, from 1.
+  std::uint64_t Line() const { return line_; }
+
+ private:
+  static void CellCallback(void* cell, std::size_t size, void* self);
+  static void RowCallback(int terminator, void* self);
+  void TakeCell(std::string_view cell);
+  void TakeRow(int terminator);
+  void Rethrow();
+
+  Sink sink_;
+  csv_parser parser_{};
+  std::vector<std::string> cells_;  // used again for every row
+  std::size_t count_ = 0;
+  std::uint64_t line_ = 1;
+  std::uint64_t breaks_ = 0;  // line breaks inside the cells of this row
+  bool afterCr_ = false;
+  std::exception_ptr error_;  // must not fly through the parser, which is C
+};
+
+}  // namespace kvshare::receipts

@@ -1,0 +1,211 @@
+#include "apps/receipts/dayreader.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "apps/kvshare/amounts.h"
+#include "kvshare/rtl/cp874.h"
+#include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/strutils.h"
+
+namespace kvshare::receipts {
+
+namespace {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+bool IsBlank(std::span<const std::string> cells) {
+  return std::ranges::all_of(cells, [](const std::string& cell) { return Trim(cell).empty(); });
+}
+
+}  // namespace
+
+DayReader::DayReader(std::function<void(const Problem&)> report)
+    : report_(std::move(report)),
+      rows_([this](std::uint64_t line, Cells cells) { TakeRow(line, cells); }) {}
+
+bool DayReader::Feed(std::string_view bytes) {
+  if (stopped_) return false;
+  std::string joined;
+  if (!started_) {
+    start_ += bytes;
+    if (start_.size() < kByteOrderMark.size() && kByteOrderMark.starts_with(start_)) return true;
+    started_ = true;
+    joined = std::move(start_);
+    bytes = joined;
+    if (bytes.starts_with(kByteOrderMark)) bytes.remove_prefix(kByteOrderMark.size());
+  }
+  if (const std::string_view wrong = rows_.Feed(bytes); !wrong.empty()) Stop(rows_.Line(), wrong);
+  return !stopped_;
+}
+
+std::vector<Document> DayReader::Finish() {
+  if (!stopped_) {
+    if (!started_) rows_.Feed(start_);
+    if (const auto wrong = rows_.Finish(); !wrong.empty()) Stop(rows_.Line(), wrong);
+  }
+  if (columns_ == 0 && !stopped_) Report(1, "the header line is missing");
+  for (const Document& document : documents_) {
+    if (document.complete) continue;
+    Report(document.row, "document " + Cp874ToUtf8Lossy(document.number) +
+                             " is not printed: a row of it, or beside it, is in error");
+  }
+  return std::move(documents_);
+}
+
+Problem DayReader::ProblemIn(Column column, std::uint64_t line, std::string text) const {
+  const auto index = static_cast<std::size_t>(column);
+  return {line, positions_[index], std::string(kColumnNames[index]), std::move(text), false};
+}
+
+void DayReader::Report(std::uint64_t line, std::string text) {
+  report_({line, 0, "", std::move(text), false});
+}
+
+void DayReader::Stop(std::uint64_t line, std::string_view reason) {
+  Report(line, std::string(reason));
+  stopped_ = true;
+  SpoilNeighbours();
+}
+
+void DayReader::SpoilNeighbours() {
+  if (!documents_.empty()) documents_.back().complete = false;
+  spoilNext_ = true;
+}
+
+void DayReader::TakeRow(std::uint64_t line, Cells cells) {
+  if (stopped_ || IsBlank(cells)) return;
+  if (columns_ == 0) {
+    TakeHeader(line, cells);
+    return;
+  }
+  std::string number;
+  if (!TakeNumber(line, cells, number)) {
+    SpoilNeighbours();
+    return;
+  }
+  const std::size_t before = documents_.size();
+  Document& document = Open(line, number);
+  if (cells.size() != columns_) {
+    document.complete = false;  // TakeNumber has said so
+    return;
+  }
+  TakeHead(line, cells, document, documents_.size() > before);
+  TakeLine(line, cells, document);
+}
+
+void DayReader::TakeHeader(std::uint64_t line, Cells cells) {
+  columns_ = cells.size();
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    TakeHeaderCell(line, static_cast<int>(i) + 1, cells[i]);
+  }
+  for (std::size_t i = 0; i < kColumnNames.size(); ++i) {
+    if (positions_[i] == 0) {
+      Report(line, "column " + std::string(kColumnNames[i]) + " is missing");
+      stopped_ = true;
+    }
+  }
+}
+
+void DayReader::TakeHeaderCell(std::uint64_t line, int position, const std::string& cell) {
+  const std::string name = cell.substr(0, 80);
+  const auto column = FindColumn(cell);
+  if (!column) {
+    report_({line, position, name, "the column is unknown and ignored", true});
+    return;
+  }
+  int& known = positions_[static_cast<std::size_t>(*column)];
+  if (known != 0) {
+    report_({line, position, name, "the column stands twice", false});
+    stopped_ = true;
+  }
+  known = position;
+}
+
+// A row of another length may have lost or gained a comma anywhere: its number counts only when it
+// stands before every place where the comma could be missing from or too many.
+bool DayReader::TakeNumber(std::uint64_t line, Cells cells, std::string& number) {
+  const auto position =
+      static_cast<std::size_t>(positions_[static_cast<std::size_t>(Column::Document)]);
+  const bool whole = cells.size() == columns_;
+  if (!whole) {
+    Report(line, "the row has " + std::to_string(cells.size()) + " cells, the header has " +
+                     std::to_string(columns_));
+    if (position != 1) return false;
+  }
+  return Read(Column::Document, line, cells, [&number](std::string_view cell) {
+    if (cell.empty()) throw EConvertError("the document has no number");
+    number = cell;
+  });
+}
+
+Document& DayReader::Open(std::uint64_t line, const std::string& number) {
+  const bool spoiled = std::exchange(spoilNext_, false);
+  if (!documents_.empty() && documents_.back().number == number) return documents_.back();
+  const auto [earlier, fresh] = byNumber_.try_emplace(number, documents_.size());
+  if (!fresh) {
+    Document& first = documents_[earlier->second];
+    first.complete = false;
+    report_(ProblemIn(Column::Document, line,
+                      "document " + Cp874ToUtf8Lossy(number) + " comes back: its rows of line " +
+                          std::to_string(first.row) + " do not stand beside this one"));
+  }
+  documents_.push_back({number, {}, "", {}, line, fresh && !spoiled});
+  return documents_.back();
+}
+
+void DayReader::TakeHead(std::uint64_t line, Cells cells, Document& document, bool opened) {
+  const bool date = Read(Column::Date, line, cells, [&](std::string_view cell) {
+    if (!opened && cell.empty()) return;
+    const TDateTime value = ParseDate(cell);
+    if (opened) document.date = value;
+    if (value != document.date) throw EConvertError("the date differs from the document's first");
+  });
+  const bool customer = Read(Column::Customer, line, cells, [&](std::string_view cell) {
+    if (opened) document.customer = cell;
+    if (!cell.empty() && cell != document.customer) {
+      throw EConvertError("the customer differs from the document's first");
+    }
+  });
+  document.complete = document.complete && date && customer;
+}
+
+void DayReader::TakeLine(std::uint64_t line, Cells cells, Document& document) {
+  Line out;
+  out.row = line;
+  const auto read = [&](Column column, const std::function<void(std::string_view)>& reader) {
+    if (!Read(column, line, cells, reader)) document.complete = false;
+  };
+  read(Column::Item, [&](std::string_view cell) {
+    if (cell.empty()) throw EConvertError("the item has no name");
+    out.item = cell;
+  });
+  read(Column::Quantity, [&](std::string_view cell) { out.quantity = app::ParseAmount(cell); });
+  read(Column::Price, [&](std::string_view cell) { out.price = ParsePrice(cell); });
+  read(Column::Discount,
+       [&](std::string_view cell) { out.discount = ParseDiscount(cell, out.quantity); });
+  read(Column::Vat, [&](std::string_view cell) { out.vatRate = ParseVatRate(cell); });
+  if (document.complete) document.lines.push_back(std::move(out));
+}
+
+bool DayReader::Read(Column column, std::uint64_t line, Cells cells,
+                     const std::function<void(std::string_view)>& read) {
+  const auto position = static_cast<std::size_t>(positions_[static_cast<std::size_t>(column)]);
+  const std::string& cell = cells[position - 1];
+  if (cell.size() > kMaxText) {
+    report_(ProblemIn(column, line,
+                      "the cell has " + std::to_string(cell.size()) + " bytes, at most " +
+                          std::to_string(kMaxText) + " are read"));
+    return false;
+  }
+  try {
+    const std::string text = Utf8ToCp874(cell);
+    read(Trim(text));
+    return true;
+  } catch (const Exception& e) {
+    report_(ProblemIn(column, line, Cp874ToUtf8Lossy(e.Message())));
+    return false;
+  }
+}
+
+}  // namespace kvshare::receipts

@@ -1,0 +1,66 @@
+#include "apps/receipts/json.h"
+
+#include <nlohmann/json.hpp>
+
+#include "apps/kvshare/amounts.h"
+#include "kvshare/rtl/cp874.h"
+#include "kvshare/rtl/formatdatetime.h"
+#include "kvshare/rtl/formatfloat.h"
+
+namespace kvshare::receipts {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string Decimals(Currency amount) {
+  std::string text;
+  app::AppendDecimals(text, amount);
+  return text;
+}
+
+std::string Plain(Currency number) {
+  return FormatFloat("0.####", number);
+}
+
+Json LineObject(const Line& line, const LineAmounts& amounts) {
+  return {{"item", Cp874ToUtf8(line.item)},      {"quantity", Plain(line.quantity)},
+          {"price", Decimals(line.price)},       {"gross", Decimals(amounts.gross)},
+          {"discount", Decimals(line.discount)}, {"vat_rate", Plain(line.vatRate)},
+          {"net", Decimals(amounts.net)},        {"vat", Decimals(amounts.vat)}};
+}
+
+Json RateObject(const RateAmounts& rate) {
+  return {{"rate", Plain(rate.rate)}, {"net", Decimals(rate.net)}, {"vat", Decimals(rate.vat)}};
+}
+
+}  // namespace
+
+void AppendJson(std::string& out, const Document& document, const Receipt& receipt) {
+  Json object = {{"document", Cp874ToUtf8(document.number)},
+                 {"date", FormatDateTime("yyyy-mm-dd", document.date)},
+                 {"customer", Cp874ToUtf8(document.customer)},
+                 {"lines", Json::array()},
+                 {"gross", Decimals(receipt.gross)},
+                 {"discount", Decimals(receipt.discount)},
+                 {"net", Decimals(receipt.net)},
+                 {"vat", Decimals(receipt.vat)},
+                 {"vat_rates", Json::array()},
+                 {"rounding", Decimals(receipt.rounding)},
+                 {"total", Decimals(receipt.total)},
+                 {"words_thai", nullptr},
+                 {"words_english", nullptr}};
+  for (std::size_t i = 0; i < document.lines.size(); ++i) {
+    object["lines"].push_back(LineObject(document.lines[i], receipt.lines[i]));
+  }
+  for (const RateAmounts& rate : receipt.rates) object["vat_rates"].push_back(RateObject(rate));
+  if (TKovraMoney::ThaiNoteIsSafe(receipt.total)) {
+    object["words_thai"] = Cp874ToUtf8(TKovraMoney::ThaiNote(receipt.total));
+  }
+  if (TKovraMoney::EngNoteIsSafe(receipt.total)) {
+    object["words_english"] = TKovraMoney::EngNote(receipt.total);
+  }
+  out += object.dump();
+}
+
+}  // namespace kvshare::receipts

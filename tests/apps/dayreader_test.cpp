@@ -1,0 +1,180 @@
+#include "apps/receipts/dayreader.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "kvshare/rtl/cp874.h"
+#include "kvshare/rtl/exceptions.h"
+
+namespace kvshare::receipts {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+constexpr std::string_view kHeader = "document,date,customer,item,quantity,price,discount,vat\n";
+
+struct Read {
+  std::vector<std::string> printed;  // numbers of the complete documents
+  std::vector<std::string> problems;
+  std::vector<Document> documents;
+};
+
+Read ReadDay(std::string_view text, std::size_t block = std::string_view::npos) {
+  Read read;
+  DayReader reader([&](const Problem& problem) { read.problems.push_back(problem.Message()); });
+  while (!text.empty() && reader.Feed(text.substr(0, block))) {
+    text.remove_prefix(std::min(block, text.size()));
+  }
+  read.documents = reader.Finish();
+  for (const Document& document : read.documents) {
+    if (document.complete) read.printed.push_back(document.number);
+  }
+  return read;
+}
+
+std::string Row(std::string_view number, std::string_view rest = "2026-11-24,C,I,1,5,,7") {
+  return std::string(number) + "," + std::string(rest) + "\n";
+}
+
+TEST(DayReader, BadRowsSpoilTheirDocumentOnly) {
+  const std::string header(kHeader);
+  const std::string big(10'000'000, 'x');
+  const struct {
+    std::string rows;
+    std::vector<std::string> printed;
+    std::string first;  // problem, "" for none
+    const char* why;
+  } cases[] = {
+      {Row("A") + Row("A") + Row("B"), {"A", "B"}, "", "two documents"},
+      {Row("A") + "\r\n,,,,,,,\n" + Row("A"), {"A"}, "", "empty rows do not count"},
+      {Row("A", "2026-11-24,C,\"a \"\"b\"\",\nc\",1,\"1,000.5\",,7%") +
+           Row("B", "2026-02-30,C,I,1,5,,7"),
+       {"A"},
+       "line 4, column 2 (date): '2026-02-30' is no date: yyyy-mm-dd or dd/mm/yyyy",
+       "quotes; a line break in a cell is counted"},
+      {Row("A") + Row("A", "2026-11-24,C,I,x,5,,7") + Row("A") + Row("B"),
+       {"B"},
+       "line 3, column 5 (quantity): 'x' is not a valid floating point value",
+       "one bad row of three"},
+      {Row("A", "2026-11-24,C,I,1,-5,,7") + Row("B"),
+       {"B"},
+       "line 2, column 6 (price): '-5' is negative: a credit note has negative quantities",
+       "price"},
+      {Row("A", "2026-11-24,C,I,1,5,-1,7") + Row("B"),
+       {"B"},
+       "line 2, column 7 (discount): '-1' is negative: no discount",
+       "a surcharge"},
+      {Row("A", "2026-11-24,C,I,1,5,,107") + Row("B"),
+       {"B"},
+       "line 2, column 8 (vat): '107' is no VAT rate: 0 to 100 per cent",
+       "VAT"},
+      {Row("A", "2026-11-24,C,I,1,5,,") + Row("B"),
+       {"B"},
+       "line 2, column 8 (vat): '' is not a valid floating point value",
+       "no VAT is not 0"},
+      {Row("A", "2026-11-24,C,,1,5,,7"),
+       {},
+       "line 2, column 4 (item): the item has no name",
+       "item"},
+      {Row("A", ",C,I,1,5,,7"),
+       {},
+       "line 2, column 2 (date): '' is no date: yyyy-mm-dd or dd/mm/yyyy",
+       "a first row needs its date"},
+      {Row("A") + Row("A", ",,I,1,5,,7"), {"A"}, "", "the next ones do not"},
+      {Row("A") + Row("A", "2026-11-25,,I,1,5,,7"),
+       {},
+       "line 3, column 2 (date): the date differs from the document's first",
+       "two dates"},
+      {Row("A") + Row("A", ",D,I,1,5,,7"),
+       {},
+       "line 3, column 3 (customer): the customer differs from the document's first",
+       "two customers"},
+      {Row("A", "2026-11-24,\xF0\x9F\x98\x80,I,1,5,,7"),
+       {},
+       "line 2, column 3 (customer): No letter U+1F600 in code page 874, at byte 1",
+       "a letter"},
+      {Row("A", "2026-11-24,C,\xFF,1,5,,7"),
+       {},
+       "line 2, column 4 (item): Invalid UTF-8 at byte 1",
+       "bytes"},
+      {Row("A", "2026-11-24,C," + big + ",1,5,,7") + Row("B"),
+       {"B"},
+       "line 2, column 4 (item): the cell has 10000000 bytes, at most 4096 are read",
+       "10 MB"},
+      {Row("A") + Row("B", "2026-11-24,C,I,1,000,5,,7") + Row("B") + Row("C"),
+       {"A", "C"},
+       "line 3: the row has 9 cells, the header has 8",
+       "a thousands comma without quotes"},
+      {Row("A") + Row("") + Row("B") + Row("C"),
+       {"C"},
+       "line 3, column 1 (document): the document has no number",
+       "whose row is it? both neighbours'"},
+      {Row("A") + Row("") + Row("A") + Row("C"),
+       {"C"},
+       "line 3, column 1 (document): the document has no number",
+       "surely A's"},
+      {Row("A") + Row("B") + Row("A") + Row("C"),
+       {"B", "C"},
+       "line 4, column 1 (document): document A comes back: its rows of line 2 do not stand beside "
+       "this one",
+       "both parts of A lack lines"},
+      {Row("A") + Row("B") + "\"C,2026",
+       {"A"},
+       "line 4: a quote is opened and never closed",
+       "cut off"},
+      {Row("A") + Row("B", "\"" + big + big),
+       {},
+       "line 3: a cell has more than 16 MB: is a closing quote missing?",
+       "a lost quote does not fill the memory"},
+  };
+  for (const auto& c : cases) {
+    const Read read = ReadDay(header + c.rows);
+    EXPECT_EQ(read.printed, c.printed) << c.why;
+    EXPECT_EQ(read.problems.empty() ? "" : read.problems.front(), c.first) << c.why;
+    const Read slow = ReadDay(header + c.rows, c.rows.size() > 10'000 ? 65'537 : 1);
+    EXPECT_EQ(slow.problems, read.problems) << "blocks of any size: " << c.why;
+  }
+}
+
+TEST(DayReader, HeaderProblems) {
+  EXPECT_THAT(ReadDay("").problems, ElementsAre("line 1: the header line is missing"));
+  EXPECT_THAT(ReadDay("document,date,customer,item,quantity,price,discount\nA\n").problems,
+              ElementsAre("line 1: column vat is missing"));
+  EXPECT_THAT(ReadDay("vat,document,date,customer,item,quantity,price,discount,VAT\nA\n").problems,
+              ElementsAre("line 1, column 9 (VAT): the column stands twice"));
+  const Read read = ReadDay(
+      "\xEF\xBB\xBF Vat ,note,document,date,customer,item,quantity,price,discount\r\n"
+      "7,n,A,1/2/2569,C,ไข่,-1.5,5,1\r\n");
+  EXPECT_THAT(read.problems,
+              ElementsAre("line 1, column 2 (note): warning: the column is unknown and ignored"));
+  ASSERT_THAT(read.printed, ElementsAre("A"));
+  const Document& document = read.documents.front();
+  EXPECT_EQ(document.date, EncodeDate(2026, 2, 1));
+  EXPECT_EQ(document.lines.front().item, "ไข่"_th);
+  EXPECT_EQ(document.lines.front().discount, -1_baht) << "the sign of the quantity";
+}
+
+TEST(Columns, Dates) {
+  const struct {
+    const char* text;
+    int year, month, day;  // 0: refused
+  } cases[] = {
+      {"2026-11-24", 2026, 11, 24}, {"2569-11-24", 2026, 11, 24}, {"24/11/2569", 2026, 11, 24},
+      {"1/2/2026", 2026, 2, 1},     {"29/02/2567", 2024, 2, 29},  {"29/02/2568", 0, 0, 0},
+      {"2399-01-01", 2399, 1, 1},   {"2400-01-01", 1857, 1, 1},   {"26-11-24", 0, 0, 0},
+      {"2026-1-2", 0, 0, 0},        {"24/11/69", 0, 0, 0},        {"24-11-2026", 0, 0, 0},
+      {"2026/11/24", 0, 0, 0},      {"24/11/2026x", 0, 0, 0},     {"24//2026", 0, 0, 0},
+      {"24/11", 0, 0, 0},           {"-1-01-01", 0, 0, 0},        {"24/11/20/26", 0, 0, 0},
+  };
+  for (const auto& c : cases) {
+    if (c.year == 0) {
+      EXPECT_THROW(ParseDate(c.text), EConvertError) << c.text;
+    } else {
+      EXPECT_EQ(ParseDate(c.text), EncodeDate(c.year, c.month, c.day)) << c.text;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace kvshare::receipts
