@@ -10,6 +10,7 @@ set(internal_headers
   money/words.h
   os/loadedlibrary.h
   os/posix
+  rtl/bytepattern.h
   rtl/calendar.h
   rtl/decimal.h
   rtl/digits.h
@@ -17,8 +18,7 @@ set(internal_headers
   rtl/lines.h
   rtl/textcursor.h
   settings/loadentry.h
-  settings/placeholders.h
-  text/pattern.h)
+  settings/placeholders.h)
 foreach(header IN LISTS internal_headers)
   list(APPEND not_these PATTERN ${header} EXCLUDE)
 endforeach()

@@ -1,4 +1,4 @@
-// A text to look for, prepared once. Internal to the text helpers.
+// A text to look for, prepared once. Internal: programs use Pos and the text helpers.
 #pragma once
 
 #ifdef __SSE2__
@@ -16,7 +16,7 @@
 
 #include "kvshare/rtl/strutils.h"
 
-namespace kvshare::text {
+namespace kvshare::inline rtl {
 
 using FoldTable = std::array<char, 256>;
 
@@ -34,13 +34,13 @@ inline constexpr FoldTable kUpperLetters = MakeFoldTable(true);
 // The automaton of Knuth, Morris and Pratt (1977): one step a byte whatever the texts are, where
 // comparing at every position takes the product of both lengths for texts that repeat themselves.
 // Places where its first eight bytes do not stand are passed over, sixteen at a time.
-class Pattern {
+class BytePattern {
  public:
   enum class Letters : unsigned char { AsTheyAre, IgnoringCase };
   static constexpr std::size_t kNowhere = std::string_view::npos;
 
   // `pattern` is not empty and outlives this.
-  explicit Pattern(std::string_view pattern, Letters letters = Letters::AsTheyAre)
+  explicit BytePattern(std::string_view pattern, Letters letters = Letters::AsTheyAre)
       : fold_(letters == Letters::IgnoringCase ? kUpperLetters : kSameLetters),
         bytes_(pattern),
         headSize_(std::min(pattern.size(), kMostHead)),
@@ -48,8 +48,8 @@ class Pattern {
     PrepareHead();
     PrepareBorders();
   }
-  Pattern(const Pattern&) = delete;
-  Pattern& operator=(const Pattern&) = delete;
+  BytePattern(const BytePattern&) = delete;
+  BytePattern& operator=(const BytePattern&) = delete;
 
   std::size_t Size() const { return bytes_.size(); }
 
@@ -204,4 +204,4 @@ class Pattern {
   std::vector<std::size_t> manyBorders_;
 };
 
-}  // namespace kvshare::text
+}  // namespace kvshare::inline rtl

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <vector>
+
+#include "kvshare/rtl/bytepattern.h"
 
 namespace kvshare::inline rtl {
 
@@ -17,51 +18,6 @@ std::string Mapped(std::string_view text, char (*map)(char)) {
   std::ranges::transform(out, out.begin(), map);
   return out;
 }
-
-// Finds one text many times, in time linear in what is searched: a short text by the standard
-// search, a long one by the failure function of Knuth, Morris and Pratt (1977), since the standard
-// search is quadratic on texts like "aaaa...b".
-class Finder {
- public:
-  explicit Finder(std::string_view sub) : sub_(sub) {
-    if (sub.size() > kShort) BuildFallback();
-  }
-
-  // The first place at or after `from`, npos when there is none.
-  std::size_t Find(std::string_view text, std::size_t from) const {
-    return fallback_.empty() ? text.find(sub_, from) : FindLong(text, from);
-  }
-
- private:
-  static constexpr std::size_t kShort = 32;
-
-  // fallback_[i]: how much of the text's start still matches when byte i + 1 does not.
-  void BuildFallback() {
-    fallback_.assign(sub_.size(), 0);
-    std::size_t matched = 0;
-    for (std::size_t i = 1; i < sub_.size(); ++i) {
-      matched = Extend(matched, sub_[i]);
-      fallback_[i] = matched;
-    }
-  }
-
-  std::size_t Extend(std::size_t matched, char c) const {
-    while (matched > 0 && sub_[matched] != c) matched = fallback_[matched - 1];
-    return sub_[matched] == c ? matched + 1 : matched;
-  }
-
-  std::size_t FindLong(std::string_view text, std::size_t from) const {
-    std::size_t matched = 0;
-    for (std::size_t i = from; i < text.size(); ++i) {
-      matched = Extend(matched, text[i]);
-      if (matched == sub_.size()) return i + 1 - matched;
-    }
-    return std::string_view::npos;
-  }
-
-  std::string_view sub_;
-  std::vector<std::size_t> fallback_;
-};
 
 }  // namespace
 
@@ -96,8 +52,8 @@ std::string AnsiLowerCase(std::string_view text) {
 }
 
 int Pos(std::string_view sub, std::string_view text) {
-  if (sub.empty() || sub.size() > text.size()) return 0;
-  return static_cast<int>(Finder(sub).Find(text, 0) + 1);  // npos + 1 is 0
+  if (sub.empty()) return 0;
+  return static_cast<int>(BytePattern(sub).FindIn(text) + 1);  // kNowhere + 1 is 0
 }
 
 std::string_view Copy(std::string_view text, int index, int count) {
@@ -143,21 +99,18 @@ int AnsiCompareStr(std::string_view a, std::string_view b) {
 
 std::string StringReplace(std::string_view text, std::string_view old, std::string_view with,
                           TReplaceFlags flags) {
+  if (old.empty()) return std::string(text);
+  using Letters = BytePattern::Letters;
+  const BytePattern pattern(old, flags.IgnoreCase ? Letters::IgnoringCase : Letters::AsTheyAre);
   std::string out;
-  if (old.empty() || old.size() > text.size()) return out.assign(text);
-  const std::string foldedText = flags.IgnoreCase ? UpperCase(text) : std::string();
-  const std::string foldedOld = flags.IgnoreCase ? UpperCase(old) : std::string();
-  const std::string_view searched = flags.IgnoreCase ? foldedText : text;
-  const Finder finder(flags.IgnoreCase ? foldedOld : old);
   out.reserve(text.size());
-  std::size_t done = 0;
-  std::size_t at = finder.Find(searched, 0);
-  while (at != std::string_view::npos) {
-    out.append(text, done, at - done).append(with);
-    done = at + old.size();
-    at = flags.ReplaceAll ? finder.Find(searched, done) : std::string_view::npos;
+  for (std::string_view rest = text;;) {
+    const std::size_t at = pattern.FindIn(rest);
+    if (at == BytePattern::kNowhere) return out.append(rest);
+    out.append(rest, 0, at).append(with);
+    rest.remove_prefix(at + old.size());
+    if (!flags.ReplaceAll) return out.append(rest);
   }
-  return out.append(text, done);
 }
 
 std::string QuotedStr(std::string_view text) {

@@ -3,15 +3,13 @@
 #include <algorithm>
 #include <cstring>
 
+#include "kvshare/rtl/bytepattern.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/strutils.h"
-#include "kvshare/text/pattern.h"
 
 namespace kvshare {
-
-using text::Pattern;
 
 TKovraString* KovraString = nullptr;
 
@@ -46,7 +44,7 @@ std::string OverwritePairs(std::string_view text, std::string_view pair, std::st
 class Replacer {
  public:
   Replacer(std::string_view source, std::string_view oldText, std::string_view newText)
-      : old_(oldText, Pattern::Letters::IgnoringCase),
+      : old_(oldText, BytePattern::Letters::IgnoringCase),
         oldText_(oldText),
         newText_(newText),
         newRead_(newText.size()),
@@ -149,7 +147,7 @@ class Replacer {
         Format("Replacing '%s' by '%s' does not come to an end", {oldText_, newText_}));
   }
 
-  const Pattern old_;
+  const BytePattern old_;
   const std::string_view oldText_;
   const std::string_view newText_;
   bool mayEndOld_ = true;         // New, or what begins it, may be what completes an Old
@@ -261,8 +259,8 @@ std::string TKovraString::StripNumber(std::string_view Text) {
 
 int TKovraString::BStrPos(std::string_view Part, std::string_view Text, int N) {
   if (N <= 0 || Part.empty()) return 0;
-  const std::size_t at = Pattern(Part).FindIn(Text, N);
-  return at == Pattern::kNowhere ? 0 : static_cast<int>(at + 1);
+  const std::size_t at = BytePattern(Part).FindIn(Text, N);
+  return at == BytePattern::kNowhere ? 0 : static_cast<int>(at + 1);
 }
 
 void TKovraString::MoveLStr(std::string_view Source, std::string& Destination, int Count,
