@@ -1,59 +1,103 @@
-# Bash completion of the kvshare command.
+# Bash completion of the kvshare command. Modes, messages and languages are asked for when they are
+# needed, so that this file cannot go out of date.
 
 _kvshare_modes() {
   kvshare round --list 2>/dev/null | cut -f2
 }
 
-_kvshare_options() { # _kvshare_options COMMAND
-  case $1 in
-    words) echo --english --currency ;;
-    round) echo --price --list ;;
-    qty) echo --sku ;;
-    encode | decode) echo --key --key-file ;;
-    message) echo --language --list ;;
-    receipts)
-      echo --round --vat-round --vat --discount --cash-step --price-includes-vat --width ;;
-  esac
-  echo --json --help
+_kvshare_messages() {
+  kvshare message --list 2>/dev/null | cut -f2
 }
 
 _kvshare_languages() {
-  local file
+  local folder=${KVSHARE_LANGUAGE_PATH:-} file
+  [[ $folder ]] || folder=$(dirname "$(type -P kvshare)")/../share/kvshare/languages
   echo th
-  for file in "${KVSHARE_LANGUAGE_PATH:-/usr/share/kvshare/languages}"/*.lang; do
+  for file in "$folder"/*.lang; do
     [[ -e $file ]] && basename "$file" .lang
   done
 }
 
-_kvshare() {
-  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} command=${COMP_WORDS[1]}
-  local words=
-  COMPREPLY=()
-  if ((COMP_CWORD == 1)); then
-    words="words round share qty format mask encode decode key message receipts --help --version"
-  else
-    case $before in
-      --round | --vat-round | --cash-step) words=$(_kvshare_modes) ;;
-      --vat | --discount) words="line document" ;;
-      --language) words=$(_kvshare_languages) ;;
-      --key-file)
-        mapfile -t COMPREPLY < <(compgen -f -- "$word")
-        return ;;
-      --key | --currency | --sku | --width) return ;;
-      *)
-        if [[ $word == -* ]]; then
-          words=$(_kvshare_options "$command")
-        elif [[ $command == receipts ]]; then
-          mapfile -t COMPREPLY < <(compgen -f -- "$word")
-          return
-        elif [[ $command == round && $COMP_CWORD -eq 2 ]]; then
-          words=$(_kvshare_modes)
-        elif [[ $command == message ]]; then
-          words=$(kvshare message --list 2>/dev/null | cut -f2)
-        fi ;;
-    esac
-  fi
-  mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
+_kvshare_commands() {
+  printf '%s\n' words round share qty format mask encode decode key message receipts
 }
 
-complete -o filenames -o bashdefault -F _kvshare kvshare
+_kvshare_options() { # _kvshare_options COMMAND
+  case $1 in
+    words) printf '%s\n' --english --currency ;;
+    round) printf '%s\n' --price --list ;;
+    qty) echo --sku ;;
+    encode | decode) printf '%s\n' --key --key-file ;;
+    message) printf '%s\n' --language --list ;;
+    receipts)
+      printf '%s\n' --round --vat-round --vat --discount --cash-step --price-includes-vat --width ;;
+  esac
+  printf '%s\n' --json --help
+}
+
+# Offers the lines of standard input that begin with $1, in any letter case as the command reads them.
+_kvshare_offer() {
+  local line
+  while IFS= read -r line; do
+    [[ ${line,,} == "${1,,}"* ]] && COMPREPLY+=("$line")
+  done
+}
+
+_kvshare_offer_files() {
+  compopt -o filenames 2>/dev/null
+  mapfile -t COMPREPLY < <(compgen -f -- "$1")
+}
+
+# What may stand where the word $3 begins, behind the option $2 of the command $1; false when $2 is
+# no option that takes a value.
+_kvshare_value() {
+  case "$1 $2" in
+    "receipts --round" | "receipts --vat-round" | "receipts --cash-step")
+      _kvshare_offer "$3" < <(_kvshare_modes) ;;
+    "receipts --vat" | "receipts --discount") _kvshare_offer "$3" < <(printf '%s\n' line document) ;;
+    "message --language") _kvshare_offer "$3" < <(_kvshare_languages) ;;
+    "encode --key-file" | "decode --key-file") _kvshare_offer_files "$3" ;;
+    "encode --key" | "decode --key" | "words --currency" | "qty --sku" | "receipts --width") ;;
+    *) return 1 ;;
+  esac
+}
+
+# Whether only options stand between the command and the word.
+_kvshare_first_operand() {
+  local i
+  for ((i = 2; i < COMP_CWORD; ++i)); do
+    [[ ${COMP_WORDS[i]} == -* ]] || return 1
+  done
+}
+
+_kvshare_operand() { # _kvshare_operand COMMAND WORD
+  case $1 in
+    receipts) _kvshare_offer_files "$2" ;;
+    message) _kvshare_offer "$2" < <(_kvshare_messages) ;;
+    round) _kvshare_first_operand && _kvshare_offer "$2" < <(_kvshare_modes) ;;
+  esac
+}
+
+_kvshare() {
+  local command=${COMP_WORDS[1]} before=${COMP_WORDS[COMP_CWORD - 1]} word=${COMP_WORDS[COMP_CWORD]}
+  COMPREPLY=()
+  if ((COMP_CWORD == 1)); then
+    _kvshare_offer "$word" < <(_kvshare_commands; printf '%s\n' --help --version)
+    return
+  fi
+  # Bash takes `--vat=line` apart into three words.
+  if [[ $word == "=" ]]; then
+    word=
+  elif [[ $before == "=" ]]; then
+    before=${COMP_WORDS[COMP_CWORD - 2]}
+  fi
+  if _kvshare_value "$command" "$before" "$word"; then
+    return
+  elif [[ $word == -* ]]; then
+    _kvshare_offer "$word" < <(_kvshare_options "$command")
+  else
+    _kvshare_operand "$command" "$word"
+  fi
+}
+
+complete -F _kvshare kvshare
