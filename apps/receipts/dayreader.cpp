@@ -18,6 +18,15 @@ bool IsBlank(std::span<const std::string> cells) {
   return std::ranges::all_of(cells, [](const std::string& cell) { return Trim(cell).empty(); });
 }
 
+// At most 80 bytes of UTF-8, not cut inside a letter.
+std::string Beginning(std::string_view utf8) {
+  std::size_t end = std::min<std::size_t>(utf8.size(), 80);
+  while (end > 0 && end < utf8.size() && (static_cast<unsigned char>(utf8[end]) & 0xC0) == 0x80) {
+    --end;
+  }
+  return std::string(utf8.substr(0, end));
+}
+
 }  // namespace
 
 DayReader::DayReader(std::function<void(const Problem&)> report)
@@ -108,7 +117,7 @@ void DayReader::TakeHeader(std::uint64_t line, Cells cells) {
 }
 
 void DayReader::TakeHeaderCell(std::uint64_t line, int position, const std::string& cell) {
-  const std::string name = cell.substr(0, 80);
+  const std::string name = Beginning(cell);
   const auto column = FindColumn(cell);
   if (!column) {
     report_({line, position, name, "the column is unknown and ignored", true});

@@ -143,6 +143,12 @@ TEST(DayReader, HeaderProblems) {
               ElementsAre("line 1: column vat is missing"));
   EXPECT_THAT(ReadDay("vat,document,date,customer,item,quantity,price,discount,VAT\nA\n").problems,
               ElementsAre("line 1, column 9 (VAT): the column stands twice"));
+  std::string thai;
+  for (int i = 0; i < 30; ++i) thai += "ก";
+  EXPECT_THAT(ReadDay(thai + "," + std::string(kHeader)).problems,
+              ElementsAre("line 1, column 1 (" + thai.substr(0, 78) +
+                          "): warning: the column is unknown and ignored"))
+      << "a long name is cut between letters";
   const Read read = ReadDay(
       "\xEF\xBB\xBF Vat ,note,document,date,customer,item,quantity,price,discount\r\n"
       "7,n,A,1/2/2569,C,ไข่,-1.5,5,1\r\n");
