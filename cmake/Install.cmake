@@ -14,6 +14,7 @@ set(internal_headers
   rtl/calendar.h
   rtl/decimal.h
   rtl/digits.h
+  rtl/environment.h
   rtl/iniparser.h
   rtl/lines.h
   rtl/textcursor.h

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdlib>
 
 #include "kvshare/rtl/cp874.h"
+#include "kvshare/rtl/environment.h"
 
 namespace kvshare::inline rtl {
 
@@ -58,15 +58,6 @@ TFormatSettings SettingsOf(const Locale& locale) {
   std::ranges::copy(locale.shortDays, result.ShortDayNames.begin());
   std::ranges::copy(locale.longDays, result.LongDayNames.begin());
   return result;
-}
-
-// The locale that the user's environment names, or nothing.
-Text UserLocale() {
-  for (const char* variable : {"LC_ALL", "LC_TIME", "LANG"}) {
-    const char* const name = std::getenv(variable);
-    if (name != nullptr && *name != '\0') return name;
-  }
-  return {};
 }
 
 constexpr bool IsLetter(char byte, char lower) {

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <memory>
 #include <utility>
 
 #include "kvshare/rtl/cp874.h"
+#include "kvshare/rtl/environment.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/files.h"
 #include "kvshare/rtl/strutils.h"
@@ -29,13 +29,6 @@ bool IsLanguageName(std::string_view name) {
                                   "0123456789-_") == std::string_view::npos;
 }
 
-// The value of an environment variable, "" when it is not set.
-std::string_view Environment(const char* name) {
-  const char* value = std::getenv(name);
-  return value == nullptr ? std::string_view() : value;
-}
-
-// The file of a language, in UTF-8.
 std::string LanguageFileName(std::string_view name) {
   std::string file(Environment("KVSHARE_LANGUAGE_PATH"));
   if (file.empty()) {

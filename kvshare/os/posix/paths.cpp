@@ -1,9 +1,9 @@
 #include "kvshare/os/paths.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 #include "kvshare/rtl/cp874.h"
+#include "kvshare/rtl/environment.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/strutils.h"
 
@@ -14,11 +14,6 @@ namespace {
 [[noreturn]] void ThrowInvalidName(std::string_view message = "Invalid filename") {
   constexpr int kPathNotFound = 3;
   throw EInOutError(message, kPathNotFound);
-}
-
-std::string_view Environment(const char* name) {
-  const char* value = std::getenv(name);
-  return value != nullptr ? value : "";
 }
 
 std::string DriveRoot(char letter) {
