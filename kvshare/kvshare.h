@@ -22,6 +22,7 @@
 #include "kvshare/rtl/variant.h"
 
 // The operating system, and the program as its windows see it
+#include "kvshare/os/locale.h"
 #include "kvshare/os/paths.h"
 #include "kvshare/os/windowmessage.h"
 #include "kvshare/ui/application.h"
