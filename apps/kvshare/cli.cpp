@@ -42,6 +42,7 @@ void Declare(CLI::App& app, Plan& plan) {
   DeclareQty(app, plan);
   DeclareFormat(app, plan);
   DeclareMask(app, plan);
+  DeclareDate(app, plan);
   DeclareEncode(app, plan);
   DeclareDecode(app, plan);
   DeclareKey(app, plan);

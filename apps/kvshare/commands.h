@@ -27,6 +27,7 @@ void DeclareShare(CLI::App& parent, Plan& plan);
 void DeclareQty(CLI::App& parent, Plan& plan);
 void DeclareFormat(CLI::App& parent, Plan& plan);
 void DeclareMask(CLI::App& parent, Plan& plan);
+void DeclareDate(CLI::App& parent, Plan& plan);
 void DeclareEncode(CLI::App& parent, Plan& plan);
 void DeclareDecode(CLI::App& parent, Plan& plan);
 void DeclareKey(CLI::App& parent, Plan& plan);

@@ -53,9 +53,11 @@ std::optional<Numbers> ReadNumbers(std::string_view year, std::string_view month
   return numbers;
 }
 
+// The year stands first; the leftmost bad part is the one that an error tells.
 TDateTime DateAt(std::string_view stamp, int month, int day) {
-  return EncodeDate(StrToInt(Copy(stamp, 1, 4)), StrToInt(Copy(stamp, month, 2)),
-                    StrToInt(Copy(stamp, day, 2)));
+  const int y = StrToInt(Copy(stamp, 1, 4));
+  const int m = StrToInt(Copy(stamp, month, 2));
+  return EncodeDate(y, m, StrToInt(Copy(stamp, day, 2)));
 }
 
 }  // namespace
@@ -92,7 +94,7 @@ bool TKovraDate::ForceStrToKovraDateAsOf(std::string_view Text, int CurrentYear,
   std::int64_t year = numbers->year;
   const std::int64_t distance = std::abs(year - CurrentYear);
   if (distance > 1000) {
-    year -= 2 * kBuddhistEraOffset;
+    year -= std::int64_t{2} * kBuddhistEraOffset;
   } else if (distance > 100) {
     year -= kBuddhistEraOffset;
   }
@@ -113,11 +115,13 @@ TDateTime TKovraDate::KovraStrToDate(std::string_view S) {
 }
 
 TDateTime TKovraDate::KovraStrToTime(std::string_view S) {
-  return EncodeTime(StrToInt(Copy(S, 9, 2)), StrToInt(Copy(S, 11, 2)), 0, 0);
+  const int hour = StrToInt(Copy(S, 9, 2));
+  return EncodeTime(hour, StrToInt(Copy(S, 11, 2)), 0, 0);
 }
 
 TDateTime TKovraDate::KovraStrToDateTime(std::string_view S) {
-  return JoinDateTime(KovraStrToDate(S), KovraStrToTime(S));
+  const TDateTime date = KovraStrToDate(S);
+  return JoinDateTime(date, KovraStrToTime(S));
 }
 
 TDateTime TKovraDate::yyyymmddToDate(std::string_view S) {

@@ -19,7 +19,15 @@ _kvshare_languages() {
 }
 
 _kvshare_commands() {
-  printf '%s\n' words round share qty format mask encode decode key message receipts
+  printf '%s\n' words round share qty format mask date encode decode key message receipts
+}
+
+_kvshare_dates() { # the commands of `kvshare date`
+  printf '%s\n' show parse month
+}
+
+_kvshare_layouts() {
+  kvshare date show --help 2>/dev/null | sed -n 's/^  --layout NAME *//p' | tr ' ' '\n'
 }
 
 _kvshare_options() { # _kvshare_options COMMAND
@@ -28,11 +36,14 @@ _kvshare_options() { # _kvshare_options COMMAND
     round) printf '%s\n' --price --list ;;
     qty) echo --sku ;;
     encode | decode) printf '%s\n' --key --key-file ;;
+    "date show") printf '%s\n' --era --layout --language ;;
+    "date parse") printf '%s\n' --era --loose --stamp ;;
     message) printf '%s\n' --language --list ;;
     receipts)
       printf '%s\n' --round --vat-round --vat --discount --cash-step --price-includes-vat --width ;;
   esac
-  printf '%s\n' --json --help
+  [[ $1 == date ]] || echo --json
+  echo --help
 }
 
 # Offers the lines of standard input that begin with $1, in any letter case as the command reads them.
@@ -56,6 +67,9 @@ _kvshare_value() {
       _kvshare_offer "$3" < <(_kvshare_modes) ;;
     "receipts --vat" | "receipts --discount") _kvshare_offer "$3" < <(printf '%s\n' line document) ;;
     "message --language") _kvshare_offer "$3" < <(_kvshare_languages) ;;
+    "date show --layout") _kvshare_offer "$3" < <(_kvshare_layouts) ;;
+    "date show --language") _kvshare_offer "$3" < <(printf '%s\n' th en) ;;
+    "date show --era" | "date parse --era") _kvshare_offer "$3" < <(printf '%s\n' 543 0) ;;
     "encode --key-file" | "decode --key-file") _kvshare_offer_files "$3" ;;
     "encode --key" | "decode --key" | "words --currency" | "qty --sku" | "receipts --width") ;;
     *) return 1 ;;
@@ -72,6 +86,7 @@ _kvshare_first_operand() {
 
 _kvshare_operand() { # _kvshare_operand COMMAND WORD
   case $1 in
+    date) _kvshare_offer "$2" < <(_kvshare_dates) ;;
     receipts) _kvshare_offer_files "$2" ;;
     message) _kvshare_offer "$2" < <(_kvshare_messages) ;;
     round) _kvshare_first_operand && _kvshare_offer "$2" < <(_kvshare_modes) ;;
@@ -85,6 +100,7 @@ _kvshare() {
     _kvshare_offer "$word" < <(_kvshare_commands; printf '%s\n' --help --version)
     return
   fi
+  [[ $command == date ]] && ((COMP_CWORD > 2)) && command+=" ${COMP_WORDS[2]}"
   # Bash takes `--vat=line` apart into three words.
   if [[ $word == "=" ]]; then
     word=

@@ -15,6 +15,66 @@ using ::testing::StartsWith;
 
 constexpr const char* kKey = "ABCDEFGHIJKLMNOP";
 
+TEST(CommandLine, Dates) {
+  const struct {
+    std::vector<std::string> arguments;
+    std::string out, err;
+    int status;
+  } cases[] = {
+      {{"show", "--era", "543", "2003-07-15"}, "15/07/2546\n", "", 0},
+      {{"show", "--era=0", "--layout", "datetime", " 2003-07-15 14:05 "},
+       "15/07/2003 14:05\n",
+       "",
+       0},
+      {{"show", "--layout", "TimeStamp", "2003-07-15T14:05:09.8"}, "2003071514050980\n", "", 0},
+      {{"show", "--layout", "ddmmyyyysl25", "2003-07-15", "9999-12-31"},
+       "15/07/2546\n31/12/10542\n",
+       "",
+       0},
+      {{"show", "--era", "0", "--layout", "fullmonthyear", "--language", "en", "2003-07-15"},
+       "JULY, 2003\n",
+       "",
+       0},
+      {{"show", "--json", "--era", "0", "2003-07-15T14:05", "2003-02-29"},
+       "{\"date\":\"2003-07-15T14:05:00\",\"text\":\"15/07/2003\"}\n"
+       "{\"argument\":2,\"error\":\"'2003-02-29' is no moment: yyyy-mm-dd or "
+       "yyyy-mm-ddThh:mm:ss\"}\n",
+       "argument 2: '2003-02-29' is no moment: yyyy-mm-dd or yyyy-mm-ddThh:mm:ss\n",
+       1},
+      {{"parse", "--era", "543", "15/07/2546", "5/07/2546"},
+       "2003-07-15\n\n",
+       "argument 2: '5/07/2546' is not a valid date\n",
+       1},
+      {{"parse", "--loose", "5/7/2003"}, "2003-07-05\n", "", 0},
+      {{"parse", "--stamp", "200307151405", "2003-07-15", "20030715", "2oo30715"},
+       "2003-07-15T14:05:00\n2003-07-15\n2003-07-15\n\n",
+       "argument 4: '2oo3' is not a valid integer value\n",
+       1},
+      {{"month", "1", "2003-01-31"}, "2003-02-28\n", "", 0},
+      {{"month", "-1", "2003-03-31T10:00"}, "2003-02-28\n", "", 0},
+  };
+  for (const auto& c : cases) {
+    std::vector<std::string> arguments = {"date"};
+    arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
+    const Outcome got = Kvshare(arguments);
+    EXPECT_EQ(got.out, c.out);
+    EXPECT_EQ(got.err, c.err);
+    EXPECT_EQ(got.status, c.status);
+  }
+  for (const char* bad : {"2003-7-15", "2003-07-15T", "2003-07-15T24:00", "2003-07-15T10:00:00.",
+                          "2003-07-15T10:00:00.1234", "15/07/2003", ""}) {
+    EXPECT_EQ(Kvshare({"date", "show", bad}).status, 1) << bad;
+  }
+  using Arguments = std::vector<std::string>;
+  for (const Arguments& usage :
+       {Arguments{"date"}, Arguments{"date", "show", "--era", "1", "2003-07-15"},
+        Arguments{"date", "show", "--layout", "iso", "2003-07-15"},
+        Arguments{"date", "parse", "--loose", "--stamp", "20030715"},
+        Arguments{"date", "month", "128", "2003-07-15"}}) {
+    EXPECT_EQ(Kvshare(usage).status, 2);
+  }
+}
+
 TEST(CommandLine, Items) {
   const struct {
     std::vector<std::string> arguments;
@@ -207,6 +267,10 @@ TEST(CommandLine, ListsAreWhole) {
 }
 
 TEST(CommandLine, EveryCommandTeachesByExample) {
+  for (const char* name : {"show", "parse", "month"}) {
+    const Outcome help = Kvshare({"date", name, "--help"});
+    EXPECT_THAT(help.out, HasSubstr("  kvshare date " + std::string(name))) << name;
+  }
   for (const char* name : {"receipts", "words", "round", "share", "qty", "format", "mask", "encode",
                            "decode", "key", "message"}) {
     const Outcome help = Kvshare({name, "--help"});

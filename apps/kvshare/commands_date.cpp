@@ -1,0 +1,221 @@
+#include <array>
+#include <memory>
+#include <optional>
+
+#include "apps/kvshare/commands.h"
+#include "apps/kvshare/moments.h"
+#include "kvshare/dates/date.h"
+#include "kvshare/rtl/convert.h"
+#include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/formatsettings.h"
+#include "kvshare/rtl/strutils.h"
+
+namespace kvshare::app {
+
+namespace {
+
+constexpr std::string_view kShowExamples =
+    "  kvshare date show --era 543 2003-07-15            15/07/2546\n"
+    "  kvshare date show --layout yyyymmdd25 2003-07-15  25460715\n"
+    "  kvshare date show --layout datetime --era 0 2003-07-15T14:05\n"
+    "                                                    15/07/2003 14:05\n"
+    "  kvshare date show --layout fullmonthyear --language en --era 0 2003-07-15\n"
+    "                                                    JULY, 2003\n";
+
+constexpr std::string_view kParseExamples =
+    "  kvshare date parse --era 543 15/07/2546           2003-07-15\n"
+    "  kvshare date parse --loose 15/07/2546             2003-07-15\n"
+    "  kvshare date parse --stamp 200307151405           2003-07-15T14:05:00\n";
+
+constexpr std::string_view kMonthExamples =
+    "  kvshare date month 1 2003-01-31                   2003-02-28\n"
+    "  kvshare date month -1 2003-03-31                  2003-02-28\n";
+
+struct DateOptions {
+  std::string era;
+  std::string layout = "date";
+  std::string language;
+  bool loose = false;
+  bool stamp = false;
+};
+
+// What a layout needs besides the moment.
+struct Era {
+  Word offset = 0;
+  int language = 0;  // 0 Thai
+};
+
+using D = TKovraDate;
+using Shower = std::string (*)(TDateTime, const Era&);
+
+template <std::string (*Show)(TDateTime)>
+std::string Plain(TDateTime moment, const Era& /*unused*/) {
+  return Show(moment);
+}
+
+template <std::string (*Show)(TDateTime, Word)>
+std::string WithEra(TDateTime moment, const Era& era) {
+  return Show(moment, era.offset);
+}
+
+std::string FullMonthYear(TDateTime moment, const Era& era) {
+  return D::ShowFullMonthYear(moment, era.offset, era.language);
+}
+
+struct LayoutRow {
+  std::string_view name;
+  Shower show;
+};
+
+constexpr std::array kLayouts = {
+    LayoutRow{"date", WithEra<D::ShowDate>},
+    LayoutRow{"full", WithEra<D::ShowFullDate>},
+    LayoutRow{"datetime", WithEra<D::ShowDatetime>},
+    LayoutRow{"monthyear", WithEra<D::ShowMonthYear>},
+    LayoutRow{"fullmonthyear", FullMonthYear},
+    LayoutRow{"time", Plain<D::ShowTime>},
+    LayoutRow{"stamp", Plain<D::KovraDateTimeToStr>},
+    LayoutRow{"timestamp", Plain<D::KovraTimeStampStr>},
+    LayoutRow{"yymmdd19", Plain<D::yymmdd19>},
+    LayoutRow{"ddmmyy19", Plain<D::ddmmyy19>},
+    LayoutRow{"yymmdd25", Plain<D::yymmdd25>},
+    LayoutRow{"yyyymmdd19", Plain<D::yyyymmdd19>},
+    LayoutRow{"yyyymmdd25", Plain<D::yyyymmdd25>},
+    LayoutRow{"ddmmyyyy19", Plain<D::ddmmyyyy19>},
+    LayoutRow{"ddmmyyyy25", Plain<D::ddmmyyyy25>},
+    LayoutRow{"mmddyyyy19", Plain<D::mmddyyyy19>},
+    LayoutRow{"ddmmyyyysl25", Plain<D::ddmmyyyysl25>},
+    LayoutRow{"mmddyyyysl19", Plain<D::mmddyyyysl19>},
+};
+
+std::string LayoutNames() {
+  std::string names;
+  for (const LayoutRow& row : kLayouts) names.append(names.empty() ? "" : " ").append(row.name);
+  return names;
+}
+
+Shower LayoutOf(std::string_view name) {
+  for (const LayoutRow& row : kLayouts) {
+    if (SameText(row.name, name)) return row.show;
+  }
+  RefuseUsage("--layout", "is one of " + LayoutNames());
+}
+
+Word OffsetOf(const DateOptions& options) {
+  if (options.era.empty()) return static_cast<Word>(D::YearOffset());
+  if (options.era == "543") return kBuddhistEraOffset;
+  if (options.era == "0") return 0;
+  RefuseUsage("--era", "is 543 or 0");
+}
+
+// Month names of the language asked for, for this run of the command.
+int UseLanguage(std::string_view name) {
+  if (name.empty()) return 0;
+  const bool english = SameText(name, "en");
+  if (!english && !SameText(name, "th")) RefuseUsage("--language", "is th or en");
+  FormatSettings.LongMonthNames =
+      (english ? TFormatSettings::UsEnglish() : TFormatSettings::Thai()).LongMonthNames;
+  return english ? 1 : 0;
+}
+
+Transform MakeShow(const DateOptions& options) {
+  const Shower show = LayoutOf(options.layout);
+  const Era era{OffsetOf(options), UseLanguage(options.language)};
+  return [show, era](std::string_view item, Row& row) {
+    const TDateTime moment = ParseIso(item);
+    if (row.Json()) AppendIso(row.Member("date"), moment);
+    row.Cell("text") = show(moment, era);
+  };
+}
+
+TDateTime ReadStamp(std::string_view text) {
+  constexpr std::size_t kWithSeparators = 10;
+  constexpr std::size_t kWithTime = 12;
+  if (text.size() == kWithSeparators) return D::yyyymmddToDate(text);
+  return text.size() >= kWithTime ? D::KovraStrToDateTime(text) : D::KovraStrToDate(text);
+}
+
+TDateTime ReadTyped(std::string_view text, const DateOptions& options, Word offset) {
+  if (options.stamp) return ReadStamp(text);
+  TDateTime date;
+  const bool read =
+      options.loose ? D::ForceStrToKovraDate(text, date) : D::StrToKovraDate(text, offset, date);
+  if (!read) throw EConvertError("'" + std::string(text.substr(0, 80)) + "' is not a valid date");
+  return date;
+}
+
+Transform MakeParse(const DateOptions& options) {
+  return [options, offset = OffsetOf(options)](std::string_view item, Row& row) {
+    const std::string_view text = Trim(item);
+    const TDateTime date = ReadTyped(text, options, offset);
+    if (row.Json()) row.Member("text") = text;
+    AppendIso(row.Cell("date"), date);
+  };
+}
+
+Transform MakeMonth(const std::string& delta) {
+  std::int32_t months = 0;
+  if (!TryStrToInt(delta, months) || months < INT8_MIN || months > INT8_MAX) {
+    RefuseUsage("DELTA", "is a number from -128 to 127");
+  }
+  return [months](std::string_view item, Row& row) {
+    const TDateTime date = ParseIso(item);
+    if (row.Json()) AppendIso(row.Member("date"), date);
+    AppendIso(row.Cell("result"), D::ChangeMonth(date, static_cast<std::int8_t>(months)));
+  };
+}
+
+void AddEra(CLI::App& command, DateOptions& options) {
+  command
+      .add_option("--era", options.era,
+                  "Years of the Buddhist era (543) or not (0); default: "
+                  "the machine's")
+      ->type_name("543|0");
+}
+
+void DeclareShow(CLI::App& date, Plan& plan) {
+  const auto options = std::make_shared<DateOptions>();
+  CLI::App* command =
+      AddCommand(date, plan, "show", "Dates as the suite's programs show them", kShowExamples);
+  AddEra(*command, *options);
+  command->add_option("--layout", options->layout, LayoutNames())->type_name("NAME");
+  command->add_option("--language", options->language, "Month names in Thai or English")
+      ->type_name("th|en");
+  AddItems(*command, plan, "DATE", "yyyy-mm-dd or yyyy-mm-ddThh:mm:ss, Christian years");
+  command->callback([options, &plan] { plan.transform = MakeShow(*options); });
+}
+
+void DeclareParse(CLI::App& date, Plan& plan) {
+  const auto options = std::make_shared<DateOptions>();
+  CLI::App* command =
+      AddCommand(date, plan, "parse", "Typed dates as yyyy-mm-dd, Christian years", kParseExamples);
+  AddEra(*command, *options);
+  auto* loose =
+      command->add_flag("--loose", options->loose, "Day first; guess the era by the year");
+  command->add_flag("--stamp", options->stamp, "Stamps of 8, 10 or 12 and more bytes")
+      ->excludes(loose);
+  AddItems(*command, plan, "TEXT", "dd/mm/yyyy, yyyy/mm/dd, with dashes too");
+  command->callback([options, &plan] { plan.transform = MakeParse(*options); });
+}
+
+void DeclareMonth(CLI::App& date, Plan& plan) {
+  const auto delta = std::make_shared<std::string>();
+  CLI::App* command =
+      AddCommand(date, plan, "month", "The same day of a neighbouring month", kMonthExamples);
+  command->add_option("DELTA", *delta, "1 for the next month, -1 for the one before")->required();
+  AddItems(*command, plan, "DATE", "yyyy-mm-dd");
+  command->callback([delta, &plan] { plan.transform = MakeMonth(*delta); });
+}
+
+}  // namespace
+
+void DeclareDate(CLI::App& parent, Plan& plan) {
+  CLI::App* date = parent.add_subcommand("date", "Dates in the Buddhist and the Christian era");
+  date->group("Commands");
+  date->require_subcommand(1);
+  DeclareShow(*date, plan);
+  DeclareParse(*date, plan);
+  DeclareMonth(*date, plan);
+}
+
+}  // namespace kvshare::app

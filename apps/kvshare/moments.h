@@ -1,0 +1,18 @@
+// Moments as a command line names them.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "kvshare/rtl/datetime.h"
+
+namespace kvshare::app {
+
+// yyyy-mm-dd, or with a time behind `T` or a blank: hh:mm, hh:mm:ss, hh:mm:ss.f to hh:mm:ss.fff.
+// Christian years. Blanks around it are dropped. Throws EConvertError.
+TDateTime ParseIso(std::string_view text);
+
+// yyyy-mm-dd, with Thh:mm:ss behind it unless the moment is a whole day.
+void AppendIso(std::string& out, TDateTime moment);
+
+}  // namespace kvshare::app
