@@ -1,6 +1,7 @@
 #include "apps/kvshare/commands.h"
 
 #include "apps/kvshare/amounts.h"
+#include "kvshare/dates/date.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 
@@ -60,6 +61,20 @@ Currency UsageAmount(std::string_view option, std::string_view utf8) {
   } catch (const EConvertError& e) {
     RefuseUsage(option, Cp874ToUtf8Lossy(e.Message()));
   }
+}
+
+void AddEra(CLI::App& command, std::string& era) {
+  command
+      .add_option("--era", era,
+                  "Years of the Buddhist era (543) or not (0); default: the machine's")
+      ->type_name("543|0");
+}
+
+Word UsageEra(std::string_view era) {
+  if (era.empty()) return static_cast<Word>(TKovraDate::YearOffset());
+  if (era == "543") return kBuddhistEraOffset;
+  if (era == "0") return 0;
+  RefuseUsage("--era", "is 543 or 0");
 }
 
 }  // namespace kvshare::app

@@ -9,6 +9,7 @@
 
 #include "apps/kvshare/items.h"
 #include "kvshare/rtl/currency.h"
+#include "kvshare/rtl/types.h"
 
 namespace kvshare::app {
 
@@ -54,5 +55,11 @@ std::function<int(const Stdio&)> PrintRows(const Plan& plan, RowPrinter make);
 // An option's or operand's value in code page 874, and as an amount. They refuse the usage.
 std::string UsageText(std::string_view option, std::string_view utf8);
 Currency UsageAmount(std::string_view option, std::string_view utf8);
+
+// Adds `--era` to a command.
+void AddEra(CLI::App& command, std::string& era);
+
+// The year offset of an era option: 543 or 0, the machine's for "". Refuses the usage.
+Word UsageEra(std::string_view era);
 
 }  // namespace kvshare::app

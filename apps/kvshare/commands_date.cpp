@@ -101,13 +101,6 @@ Shower LayoutOf(std::string_view name) {
   RefuseUsage("--layout", "is one of " + LayoutNames());
 }
 
-Word OffsetOf(const DateOptions& options) {
-  if (options.era.empty()) return static_cast<Word>(D::YearOffset());
-  if (options.era == "543") return kBuddhistEraOffset;
-  if (options.era == "0") return 0;
-  RefuseUsage("--era", "is 543 or 0");
-}
-
 // Month names of the language asked for, for this run of the command.
 int UseLanguage(std::string_view name) {
   if (name.empty()) return 0;
@@ -120,7 +113,7 @@ int UseLanguage(std::string_view name) {
 
 Transform MakeShow(const DateOptions& options) {
   const Shower show = LayoutOf(options.layout);
-  const Era era{OffsetOf(options), UseLanguage(options.language)};
+  const Era era{UsageEra(options.era), UseLanguage(options.language)};
   return [show, era](std::string_view item, Row& row) {
     const TDateTime moment = ParseIso(item);
     if (row.Json()) AppendIso(row.Member("date"), moment);
@@ -145,7 +138,7 @@ TDateTime ReadTyped(std::string_view text, const DateOptions& options, Word offs
 }
 
 Transform MakeParse(const DateOptions& options) {
-  return [options, offset = OffsetOf(options)](std::string_view item, Row& row) {
+  return [options, offset = UsageEra(options.era)](std::string_view item, Row& row) {
     const std::string_view text = Trim(item);
     const TDateTime date = ReadTyped(text, options, offset);
     if (row.Json()) row.Member("text") = text;
@@ -165,19 +158,11 @@ Transform MakeMonth(const std::string& delta) {
   };
 }
 
-void AddEra(CLI::App& command, DateOptions& options) {
-  command
-      .add_option("--era", options.era,
-                  "Years of the Buddhist era (543) or not (0); default: "
-                  "the machine's")
-      ->type_name("543|0");
-}
-
 void DeclareShow(CLI::App& date, Plan& plan) {
   const auto options = std::make_shared<DateOptions>();
   CLI::App* command =
       AddCommand(date, plan, "show", "Dates as the suite's programs show them", kShowExamples);
-  AddEra(*command, *options);
+  AddEra(*command, options->era);
   command->add_option("--layout", options->layout, LayoutNames())->type_name("NAME");
   command->add_option("--language", options->language, "Month names in Thai or English")
       ->type_name("th|en");
@@ -189,7 +174,7 @@ void DeclareParse(CLI::App& date, Plan& plan) {
   const auto options = std::make_shared<DateOptions>();
   CLI::App* command =
       AddCommand(date, plan, "parse", "Typed dates as yyyy-mm-dd, Christian years", kParseExamples);
-  AddEra(*command, *options);
+  AddEra(*command, options->era);
   auto* loose =
       command->add_flag("--loose", options->loose, "Day first; guess the era by the year");
   command->add_flag("--stamp", options->stamp, "Stamps of 8, 10 or 12 and more bytes")

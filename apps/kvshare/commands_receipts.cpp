@@ -37,6 +37,7 @@ struct Options {
   std::string vat = "document";
   std::string discount = "line";
   std::string cashStep;
+  std::string era;
   bool priceIncludesVat = false;
   std::size_t width = 80;
 };
@@ -57,6 +58,7 @@ receipts::Layout MakeLayout(const Options& options) {
   layout.discountPerLine = options.discount == "line";
   layout.vatPerLine = options.vat == "line";
   layout.priceIncludesVat = options.priceIncludesVat;
+  layout.yearOffset = UsageEra(options.era);
   layout.cashStep = !options.cashStep.empty();
   return layout;
 }
@@ -208,6 +210,7 @@ void DeclareReceipts(CLI::App& parent, Plan& plan) {
       ->type_name("line|document");
   command->add_option("--cash-step", options->cashStep, "Mode of the total, with a rounding line")
       ->type_name("MODE");
+  AddEra(*command, options->era);
   command->add_flag("--price-includes-vat", options->priceIncludesVat, "Prices are with VAT");
   command->add_option("--width", options->width, "Columns of a receipt (default 80)")
       ->check(CLI::Range(40, 1000))

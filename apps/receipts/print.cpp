@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "apps/receipts/layout.h"
+#include "kvshare/dates/date.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/format.h"
-#include "kvshare/rtl/formatdatetime.h"
 #include "kvshare/rtl/formatfloat.h"
 
 namespace kvshare::receipts {
@@ -68,7 +68,7 @@ void AppendHead(std::string& out, const Document& document, const Receipt& recei
     out.append(title).push_back('\n');
     AppendWrapped(out, number, layout.width);
   }
-  out.append(kDate).append(FormatDateTime("dd/mm/yyyy", document.date)).push_back('\n');
+  out.append(kDate).append(TKovraDate::ShowDate(document.date, layout.yearOffset)).push_back('\n');
   if (!document.customer.empty()) {
     AppendWrapped(out, std::string(kCustomer) + document.customer, layout.width);
   }

@@ -13,6 +13,7 @@ struct Layout {
   bool discountPerLine = true;  // else one sum below the lines
   bool vatPerLine = false;      // a VAT column
   bool priceIncludesVat = false;
+  Word yearOffset = 0;    // 543 for dates of the Buddhist era
   bool cashStep = false;  // show the rounding line even when it is 0
 };
 

@@ -40,7 +40,7 @@ _kvshare_options() { # _kvshare_options COMMAND
     "date parse") printf '%s\n' --era --loose --stamp ;;
     message) printf '%s\n' --language --list ;;
     receipts)
-      printf '%s\n' --round --vat-round --vat --discount --cash-step --price-includes-vat --width ;;
+      printf '%s\n' --round --vat-round --vat --discount --cash-step --era --price-includes-vat --width ;;
   esac
   [[ $1 == date ]] || echo --json
   echo --help
@@ -69,7 +69,7 @@ _kvshare_value() {
     "message --language") _kvshare_offer "$3" < <(_kvshare_languages) ;;
     "date show --layout") _kvshare_offer "$3" < <(_kvshare_layouts) ;;
     "date show --language") _kvshare_offer "$3" < <(printf '%s\n' th en) ;;
-    "date show --era" | "date parse --era") _kvshare_offer "$3" < <(printf '%s\n' 543 0) ;;
+    "date show --era" | "date parse --era" | "receipts --era") _kvshare_offer "$3" < <(printf '%s\n' 543 0) ;;
     "encode --key-file" | "decode --key-file") _kvshare_offer_files "$3" ;;
     "encode --key" | "decode --key" | "words --currency" | "qty --sku" | "receipts --width") ;;
     *) return 1 ;;

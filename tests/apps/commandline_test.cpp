@@ -289,7 +289,8 @@ constexpr std::string_view kDay =
     "7,B-1,2026-11-24,,ชา,x,1,\n";
 
 TEST(CommandLine, Receipts) {
-  const Outcome got = Kvshare({"receipts", "--width", "50", "--cash-step", "mrDownTo25"}, kDay);
+  const Outcome got =
+      Kvshare({"receipts", "--width", "50", "--cash-step", "mrDownTo25", "--era", "543"}, kDay);
   EXPECT_EQ(got.status, 1);
   EXPECT_EQ(got.err,
             "line 5, column 6 (quantity): 'x' is not a valid floating point value\n"
@@ -298,7 +299,7 @@ TEST(CommandLine, Receipts) {
             "stand alone\n");
   EXPECT_THAT(got.out, StartsWith("==================================================\n"
                                   "ใบเสร็จรับเงิน / Receipt                     เลขที่ A-1\n"
-                                  "วันที่ 24/11/2026\n"
+                                  "วันที่ 24/11/2569\n"
                                   "ลูกค้า ร้านดี\n"
                                   "--------------------------------------------------\n"
                                   "รายการ            จำนวน      ราคา  ส่วนลด  จำนวนเงิน\n"
