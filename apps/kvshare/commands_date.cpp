@@ -1,6 +1,5 @@
 #include <array>
 #include <memory>
-#include <optional>
 
 #include "apps/kvshare/commands.h"
 #include "apps/kvshare/moments.h"

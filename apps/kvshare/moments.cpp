@@ -84,19 +84,11 @@ TDateTime ParseIso(std::string_view text) {
 }
 
 void AppendIso(std::string& out, TDateTime moment) {
-  AppendFormatDateTime(out, "yyyy-mm-dd", moment);
-  if (DecodeTime(moment) == TTimeParts{}) return;
   const TTimeParts time = DecodeTime(moment);
-  const auto pair = [&out](int value) {
-    out.push_back(static_cast<char>('0' + value / 10));
-    out.push_back(static_cast<char>('0' + value % 10));
-  };
-  out.push_back('T');
-  pair(time.Hour);
-  out.push_back(':');
-  pair(time.Minute);
-  out.push_back(':');
-  pair(time.Second);
+  AppendFormatDateTime(out, "yyyy-mm-dd", moment);
+  if (time == TTimeParts{}) return;
+  AppendFormatDateTime(out, R"("T"hh":"nn":"ss)", moment);  // whatever TimeSeparator is
+  if (time.MilliSecond != 0) AppendFormatDateTime(out, R"("."zzz)", moment);
 }
 
 }  // namespace kvshare::app

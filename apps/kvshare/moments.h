@@ -12,7 +12,8 @@ namespace kvshare::app {
 // Christian years. Blanks around it are dropped. Throws EConvertError.
 TDateTime ParseIso(std::string_view text);
 
-// yyyy-mm-dd, with Thh:mm:ss behind it unless the moment is a whole day.
+// yyyy-mm-dd, with Thh:mm:ss or Thh:mm:ss.fff behind it unless the moment is a whole day: ParseIso
+// reads the same moment, to the millisecond.
 void AppendIso(std::string& out, TDateTime moment);
 
 }  // namespace kvshare::app

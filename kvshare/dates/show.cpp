@@ -55,7 +55,7 @@ DateText DayMonthYear(const TDateParts& date, unsigned offset, char separator) {
   return text;
 }
 
-enum class Part : std::uint8_t { None, Day, Month, Year, ShortYear };
+enum class Part : std::uint8_t { Day, Month, Year, ShortYear };
 
 // A fixed layout: three parts and the era of its years.
 struct FixedLayout {
@@ -86,8 +86,6 @@ std::string Fixed(TDateTime moment) {
         break;
       case Part::ShortYear:
         text.ShortYear(year);
-        break;
-      case Part::None:
         break;
     }
   }

@@ -170,7 +170,7 @@ void Overwrite(std::string& to, std::int64_t position, std::string_view bytes) {
 }  // namespace
 
 std::string TKovraString::Replicate(char C, int Count) {
-  return Count > 0 ? std::string(static_cast<std::size_t>(Count), C) : std::string();
+  return StringOfChar(C, Count);
 }
 
 std::string TKovraString::Space(int Count) {

@@ -35,11 +35,12 @@ TEST(CommandLine, Dates) {
        "JULY, 2003\n",
        "",
        0},
-      {{"show", "--json", "--era", "0", "2003-07-15T14:05", "2003-02-29"},
+      {{"show", "--json", "--era", "0", "2003-07-15T14:05", "2003-07-15T00:00:00.05", "2003-02-29"},
        "{\"date\":\"2003-07-15T14:05:00\",\"text\":\"15/07/2003\"}\n"
-       "{\"argument\":2,\"error\":\"'2003-02-29' is no moment: yyyy-mm-dd or "
+       "{\"date\":\"2003-07-15T00:00:00.050\",\"text\":\"15/07/2003\"}\n"
+       "{\"argument\":3,\"error\":\"'2003-02-29' is no moment: yyyy-mm-dd or "
        "yyyy-mm-ddThh:mm:ss\"}\n",
-       "argument 2: '2003-02-29' is no moment: yyyy-mm-dd or yyyy-mm-ddThh:mm:ss\n",
+       "argument 3: '2003-02-29' is no moment: yyyy-mm-dd or yyyy-mm-ddThh:mm:ss\n",
        1},
       {{"parse", "--era", "543", "15/07/2546", "5/07/2546"},
        "2003-07-15\n\n",
