@@ -1,4 +1,6 @@
 // Typed dates and stamps read back.
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <optional>
@@ -53,6 +55,31 @@ std::optional<Numbers> ReadNumbers(std::string_view year, std::string_view month
   return numbers;
 }
 
+// The text `dd/mm/yyyy`, all digits, in which most dates are typed: no part needs to be looked for.
+std::optional<Numbers> ReadUsualForm(std::string_view text) {
+  if (text.size() != 10 || text[2] != '/' || text[5] != '/') return std::nullopt;
+  std::array<unsigned, 10> digit;
+  unsigned highest = 0;
+  for (const std::size_t i : {0U, 1U, 3U, 4U, 6U, 7U, 8U, 9U}) {
+    digit[i] = static_cast<unsigned char>(text[i]) - unsigned{'0'};  // above 9 for no digit
+    highest = std::max(highest, digit[i]);
+  }
+  if (highest > 9) return std::nullopt;
+  const unsigned year = digit[6] * 1000 + digit[7] * 100 + digit[8] * 10 + digit[9];
+  return Numbers{static_cast<std::int32_t>(year),
+                 static_cast<std::int32_t>(digit[3] * 10 + digit[4]),
+                 static_cast<std::int32_t>(digit[0] * 10 + digit[1])};
+}
+
+std::optional<Numbers> ReadTyped(std::string_view text) {
+  const bool slashes = text.find('/') != std::string_view::npos;
+  const std::optional<Parts> parts = SplitAt(text, slashes ? '/' : '-');
+  if (!parts) return std::nullopt;
+  const bool dayFirst = parts->first.size() == 2;
+  return dayFirst ? ReadNumbers(parts->third, parts->second, parts->first)
+                  : ReadNumbers(parts->first, parts->second, parts->third);
+}
+
 // The year stands first; the leftmost bad part is the one that an error tells.
 TDateTime DateAt(std::string_view stamp, int month, int day) {
   const int y = StrToInt(Copy(stamp, 1, 4));
@@ -63,12 +90,8 @@ TDateTime DateAt(std::string_view stamp, int month, int day) {
 }  // namespace
 
 bool TKovraDate::StrToKovraDate(std::string_view Text, Word YearOffset, TDateTime& D) {
-  const bool slashes = Text.find('/') != std::string_view::npos;
-  const std::optional<Parts> parts = SplitAt(Text, slashes ? '/' : '-');
-  if (!parts) return false;
-  const bool dayFirst = parts->first.size() == 2;
-  const auto numbers = dayFirst ? ReadNumbers(parts->third, parts->second, parts->first)
-                                : ReadNumbers(parts->first, parts->second, parts->third);
+  std::optional<Numbers> numbers = ReadUsualForm(Text);
+  if (!numbers) numbers = ReadTyped(Text);
   if (!numbers) return false;
   auto year = static_cast<Word>(numbers->year);
   if (year < 100) year = static_cast<Word>(year + (YearOffset != 0 ? 2500 : 2000));

@@ -4,6 +4,7 @@
 
 #include "kvshare/dates/date.h"
 #include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/format.h"
 #include "kvshare/text/strings.h"
 
 namespace kvshare {
@@ -36,6 +37,9 @@ TEST(TypedDates, StrToKovraDate) {
       {"15/07/2546/1", 543, false, "a fourth part"},
       {"15/07/500", 543, false, "before year 1"},
       {"15/65543/2546", 543, false, "a month is not"},
+      {"15/ 7/2546", 543, true, "a blank in front of a digit"},
+      {"15/07/254:", 543, false, "the byte behind 9"},
+      {"15/07/25/6", 543, false, "a slash among the year's digits"},
       {"//", 543, false, "empty parts"},
       {"", 543, false, "nothing"},
   };
@@ -50,6 +54,24 @@ TEST(TypedDates, StrToKovraDate) {
   std::string long_text(1 << 20, '9');
   long_text += "/07/2546";
   EXPECT_FALSE(TKovraDate::IsDate(long_text, 543));
+}
+
+// A month of three digits leaves the usual form, so that both roads meet on every date and on every
+// pair of numbers that is none.
+TEST(TypedDates, TheUsualFormReadsAsAnyOther) {
+  for (int n = 0; n < 100 * 100 * 40; ++n) {
+    const int year = n / 10'000 * 257 % 10'000;
+    const int day = n % 100;
+    const int month = n / 100 % 100;
+    const std::string text = Format("%.2d/%.2d/%.4d", {day, month, year});
+    const std::string other = Format("%.2d/%.3d/%.4d", {day, month, year});
+    const Word offset = n % 2 == 0 ? 543 : 0;
+    TDateTime date(1);
+    TDateTime same(1);
+    const bool read = TKovraDate::StrToKovraDate(text, offset, date);
+    ASSERT_EQ(TKovraDate::StrToKovraDate(other, offset, same), read) << text;
+    ASSERT_EQ(date, same) << text;
+  }
 }
 
 TEST(TypedDates, ForceStrToKovraDate) {
