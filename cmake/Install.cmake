@@ -8,8 +8,19 @@ install(TARGETS kvshare EXPORT KvShareTargets
 # Headers that only the library's own sources include; all others are reached from kvshare.h.
 set(internal_headers
   money/words.h
+  os/commandline.h
+  os/console.h
+  os/imagereader.h
+  os/jobfile.h
   os/loadedlibrary.h
+  os/mask.h
   os/posix
+  os/registrystore.h
+  os/regtext.h
+  os/sqlite.h
+  os/tree.h
+  platform/storedvalues.h
+  platform/win32rules.h
   rtl/bytepattern.h
   rtl/calendar.h
   rtl/decimal.h
@@ -19,7 +30,8 @@ set(internal_headers
   rtl/lines.h
   rtl/textcursor.h
   settings/loadentry.h
-  settings/placeholders.h)
+  settings/placeholders.h
+  settings/programlocale.h)
 foreach(header IN LISTS internal_headers)
   list(APPEND not_these PATTERN ${header} EXCLUDE)
 endforeach()
@@ -43,6 +55,8 @@ configure_package_config_file(cmake/KvShareConfig.cmake.in
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/KvShareConfigVersion.cmake"
   COMPATIBILITY SameMinorVersion)
 install(FILES
+  cmake/KvShareVersionResource.cmake
+  cmake/KvShareVersionResource.cpp.in
   "${PROJECT_BINARY_DIR}/KvShareConfig.cmake"
   "${PROJECT_BINARY_DIR}/KvShareConfigVersion.cmake"
   DESTINATION "${package_folder}")

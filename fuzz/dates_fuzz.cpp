@@ -1,10 +1,11 @@
 // Typed dates of any bytes: what a reader accepts shows and reads back as the same date; a refusal
-// leaves the date as it was. The first byte chooses the era.
+// leaves the date as it was, and its explanation knows the rule. The first byte chooses the era.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <string_view>
 
+#include "apps/kvshare/explain.h"
 #include "kvshare/dates/date.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/exceptions.h"
@@ -47,6 +48,12 @@ void CheckStamp(std::string_view text) {
   }
 }
 
+void CheckExplained(std::string_view text) {
+  for (const auto& reading : kvshare::app::ExplainDate(text, kvshare::EncodeDate(2026, 11, 25))) {
+    Require(!reading.why.empty() && reading.why != kvshare::app::kUnexplained);
+  }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -56,5 +63,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   CheckTyped(text, (data[0] & 1) != 0 ? 543 : 0);
   CheckForced(text);
   CheckStamp(text);
+  CheckExplained(text);
   return 0;
 }

@@ -22,17 +22,35 @@
 #include "kvshare/rtl/variant.h"
 
 // The operating system, and the program as its windows see it
+#include "kvshare/os/drives.h"
+#include "kvshare/os/files.h"
+#include "kvshare/os/filesearch.h"
+#include "kvshare/os/folders.h"
 #include "kvshare/os/locale.h"
+#include "kvshare/os/machine.h"
 #include "kvshare/os/paths.h"
+#include "kvshare/os/process.h"
+#include "kvshare/os/regfile.h"
+#include "kvshare/os/registry.h"
+#include "kvshare/os/sharedlibrary.h"
+#include "kvshare/os/versionresource.h"
+#include "kvshare/os/versionresourcebuilder.h"
 #include "kvshare/os/windowmessage.h"
 #include "kvshare/ui/application.h"
+#include "kvshare/ui/backend.h"
+#include "kvshare/ui/bitmap.h"
+#include "kvshare/ui/controls.h"
+#include "kvshare/ui/messages.h"
+#include "kvshare/ui/printing.h"
 
 // Start, shared settings, messages
 #include "kvshare/settings/catalogue.h"
 #include "kvshare/settings/datetimeformat.h"
 #include "kvshare/settings/globals.h"
 #include "kvshare/settings/language.h"
+#include "kvshare/settings/numberformats.h"
 #include "kvshare/settings/package.h"
+#include "kvshare/settings/programsettings.h"
 
 // Money, dates, texts
 #include "kvshare/dates/date.h"
@@ -43,4 +61,7 @@
 
 // Platform services
 #include "kvshare/platform/fileinfo.h"
+#include "kvshare/platform/files.h"
+#include "kvshare/platform/uguid.h"
 #include "kvshare/platform/verinfo.h"
+#include "kvshare/platform/win32.h"

@@ -20,8 +20,9 @@ constexpr std::string_view kFooter =
     "`kvshare COMMAND --help` shows options and examples; man kvshare shows all.\n";
 
 // The option parser takes `-5` for an operand but `-.5` for an option. A blank in front makes it an
-// operand too, and every command drops blanks around an item.
+// operand too, and every command drops blanks around an item. A setting is kept as it is given.
 void MarkNegativeFractions(std::vector<std::string>& arguments) {
+  if (!arguments.empty() && arguments.front() == "settings") return;
   for (std::string& argument : arguments) {
     if (argument == "--") return;
     if (argument.size() > 1 && argument[0] == '-' && (argument[1] == '.' || argument[1] == ',')) {
@@ -43,10 +44,14 @@ void Declare(CLI::App& app, Plan& plan) {
   DeclareFormat(app, plan);
   DeclareMask(app, plan);
   DeclareDate(app, plan);
+  DeclareFiles(app, plan);
   DeclareEncode(app, plan);
   DeclareDecode(app, plan);
   DeclareKey(app, plan);
   DeclareMessage(app, plan);
+  DeclareDoctor(app, plan);
+  DeclareSettings(app, plan);
+  DeclareVersion(app, plan);
 }
 
 void WriteTo(int fd, std::string_view text) {

@@ -29,11 +29,16 @@ void DeclareQty(CLI::App& parent, Plan& plan);
 void DeclareFormat(CLI::App& parent, Plan& plan);
 void DeclareMask(CLI::App& parent, Plan& plan);
 void DeclareDate(CLI::App& parent, Plan& plan);
+void DeclareDateExplain(CLI::App& date, Plan& plan);
+void DeclareFiles(CLI::App& parent, Plan& plan);
 void DeclareEncode(CLI::App& parent, Plan& plan);
 void DeclareDecode(CLI::App& parent, Plan& plan);
 void DeclareKey(CLI::App& parent, Plan& plan);
 void DeclareMessage(CLI::App& parent, Plan& plan);
+void DeclareDoctor(CLI::App& parent, Plan& plan);
+void DeclareSettings(CLI::App& parent, Plan& plan);
 void DeclareReceipts(CLI::App& parent, Plan& plan);
+void DeclareVersion(CLI::App& parent, Plan& plan);
 
 // Adds a command with its `--json` and its worked examples.
 CLI::App* AddCommand(CLI::App& parent, Plan& plan, std::string_view name, std::string_view purpose,

@@ -120,13 +120,6 @@ Transform MakeShow(const DateOptions& options) {
   };
 }
 
-TDateTime ReadStamp(std::string_view text) {
-  constexpr std::size_t kWithSeparators = 10;
-  constexpr std::size_t kWithTime = 12;
-  if (text.size() == kWithSeparators) return D::yyyymmddToDate(text);
-  return text.size() >= kWithTime ? D::KovraStrToDateTime(text) : D::KovraStrToDate(text);
-}
-
 TDateTime ReadTyped(std::string_view text, const DateOptions& options, Word offset) {
   if (options.stamp) return ReadStamp(text);
   TDateTime date;
@@ -200,6 +193,7 @@ void DeclareDate(CLI::App& parent, Plan& plan) {
   DeclareShow(*date, plan);
   DeclareParse(*date, plan);
   DeclareMonth(*date, plan);
+  DeclareDateExplain(*date, plan);
 }
 
 }  // namespace kvshare::app

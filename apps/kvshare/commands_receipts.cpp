@@ -12,8 +12,12 @@
 #include "apps/receipts/dayreader.h"
 #include "apps/receipts/json.h"
 #include "apps/receipts/print.h"
+#include "kvshare/platform/verinfo.h"
 #include "kvshare/rtl/cp874.h"
+#include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/format.h"
+#include "kvshare/settings/globals.h"
+#include "kvshare/settings/programsettings.h"
 
 namespace kvshare::app {
 
@@ -52,6 +56,16 @@ receipts::Rules MakeRules(const Options& options) {
   return rules;
 }
 
+// The digits that the user has stored for this command.
+void ReadDigits() {
+  try {
+    ReadNumberSettings(TKovraRegistry());
+  } catch (const EConvertError& e) {
+    throw EConvertError("the stored digits cannot be used: " + e.Message() +
+                        "; `kvshare doctor` tells which");
+  }
+}
+
 receipts::Layout MakeLayout(const Options& options) {
   receipts::Layout layout;
   layout.width = options.width;
@@ -60,6 +74,10 @@ receipts::Layout MakeLayout(const Options& options) {
   layout.priceIncludesVat = options.priceIncludesVat;
   layout.yearOffset = UsageEra(options.era);
   layout.cashStep = !options.cashStep.empty();
+  ReadDigits();
+  layout.quantityDigits = QtyDigit;
+  layout.priceDigits = UPrcDigit;
+  layout.amountDigits = BahtDigit;
   return layout;
 }
 

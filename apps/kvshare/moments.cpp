@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "kvshare/dates/date.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/formatdatetime.h"
 #include "kvshare/rtl/strutils.h"
@@ -81,6 +82,12 @@ TDateTime ParseIso(std::string_view text) {
                         "' is no moment: yyyy-mm-dd or yyyy-mm-ddThh:mm:ss");
   }
   return JoinDateTime(date, ofDay);
+}
+
+TDateTime ReadStamp(std::string_view text) {
+  if (text.size() == kSeparatedStamp) return TKovraDate::yyyymmddToDate(text);
+  return text.size() >= kStampWithTime ? TKovraDate::KovraStrToDateTime(text)
+                                       : TKovraDate::KovraStrToDate(text);
 }
 
 void AppendIso(std::string& out, TDateTime moment) {

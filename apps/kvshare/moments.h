@@ -16,4 +16,10 @@ TDateTime ParseIso(std::string_view text);
 // reads the same moment, to the millisecond.
 void AppendIso(std::string& out, TDateTime moment);
 
+// A stamp: yyyymmdd, yyyymmddhhmm and what follows it, or of exactly ten characters yyyy?mm?dd.
+// Throws EConvertError.
+inline constexpr std::size_t kSeparatedStamp = 10;
+inline constexpr std::size_t kStampWithTime = 12;
+TDateTime ReadStamp(std::string_view text);
+
 }  // namespace kvshare::app

@@ -7,6 +7,14 @@
 
 namespace kvshare::app {
 
+namespace {
+
+bool HasLineBreak(std::string_view text) {
+  return text.find('\n') != std::string_view::npos || text.find('\r') != std::string_view::npos;
+}
+
+}  // namespace
+
 void AppendJsonString(std::string& out, std::string_view text) {
   using nlohmann::json;
   out += json(text).dump(-1, ' ', false, json::error_handler_t::replace);
@@ -50,7 +58,7 @@ void Row::AppendCells(std::string& out) const {
   for (std::size_t i = 0; i < used_; ++i) {
     const std::string& text = entries_[i].text;
     if (!entries_[i].shown) continue;
-    if (text.find('\n') != std::string_view::npos || text.find('\r') != std::string_view::npos) {
+    if (entries_[i].kind != Kind::Lines && HasLineBreak(text)) {
       throw EConvertError("the result has a line break; --json shows it escaped");
     }
     if (!first) out.push_back('\t');
@@ -62,7 +70,8 @@ void Row::AppendCells(std::string& out) const {
 void Row::AppendObject(std::string& out) const {
   out.push_back('{');
   for (std::size_t i = 0; i < used_; ++i) {
-    if (i != 0) out.push_back(',');
+    if (entries_[i].kind == Kind::Lines) continue;
+    if (out.back() != '{') out.push_back(',');
     AppendJsonString(out, entries_[i].name);
     out.push_back(':');
     if (entries_[i].kind == Kind::Bare) {

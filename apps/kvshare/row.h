@@ -27,6 +27,13 @@ class Row {
   void Number(std::string_view name, std::int64_t value);
   void Flag(std::string_view name, bool value);
 
+  // A member that is made as JSON already (UTF-8): a list, an object.
+  std::string& JsonMember(std::string_view name) { return Add(name, Kind::Bare, false); }
+
+  // Lines for a reader instead of cells, with a break behind the last, so that an empty line
+  // follows them. Not in JSON.
+  std::string& Lines() { return Add({}, Kind::Lines, true); }
+
   // Something the reader of this line should know; the line itself stands.
   void Warn(std::string_view reason) { warning_ = reason; }
   const std::string& Warning() const { return warning_; }
@@ -38,7 +45,7 @@ class Row {
   void AppendTo(std::string& out) const;
 
  private:
-  enum class Kind : std::uint8_t { Text, Bare };
+  enum class Kind : std::uint8_t { Text, Bare, Lines };
   struct Entry {
     std::string_view name;
     std::string text;

@@ -13,6 +13,7 @@ namespace kvshare::receipts {
 namespace {
 
 constexpr int kSatang = 100;  // ten-thousandths
+constexpr int kBaht = 100 * kSatang;
 
 constexpr std::string_view kReceipt = "ใบเสร็จรับเงิน / Receipt"_th;
 constexpr std::string_view kCreditNote = "ใบลดหนี้ / Credit note"_th;
@@ -35,22 +36,44 @@ std::string Plain(Currency number) {
   return FormatFloat("#,##0.####", number);
 }
 
-// Two decimals; four where some amount of the document is no whole satang, so that every column
-// can be added up by hand.
-class Amounts {
- public:
-  explicit Amounts(const Receipt& receipt) {
-    const auto fine = [](Currency amount) { return amount.Raw() % kSatang != 0; };
-    const bool lines = std::ranges::any_of(receipt.lines, [&](const LineAmounts& line) {
-      return fine(line.gross) || fine(line.amount) || fine(line.vat);
-    });
-    four_ = lines || fine(receipt.net) || fine(receipt.vat) || fine(receipt.rounding);
-  }
+// The decimals that a value has: 0 .. 4.
+Word DecimalsOf(Currency value) {
+  Word decimals = value.Raw() == 0 ? 0 : 4;
+  for (std::int64_t raw = value.Raw(); decimals > 0 && raw % 10 == 0; raw /= 10) --decimals;
+  return decimals;
+}
 
-  std::string Text(Currency amount) const { return Format(four_ ? "%.4n" : "%.2n", {amount}); }
+// Numbers of one column, or of several that are added up together, with as many decimals.
+class Decimals {
+ public:
+  explicit Decimals(Word least) : decimals_(std::min(least, kMost)) {}
+
+  void MakeRoom(Word decimals) { decimals_ = std::max(decimals_, decimals); }
+  std::string Text(Currency value) const { return Format("%.*n", {decimals_, value}); }
 
  private:
-  bool four_ = false;
+  static constexpr Word kMost = 15;  // what a pattern's precision gives
+  Word decimals_;
+};
+
+// Baht, baht and satang, or all four decimals of what is finer.
+Word AmountDecimals(Currency amount) {
+  if (amount.Raw() % kSatang != 0) return 4;
+  return amount.Raw() % kBaht != 0 ? 2 : 0;
+}
+
+// Amounts of money of one document.
+class Amounts : public Decimals {
+ public:
+  Amounts(const Receipt& receipt, Word least) : Decimals(least) {
+    for (const LineAmounts& line : receipt.lines) {
+      for (const Currency amount : {line.gross, line.amount, line.vat}) Add(amount);
+    }
+    for (const Currency amount : {receipt.net, receipt.vat, receipt.rounding}) Add(amount);
+  }
+
+ private:
+  void Add(Currency amount) { MakeRoom(AmountDecimals(amount)); }
 };
 
 void AppendWrapped(std::string& out, std::string_view text, std::size_t width) {
@@ -86,13 +109,19 @@ std::vector<std::string> TableHead(const Layout& layout) {
 
 void AppendLines(std::string& out, const Document& document, const Receipt& receipt,
                  const Layout& layout, const Amounts& amounts) {
+  Decimals quantities(layout.quantityDigits);
+  Decimals prices(layout.priceDigits);
+  for (const Line& line : document.lines) {
+    quantities.MakeRoom(DecimalsOf(line.quantity));
+    prices.MakeRoom(AmountDecimals(line.price));
+  }
   Table table(layout.width);
   table.Add(TableHead(layout));
   for (std::size_t i = 0; i < document.lines.size(); ++i) {
     const Line& line = document.lines[i];
     const LineAmounts& sums = receipt.lines[i];
-    std::vector<std::string> cells = {line.item, Plain(line.quantity),
-                                      FormatFloat("#,##0.00##", line.price)};
+    std::vector<std::string> cells = {line.item, quantities.Text(line.quantity),
+                                      prices.Text(line.price)};
     if (layout.discountPerLine) {
       cells.push_back(line.discount == 0_baht ? "" : amounts.Text(line.discount));
     }
@@ -172,7 +201,7 @@ bool IsCreditNote(const Document& document, const Receipt& receipt) {
 
 void AppendReceipt(std::string& out, const Document& document, const Receipt& receipt,
                    const Layout& layout) {
-  const Amounts amounts(receipt);
+  const Amounts amounts(receipt, layout.amountDigits);
   std::string text;
   AppendHead(text, document, receipt, layout);
   AppendLines(text, document, receipt, layout, amounts);
@@ -188,7 +217,7 @@ void AppendDayTotal(std::string& out, const DayTotal& day, std::uint64_t left,
   sums.net = day.net;
   sums.vat = day.vat;
   sums.rounding = day.rounding;
-  const Amounts amounts(sums);
+  const Amounts amounts(sums, layout.amountDigits);
   std::string text = Rule('=', layout.width);
   text.append("ยอดรวมทั้งวัน / Day's total\n"_th);
   Summary summary(layout);

@@ -1,4 +1,7 @@
 // Documents on paper: aligned Thai text for a terminal or a fixed-pitch printer.
+//
+// Decimals are least numbers: where some value of a column needs more (a discount of 0.125), the
+// whole document shows as many, so that every column can be added up by hand.
 #pragma once
 
 #include <string>
@@ -15,6 +18,9 @@ struct Layout {
   bool priceIncludesVat = false;
   Word yearOffset = 0;    // 543 for dates of the Buddhist era
   bool cashStep = false;  // show the rounding line even when it is 0
+  Word quantityDigits = 4;
+  Word priceDigits = 2;
+  Word amountDigits = 2;
 };
 
 // Whether all the document takes back what an invoice gave.

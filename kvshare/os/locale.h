@@ -13,4 +13,8 @@ namespace kvshare::os {
 // with "th") has the Buddhist era.
 KVSHARE_API std::string EraText();
 
+// The calendar type of the user's locale as the platform's locale item tells it: "7" for the Thai
+// Buddhist calendar, "1" for the Christian one. It always agrees with EraText.
+KVSHARE_API std::string CalendarType();
+
 }  // namespace kvshare::os

@@ -1,16 +1,80 @@
 #include "kvshare/platform/fileinfo.h"
 
+#include "kvshare/os/folders.h"
+#include "kvshare/os/versionresource.h"
+#include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/files.h"
 #include "kvshare/rtl/format.h"
+#include "kvshare/ui/messages.h"
 
 namespace kvshare {
 
 TStringList* NamedInfoList = nullptr;
 
+namespace {
+
+// None for a file without a resource and for one that is not there.
+std::optional<os::VersionResource> ReadResource(std::string_view fileName) {
+  return os::ParseVersionResource(os::VersionBlockOfFile(fileName));
+}
+
+// A file that cannot be read shows a message and has no resource.
+std::optional<os::VersionResource> ReadResourceOrTell(std::string_view fileName) {
+  try {
+    return ReadResource(fileName);
+  } catch (const Exception& e) {
+    MessageDlg(Format("Cannot get version information for file %s\r\n%s", {fileName, e.Message()}),
+               TMsgDlgType::mtError, {TMsgDlgBtn::mbOK}, 0);
+    return std::nullopt;
+  }
+}
+
+std::string InfoOfThisProgram(std::string_view name) {
+  const auto resource = ReadResourceOrTell(os::ProgramFile());
+  return std::string(resource ? resource->Value(resource->MainLanguage(), name)
+                              : std::string_view());
+}
+
+std::string NamedEntry(std::string_view name, std::string_view value) {
+  return Format("%s=%s", {name, value});
+}
+
+}  // namespace
+
 std::unique_ptr<TStringList> MakeNamedInfoList() {
-  constexpr std::string_view kNoCompany;  // no version resource is read
+  constexpr std::string_view kCompany = "CompanyName";
   auto list = std::make_unique<TStringList>();
-  list->AddObject(Format("%s=%s", {"CompanyName", kNoCompany}), nullptr);
+  list->Add(NamedEntry(kCompany, InfoOfThisProgram(kCompany)));
   return list;
+}
+
+std::string GetThisResourceFileVersion(std::string_view fileName) {
+  const auto resource = ReadResourceOrTell(fileName);
+  if (!resource) return {};
+  const os::VersionNumber& v = resource->fileVersion;
+  return Format("%d.%d.%d.%d", {v[0], v[1], v[2], v[3]});
+}
+
+std::string GetThisResourceProductVersion(std::string_view fileName) {
+  try {
+    if (!FileExists(fileName)) return {};
+    const auto resource = ReadResource(fileName);
+    if (!resource) return {};
+    const os::VersionNumber& v = resource->productVersion;
+    return Format("%.2d.%2.2d%2.2d%2.2d", {v[0], v[1], v[2], v[3]});
+  } catch (const Exception& e) {
+    return "Cannot get version information " + e.Message();
+  }
+}
+
+std::string GetNamedInfo(std::string_view name) {
+  if (NamedInfoList != nullptr) {
+    const std::string_view known = NamedInfoList->Values(name);
+    if (!known.empty()) return std::string(known);
+  }
+  std::string value = InfoOfThisProgram(name);
+  if (NamedInfoList != nullptr && !value.empty()) NamedInfoList->Add(NamedEntry(name, value));
+  return value;
 }
 
 }  // namespace kvshare

@@ -11,6 +11,7 @@
 #include "kvshare/rtl/files.h"
 #include "kvshare/rtl/strutils.h"
 #include "kvshare/settings/loadentry.h"
+#include "kvshare/settings/programlocale.h"
 
 namespace kvshare {
 
@@ -77,15 +78,20 @@ void Report(std::string_view source, const std::vector<TLanguageWarning>& warnin
   std::fputs(text.c_str(), stderr);
 }
 
-void UseEnvironment() {
-  const std::string_view name = Environment("KVSHARE_LANGUAGE");
+void UseFound(std::string_view name, std::string_view source) {
   if (IsBuiltIn(name)) return;
   if (IsLanguageName(name)) {
     const std::string fileName = LanguageFileName(name);
     Report(fileName, PutInForce(std::string(name), fileName));
   } else {
-    Report("KVSHARE_LANGUAGE", {{0, "not the name of a language"}});
+    Report(source, {{0, "not the name of a language"}});
   }
+}
+
+void UseEnvironment() {
+  const std::string_view name = Environment("KVSHARE_LANGUAGE");
+  if (!name.empty()) return UseFound(name, "KVSHARE_LANGUAGE");
+  UseFound(LowerCase(ProgramLocale()), "the program's locale override");
 }
 
 // The environment chooses at the first use, unless the program has chosen before.

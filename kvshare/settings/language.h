@@ -7,8 +7,10 @@
 //
 // The language in force belongs to the process. Until a program calls SetLanguage or
 // LoadLanguageFile, the first message loaded takes it from the environment variable
-// KVSHARE_LANGUAGE ("en"; "" and "th" mean the Thai that is built in) and writes at most one line
-// of warning to standard error. Change it while no other thread loads messages.
+// KVSHARE_LANGUAGE ("en"; "th" means the Thai that is built in) or, where that is not set, from the
+// language that the user chose for the program: the text under the program's full name in the
+// registry key "Software\Borland\Locales". It writes at most one line of warning to standard error.
+// Change it while no other thread loads messages.
 #pragma once
 
 #include <array>

@@ -19,11 +19,17 @@ _kvshare_languages() {
 }
 
 _kvshare_commands() {
-  printf '%s\n' words round share qty format mask date encode decode key message receipts
+  printf '%s\n' words round share qty format mask date encode decode key message receipts settings \
+    version files doctor
 }
 
-_kvshare_dates() { # the commands of `kvshare date`
-  printf '%s\n' show parse month
+# The commands of a command that has such, as `kvshare date`; nothing for the others.
+_kvshare_subcommands() {
+  case $1 in
+    date) printf '%s\n' show parse month explain ;;
+    settings) printf '%s\n' list get set delete export import ;;
+    files) printf '%s\n' count list copy delete ;;
+  esac
 }
 
 _kvshare_layouts() {
@@ -38,11 +44,20 @@ _kvshare_options() { # _kvshare_options COMMAND
     encode | decode) printf '%s\n' --key --key-file ;;
     "date show") printf '%s\n' --era --layout --language ;;
     "date parse") printf '%s\n' --era --loose --stamp ;;
+    "settings list" | "settings delete") echo --recursive ;;
+    "settings set") echo --integer ;;
+    "settings export") printf '%s\n' --output --regedit4 ;;
+    "files count" | "files list" | "files copy") printf '%s\n' --mask --recursive ;;
+    "files delete") printf '%s\n' --mask --recursive --yes ;;
     message) printf '%s\n' --language --list ;;
     receipts)
       printf '%s\n' --round --vat-round --vat --discount --cash-step --era --price-includes-vat --width ;;
   esac
-  [[ $1 == date ]] || echo --json
+  case $1 in
+    date | settings | files) ;;
+    "settings set" | "settings delete" | "settings export" | "settings import") ;;
+    *) echo --json ;;
+  esac
   echo --help
 }
 
@@ -70,8 +85,9 @@ _kvshare_value() {
     "date show --layout") _kvshare_offer "$3" < <(_kvshare_layouts) ;;
     "date show --language") _kvshare_offer "$3" < <(printf '%s\n' th en) ;;
     "date show --era" | "date parse --era" | "receipts --era") _kvshare_offer "$3" < <(printf '%s\n' 543 0) ;;
-    "encode --key-file" | "decode --key-file") _kvshare_offer_files "$3" ;;
+    "encode --key-file" | "decode --key-file" | "settings export --output") _kvshare_offer_files "$3" ;;
     "encode --key" | "decode --key" | "words --currency" | "qty --sku" | "receipts --width") ;;
+    "files "*" --mask") ;;
     *) return 1 ;;
   esac
 }
@@ -86,8 +102,8 @@ _kvshare_first_operand() {
 
 _kvshare_operand() { # _kvshare_operand COMMAND WORD
   case $1 in
-    date) _kvshare_offer "$2" < <(_kvshare_dates) ;;
-    receipts) _kvshare_offer_files "$2" ;;
+    date | settings | files) _kvshare_offer "$2" < <(_kvshare_subcommands "$1") ;;
+    receipts | version | "settings import" | "files "*) _kvshare_offer_files "$2" ;;
     message) _kvshare_offer "$2" < <(_kvshare_messages) ;;
     round) _kvshare_first_operand && _kvshare_offer "$2" < <(_kvshare_modes) ;;
   esac
@@ -100,7 +116,7 @@ _kvshare() {
     _kvshare_offer "$word" < <(_kvshare_commands; printf '%s\n' --help --version)
     return
   fi
-  [[ $command == date ]] && ((COMP_CWORD > 2)) && command+=" ${COMP_WORDS[2]}"
+  ((COMP_CWORD > 2)) && [[ $(_kvshare_subcommands "$command") ]] && command+=" ${COMP_WORDS[2]}"
   # Bash takes `--vat=line` apart into three words.
   if [[ $word == "=" ]]; then
     word=

@@ -9,6 +9,9 @@ library's tests then compare its own answers with the file. docs/conformance.md 
     generate.py --check  exits with 1 when the file differs from what would be written
 """
 
+import calendar
+import datetime
+import itertools
 import json
 import pathlib
 import re
@@ -404,6 +407,128 @@ def is_float(text):
     return bool(number) and abs(Decimal(text.strip())) < Decimal("1.8e308")
 
 
+# ---- dates: a moment is a datetime, an era the number added to Christian years ----
+
+
+THAI_MONTHS = """มกราคม กุมภาพันธ์ มีนาคม เมษายน พฤษภาคม มิถุนายน กรกฎาคม สิงหาคม กันยายน ตุลาคม
+พฤศจิกายน ธันวาคม""".split()
+ENGLISH_MONTHS = """January February March April May June July August September October November
+December""".split()
+THAI_DAYS = "อา จ. อ. พ. พฤ ศ. ส.".split()  # from Sunday
+
+
+def moment(text):
+    return datetime.datetime.fromisoformat(text)
+
+
+def iso(date):
+    """Midnight is written as the day alone."""
+    return date.isoformat() if date.time() != datetime.time() else date.date().isoformat()
+
+
+def dated(layout, d, era):
+    """The parts of a layout, the year shifted; yy are the last two digits of its four."""
+    year = f"{d.year + era:04d}"
+    named = {"dd": f"{d.day:02d}", "mm": f"{d.month:02d}", "yyyy": year, "yy": year[2:4]}
+    return re.sub("dd|mm|yyyy|yy", lambda part: named[part[0]], layout)
+
+
+FIXED_LAYOUTS = {
+    "yymmdd19": ("yymmdd", 0), "ddmmyy19": ("ddmmyy", 0), "yymmdd25": ("yymmdd", 543),
+    "yyyymmdd19": ("yyyymmdd", 0), "yyyymmdd25": ("yyyymmdd", 543), "ddmmyyyy19": ("ddmmyyyy", 0),
+    "ddmmyyyy25": ("ddmmyyyy", 543), "mmddyyyy19": ("mmddyyyy", 0), "ddmmyyyysl25": ("dd/mm/yyyy", 543),
+    "mmddyyyysl19": ("mm/dd/yyyy", 0),
+}
+
+
+def show_full_date(d, era):
+    return THAI_DAYS[d.isoweekday() % 7] + " " + dated("dd/mm/yyyy", d, era)
+
+
+def show_time(d):
+    return f"{d.hour:02d}:{d.minute:02d}"
+
+
+def show_full_month_year(d, era, language):
+    names = THAI_MONTHS if language == 0 else [name.upper() for name in ENGLISH_MONTHS]
+    return f"{names[d.month - 1]}, {d.year + era}"
+
+
+def stamp(d):
+    return dated("yyyymmdd", d, 0) + f"{d.hour:02d}{d.minute:02d}"
+
+
+def time_stamp(d):
+    return stamp(d) + f"{d.second:02d}{d.microsecond // 10_000:02d}"
+
+
+def month_length(d):
+    return calendar.monthrange(d.year, d.month)[1]
+
+
+def change_month(d, delta):
+    anchor = datetime.datetime(d.year, d.month, month_length(d) if delta >= 1 else 1)
+    there = anchor + datetime.timedelta(days=delta)
+    return there.replace(day=min(d.day, month_length(there)))
+
+
+def integer(text):
+    """A 32-bit integer in the platform's spelling, or a ValueError."""
+    match = re.fullmatch(r" *([+-]?)(?:(\d+)|(?:\$|0?[xX])([0-9A-Fa-f]+))", text)
+    if not match:
+        raise ValueError(text)
+    sign, decimal, hexadecimal = match.groups()
+    value = int(decimal) if decimal else int(hexadecimal, 16)
+    if hexadecimal and value >= 1 << 31:
+        value -= 1 << 32
+    value = -value if sign == "-" else value
+    if not -(1 << 31) <= value < 1 << 31:
+        raise ValueError(text)
+    return value
+
+
+def parse_date(text, era):
+    """The date of a typed text as yyyy-mm-dd, False where it is refused."""
+    separator = "/" if "/" in text else "-"
+    if text.count(separator) < 2:
+        return False
+    first, month, last = text.split(separator, 2)
+    year, day = (last, first) if len(first) == 2 else (first, last)
+    try:
+        full = integer(year) % 65536
+        if full < 100:
+            full += 2500 if era != 0 else 2000
+        return iso(datetime.datetime((full - era) % 65536, integer(month), integer(day)))
+    except ValueError:
+        return False
+
+
+def force_parse_date(text, current_year):
+    if text.count("/") < 2:
+        return False
+    day, month, year = text.split("/", 2)
+    try:
+        number = integer(year)
+        distance = abs(number - current_year)
+        number -= 1086 if distance > 1000 else 543 if distance > 100 else 0
+        return iso(datetime.datetime(number, integer(month), integer(day)))
+    except (ValueError, OverflowError):
+        return False
+
+
+def read_stamp(*places):
+    """A reader of numbers at places, from 1: year, month, day and, if they are there, hour, minute."""
+
+    def read(text):
+        try:
+            numbers = [integer(copy(text, at, 4 if i == 0 else 2)) for i, at in enumerate(places)]
+            return iso(datetime.datetime(*numbers))
+        except ValueError:
+            raise Refused("EConvertError") from None
+
+    return read
+
+
 # ---- the cases ----
 
 
@@ -553,9 +678,72 @@ def groups():
            cases(format_float, "Mask Amount", [(m, a) for m in MASKS for a in MASK_AMOUNTS], amount))
 
 
+DATES = """2003-07-15 2004-02-29 2000-02-29 1900-03-01 1899-12-30 1899-12-29 1999-12-31 2000-01-01
+2026-11-25 0001-01-01 0099-05-06 0457-12-31 1957-01-01 9456-12-31""".split()
+MOMENTS = """2003-07-15T14:05:09.876 2003-07-15T00:00:00.009 2026-11-25T23:59:59.990 1899-12-29T06:00
+2004-02-29T09:07:05 2003-07-15""".split()
+
+TYPED = """15/07/2546 15/07/2003 15-07-46 15/07/03 2546/07/15 2003-07-15 15/7/2546 01/1/46 5/07/2546
+5/7/2546 05/07/99 05/07/100 05/07/00 29/02/2547 29/02/2546 29/02/2004 31/04/2003 31/12/2442 30/02/47
+15/13/2546 15/00/2546 00/07/2546 32/07/2546 15/07/543 15/07/544 15/07/9999 15/07/10000 15/07/10542
+15/07/10543 15/07/68082 15/07/-1 15/$7/2546 $F/07/2546 0x/07/2546 15/07-2546 15-07/2546 15-07/25/46 15/07
+15072546 15.07.2546 / // - -- 15//2546 /07/2546 15/07/ 15/07/2546/1 15/07/2546x 2546/07/15x 2003/2/29
+2004/2/29 3089/07/15 15/07/3089""".split() + ["", " 5/07/2546", "15/07/2546 ", "15/ 7/2546", "15 /07/2546"]
+
+FORCED = """15/07/2546 15/07/2003 5/7/2546 15/07/3089 15/07/46 15/007/02003 15-07-2546 2546/07/15 31/02/2546
+15/07/1926 15/07/1925 15/07/2126 15/07/2127 15/07/1026 15/07/1025 15/07/3026 15/07/3027 15/07/11085
+15/07/11086 15/07/-2147483648 15/07/x 15/07 29/2/2547""".split() + ["", " 1/ 1/ 2003"]
+
+STAMPS = """200307151405 20030715 20030715140509 200302291405 200402292359 200307152400 200307151460 2003071x1405
+2oo307151405 000001010000 999912312359 2003 20030715and 000101010000""".split() + ["", "20030715 9 7"]
+SEPARATED = "2003-07-15 2003/07/15 2003x07y15z 2003-7-15 2004-02-29 2003-02-29 20030715 2003-07".split()
+
+
+def date_groups():
+    """Dates and moments are ISO texts in the file."""
+
+    def on(function, names, rows):
+        made = []
+        for row in rows:
+            row = row if isinstance(row, tuple) else (row,)
+            made.append(dict(zip(names.split(), row)) | answer(function, moment(row[0]), *row[1:]))
+        return made
+
+    both = [(d, era) for d in DATES for era in (543, 0)]
+    yield ("ShowDate", "a date with its year shifted",
+           on(lambda d, era: dated("dd/mm/yyyy", d, era), "D Offset", both))
+    yield "ShowFullDate", "the same behind the day's Thai name", on(show_full_date, "D Offset", both)
+    yield ("ShowDatetime", "the same before hours and minutes",
+           on(lambda d, era: dated("dd/mm/yyyy", d, era) + " " + show_time(d), "D Offset",
+              [(m, era) for m in MOMENTS for era in (543, 0)]))
+    yield ("ShowMonthYear", "the month's English name and the year",
+           on(lambda d, era: f"{ENGLISH_MONTHS[d.month - 1]}, {d.year + era}", "D Offset", both))
+    yield ("ShowFullMonthYear", "the month's name and the year: language 0 Thai, 1 English",
+           on(show_full_month_year, "D Offset Language",
+              [(f"2003-{m:02d}-15", era, language) for m in range(1, 13)
+               for era, language in ((543, 0), (0, 1))]))
+    yield "ShowTime", "hours and minutes", on(show_time, "D", MOMENTS)
+    for name, (layout, era) in FIXED_LAYOUTS.items():
+        yield (name, "a fixed layout",
+               on(lambda d, layout=layout, era=era: dated(layout, d, era), "D", DATES))
+    yield "KovraDateTimeToStr", "a stamp to the minute", on(stamp, "D", MOMENTS)
+    yield "KovraTimeStampStr", "a stamp to hundredths of a second", on(time_stamp, "D", MOMENTS)
+    ends = "2003-01-31 2004-01-31 2003-03-31 2003-12-31 2003-01-15 2004-02-29 2003-02-28 2003-07-15T14:05".split()
+    yield ("ChangeMonth", "the date a month on or back",
+           on(lambda d, delta: iso(change_month(d, delta)), "D Delta",
+              [(d, delta) for d in ends for delta in (1, -1, 0, 2, -2, 27, 28, -28, 127, -128)]))
+    yield ("StrToKovraDate", "a typed date whose years have an offset",
+           cases(parse_date, "Text YearOffset", [(t, era) for t in TYPED for era in (543, 0)]))
+    yield ("ForceStrToKovraDateAsOf", "a typed date that tells its era by its year",
+           cases(force_parse_date, "Text CurrentYear", [(t, 2026) for t in FORCED] + [(FORCED[0], 1546)]))
+    yield "KovraStrToDateTime", "a stamp read", cases(read_stamp(1, 5, 7, 9, 11), "S", STAMPS)
+    yield "KovraStrToDate", "a stamp's date read", cases(read_stamp(1, 5, 7), "S", STAMPS)
+    yield "yyyymmddToDate", "a date key read", cases(read_stamp(1, 6, 9), "S", SEPARATED)
+
+
 def document():
     lines = []
-    for operation, description, rows in groups():
+    for operation, description, rows in itertools.chain(groups(), date_groups()):
         head = json.dumps({"operation": operation, "description": description}, ensure_ascii=False)
         body = ",\n".join("      " + json.dumps(row, ensure_ascii=False) for row in rows)
         lines.append("    " + head[:-1] + ', "cases": [\n' + body + "\n    ]}")

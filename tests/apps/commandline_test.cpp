@@ -5,7 +5,9 @@
 
 #include <cstdlib>
 
+#include "kvshare/platform/verinfo.h"
 #include "tests/apps/tempfile.h"
+#include "tests/support.h"
 
 namespace kvshare::app {
 namespace {
@@ -304,7 +306,7 @@ TEST(CommandLine, Receipts) {
                                   "ลูกค้า ร้านดี\n"
                                   "--------------------------------------------------\n"
                                   "รายการ            จำนวน      ราคา  ส่วนลด  จำนวนเงิน\n"
-                                  "กาแฟ                  2  1,000.00  10.00  1,990.00\n"));
+                                  "กาแฟ             2.0000  1,000.00  10.00  1,990.00\n"));
   EXPECT_THAT(got.out, HasSubstr("                        ปัดเศษ / Rounding     -0.18\n"
                                  "                         รวมทั้งสิ้น / Total  2,129.25\n"
                                  "(สองพันหนึ่งร้อยยี่สิบเก้าบาทยี่สิบห้าสตางค์)\n"
@@ -312,6 +314,29 @@ TEST(CommandLine, Receipts) {
                                  "Twenty Five Stang\n"));
   EXPECT_THAT(got.out, HasSubstr("รวมทั้งสิ้น / Total  -2,129.25\n\n")) << "no words";
   EXPECT_THAT(got.out, HasSubstr("Documents left out"));
+}
+
+TEST(CommandLine, ReceiptsHaveTheDigitsOfTheSettings) {
+  const TemporaryHome home;
+  struct Case {
+    const char *quantity, *price, *amount, *want, *why;
+  };
+  constexpr Case kCases[] = {
+      {"0", "3", "2", "   2  1,000.000  10.00  1,990.00\n", "as stored"},
+      {"1", "0", "0", "   2.0  1,000.00  10.00  1,990.00\n",
+       "the milk's 13 satang show in every row"},
+  };
+  const TKovraRegistry store;
+  for (const Case& c : kCases) {
+    store.WriteRegistryString("", "Default", "QtyDigit", c.quantity);
+    store.WriteRegistryString("", "Default", "UPrcDigit", c.price);
+    store.WriteRegistryString("", "Default", "BahtDigit", c.amount);
+    EXPECT_THAT(Kvshare({"receipts", "--width", "50"}, kDay).out, HasSubstr(c.want)) << c.why;
+  }
+  store.WriteRegistryString("", "Default", "QtyDigit", "two");
+  EXPECT_EQ(Kvshare({"receipts"}, kDay).err,
+            "kvshare: the stored digits cannot be used: 'two' is not a valid integer value; "
+            "`kvshare doctor` tells which\n");
 }
 
 TEST(CommandLine, ReceiptsAsJson) {

@@ -5,79 +5,21 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <vector>
 
-#include "kvshare/os/paths.h"
 #include "kvshare/os/posix/calls.h"
-#include "kvshare/rtl/cp874.h"
-#include "kvshare/rtl/exceptions.h"
-#include "tests/support.h"
+#include "tests/os/filesupport.h"
 
 namespace kvshare {
 namespace {
 
 namespace fs = std::filesystem;
 
-// The platform's code of the failure of `action`, 0 without one.
-template <typename Action>
-int CodeOf(Action action) {
-  try {
-    action();
-  } catch (const EInOutError& e) {
-    return e.ErrorCode();
-  }
-  return 0;
-}
-
 std::vector<std::string> NamesIn(const fs::path& folder) {
   std::vector<std::string> names;
   for (const auto& entry : fs::directory_iterator(folder)) names.push_back(entry.path().filename());
   std::ranges::sort(names);
   return names;
-}
-
-TEST(Paths, DrivesAndSeparators) {
-  ASSERT_EQ(setenv("KVSHARE_HOME", "/srv/kv/", 1), 0);
-  struct Case {
-    std::string_view windows, native;
-  };
-  constexpr Case kCases[] = {{"C:\\Apps\\x.ini", "/srv/kv/drive_c/Apps/x.ini"},
-                             {"c:x", "/srv/kv/drive_c/x"},
-                             {"C:", "/srv/kv/drive_c/"},
-                             {"Z:\\tmp/a\\b", "/tmp/a/b"},
-                             {"z:tmp", "/tmp"},
-                             {"\\tmp\\x", "/tmp/x"},
-                             {"a\\b:c", "a/b:c"},
-                             {"", ""},
-                             {"Z:\\บัญชี.txt"_th, "/บัญชี.txt"}};
-  for (const Case& c : kCases) EXPECT_EQ(os::NativePath(c.windows), c.native) << c.windows;
-  constexpr std::string_view kRefused[] = {
-      "D:\\x", "1:x", "\\\\host\\share\\x", "Z:\\\xFF", {"Z:\\a\0b", 6}};
-  for (const std::string_view bad : kRefused) {
-    EXPECT_EQ(CodeOf([&] { os::NativePath(bad); }), 3) << bad;
-    EXPECT_FALSE(FileExists(bad)) << bad;
-  }
-}
-
-TEST(Paths, HomeFolderFollowsTheEnvironment) {
-  struct Case {
-    const char *home, *data, *user, *want;
-  };
-  constexpr Case kCases[] = {{"/kv", "/data", "/u", "/kv"},
-                             {"", "/data", "/u", "/data/kvshare"},
-                             {"", "relative", "/u", "/u/.local/share/kvshare"}};
-  const std::string user = std::getenv("HOME") == nullptr ? "" : std::getenv("HOME");
-  for (const Case& c : kCases) {
-    setenv("KVSHARE_HOME", c.home, 1);
-    setenv("XDG_DATA_HOME", c.data, 1);
-    setenv("HOME", c.user, 1);
-    EXPECT_EQ(os::HomeFolder(), c.want);
-  }
-  setenv("HOME", "", 1);
-  EXPECT_EQ(CodeOf([] { ReadFileBytes("C:\\x"); }), 3) << "no place for the drive";
-  setenv("HOME", user.c_str(), 1);
-  unsetenv("XDG_DATA_HOME");
 }
 
 TEST(Files, ReadBackWhatWasWritten) {
@@ -160,7 +102,7 @@ TEST(Files, AFailedSaveLeavesTheEarlierFile) {
     return -1;
   };
   const auto noSync = [](int) { return errno = EIO, -1; };
-  const auto noRename = [](const char*, const char*) { return errno = EACCES, -1; };
+  const auto noRename = [](int, const char*, int, const char*) { return errno = EACCES, -1; };
   struct Case {
     Calls calls;
     int code;

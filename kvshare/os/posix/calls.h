@@ -2,6 +2,7 @@
 // passes calls that fail.
 #pragma once
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <cstddef>
@@ -16,7 +17,7 @@ namespace kvshare::os::posix {
 struct Calls {
   ssize_t (*write)(int, const void*, std::size_t) = ::write;
   int (*sync)(int) = ::fsync;
-  int (*rename)(const char*, const char*) = std::rename;
+  int (*rename)(int, const char*, int, const char*) = ::renameat;
 };
 
 // Replaces the file at the system's name `path` by `bytes`, whole or not at all: a temporary file

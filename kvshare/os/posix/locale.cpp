@@ -8,12 +8,23 @@
 
 namespace kvshare::os {
 
-std::string EraText() {
-  constexpr std::string_view kBuddhistEra = "พ.ศ."_th;
+namespace {
+
+bool HasBuddhistCalendar() {
   const std::string_view chosen = Environment("KVSHARE_ERA");
   const bool thai = SameText(UserLocale().substr(0, 2), "th");
-  const bool buddhist = chosen == "543" || (chosen != "0" && thai);
-  return std::string(buddhist ? kBuddhistEra : std::string_view());
+  return chosen == "543" || (chosen != "0" && thai);
+}
+
+}  // namespace
+
+std::string EraText() {
+  constexpr std::string_view kBuddhistEra = "พ.ศ."_th;
+  return std::string(HasBuddhistCalendar() ? kBuddhistEra : std::string_view());
+}
+
+std::string CalendarType() {
+  return HasBuddhistCalendar() ? "7" : "1";
 }
 
 }  // namespace kvshare::os

@@ -1,0 +1,205 @@
+#include "apps/kvshare/doctor.h"
+
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "kvshare/os/drives.h"
+#include "kvshare/os/files.h"
+#include "kvshare/os/folders.h"
+#include "kvshare/os/paths.h"
+#include "kvshare/os/registry.h"
+#include "kvshare/platform/verinfo.h"
+#include "kvshare/platform/win32.h"
+#include "kvshare/rtl/cp874.h"
+#include "kvshare/rtl/environment.h"
+#include "kvshare/rtl/exceptions.h"
+#include "kvshare/settings/globals.h"
+#include "kvshare/settings/language.h"
+#include "kvshare/settings/numberformats.h"
+#include "kvshare/settings/programsettings.h"
+#include "kvshare/ui/backend.h"
+
+namespace kvshare::app {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using Findings = std::vector<Finding>;
+
+// The folder, or the nearest one above it that exists: the one in which it would be created.
+fs::path NearestFolder(fs::path folder) {
+  std::error_code ignored;
+  while (!folder.empty() && folder.has_relative_path() && !fs::exists(folder, ignored)) {
+    folder = folder.parent_path();
+  }
+  return folder;
+}
+
+std::string WriteTrouble(const fs::path& folder) {
+  const fs::path nearest = NearestFolder(folder);
+  std::error_code ignored;
+  if (!fs::is_directory(nearest, ignored)) return nearest.string() + " is no folder: move it away";
+  if (::access(nearest.c_str(), W_OK | X_OK) == 0) return {};
+  return "this user may not write in " + nearest.string() + ": change its owner or permissions";
+}
+
+void AddHome(Findings& findings) {
+  try {
+    const std::string home = os::HomeFolder();
+    findings.push_back({"home", home, WriteTrouble(home)});
+  } catch (const Exception&) {
+    findings.push_back({"home", "none", "set KVSHARE_HOME to a folder of this user"});
+  }
+}
+
+std::string_view KindName(os::DriveKind kind) {
+  constexpr std::string_view kNames[] = {"unknown", "missing", "removable", "fixed",
+                                         "remote",  "CD-ROM",  "RAM disk"};
+  return kNames[static_cast<std::size_t>(kind)];
+}
+
+void AddDrives(Findings& findings) {
+  for (const os::Drive& drive : os::Drives()) {
+    const std::string root = drive.root.empty() ? "/" : drive.root;
+    // C: is created with the first folder that is made on it.
+    const bool missing = drive.name != "C:" && os::KindOfDrive(drive.name) == os::DriveKind::NoRoot;
+    findings.push_back({"drive " + Cp874ToUtf8Lossy(drive.name),
+                        root + " (" + std::string(KindName(drive.kind)) + ")",
+                        missing ? "create or mount " + root + ", or change drives.ini" : ""});
+  }
+  for (const std::string& error : os::DriveTableErrors()) {
+    findings.push_back({"drives.ini", error, "correct drives.ini in the home folder"});
+  }
+}
+
+void AddRegistry(Findings& findings) {
+  const std::string trouble = os::RegistryTrouble();
+  std::error_code ignored;
+  const bool exists = fs::exists(os::RegistryFile(), ignored);
+  findings.push_back({"registry", os::RegistryFile() + (exists ? "" : " (not created yet)"),
+                      trouble.empty() ? "" : trouble + "; docs/settings.md tells what to do"});
+}
+
+void AddIdentity(Findings& findings) {
+  const auto add = [&findings](std::string_view topic, const std::string& value,
+                               std::string_view mend = "") {
+    findings.push_back({std::string(topic), Cp874ToUtf8Lossy(value), std::string(mend)});
+  };
+  add("program", os::ProgramFile());
+  add("root key", TKovraRegistry().RootKey());
+  const std::string computer = TKovraWin32::MyComputerName();
+  add("computer", computer,
+      computer == "<<Undefined>>"
+          ? "set KVSHARE_COMPUTER to a name of at most 15 letters: the host name is longer"
+          : "");
+  const std::string login = TKovraWin32::MyLoginName();
+  add("user", login,
+      login == "<<Not Login>>"
+          ? "set KVSHARE_USER to a name of at most 20 letters: the login name is longer or missing"
+          : "");
+  const std::string address = TKovraWin32::MyIpAddress();
+  add("address", address.empty() ? "none" : address,
+      address.empty() ? "give the host name an IPv4 address, in /etc/hosts or by the name server"
+                      : "");
+}
+
+void AddEra(Findings& findings) {
+  const std::string chosen(Environment("KVSHARE_ERA"));
+  const bool known = chosen.empty() || chosen == "543" || chosen == "0";
+  const std::string source = known && !chosen.empty() ? "KVSHARE_ERA" : "locale";
+  const bool buddhist = TKovraWin32::SysYearOffset() != 0;
+  findings.push_back({"era", (buddhist ? "Buddhist, 543 (" : "Christian, 0 (") + source + ")",
+                      known ? "" : "KVSHARE_ERA is '" + chosen + "': set it to 543 or to 0"});
+}
+
+void AddLanguage(Findings& findings) {
+  const std::string chosen(Environment("KVSHARE_LANGUAGE"));
+  std::string mend;
+  if (!chosen.empty()) {
+    const std::vector<TLanguageWarning> warnings = SetLanguage(chosen);
+    if (!warnings.empty()) mend = "KVSHARE_LANGUAGE=" + chosen + ": " + warnings.front().Text;
+  }
+  findings.push_back({"language", CurrentLanguage(), mend});
+}
+
+void AddNumbers(Findings& findings) {
+  struct Row {
+    std::string_view topic, setting;
+    const Word& digits;
+    const std::string& mask;
+  };
+  const Row kRows[] = {
+      {"quantities", "QtyDigit", QtyDigit, dsplQtyEditMask},
+      {"unit prices", "UPrcDigit", UPrcDigit, dsplUPrcEditMask},
+      {"amounts", "BahtDigit", BahtDigit, dsplBahtEditMask},
+      {"weights", "WeightDigit", WeightDigit, dsplWeightEditMask},
+      {"percentages", "", PercentDigit, dsplPercentEditMask},
+  };
+  std::string trouble;
+  const TKovraRegistry store;
+  try {
+    ReadNumberSettings(store);
+  } catch (const EConvertError& e) {
+    trouble = Cp874ToUtf8Lossy(e.Message());
+    BuildNumberFormats();
+  }
+  for (const Row& row : kRows) {
+    const std::string stored = Cp874ToUtf8Lossy(
+        store.ReadRegistryString("", "Default", row.setting, std::to_string(row.digits)));
+    const bool bad = !trouble.empty() && trouble.starts_with("'" + stored + "'");
+    findings.push_back(
+        {std::string(row.topic), std::to_string(row.digits) + " decimals, " + row.mask,
+         bad ? "setting Default\\" + std::string(row.setting) + ": " + trouble : ""});
+  }
+}
+
+void AddFolder(Findings& findings, std::string_view topic, const std::string& folder,
+               bool written) {
+  std::string mend;
+  try {
+    if (written) mend = WriteTrouble(os::NativePath(folder));
+  } catch (const Exception& e) {
+    mend = Cp874ToUtf8Lossy(e.Message()) + ": store another folder or add its drive to drives.ini";
+  }
+  findings.push_back({std::string(topic), Cp874ToUtf8Lossy(folder), std::move(mend)});
+}
+
+void AddFolders(Findings& findings) {
+  const TKovraRegistry store;
+  AddFolder(findings, "windows folder", os::WindowsFolder(), false);
+  AddFolder(findings, "temporary folder", TKovraWin32::GetWindowsTempPath(), true);
+  AddFolder(findings, "user data", TKovraWin32::GetUserAppDataPath(), true);
+  AddFolder(findings, "common data", store.GetKovraAppDataPath(), true);
+  constexpr std::string_view kStored[] = {"AliasPath", "ReportPath", "DocumentPath"};
+  for (const std::string_view name : kStored) {
+    const std::string folder = store.ReadShareRegistryString("", "", name, "");
+    if (!folder.empty()) AddFolder(findings, name, folder, true);
+  }
+}
+
+void AddPrinters(Findings& findings) {
+  TSpooler& spooler = UserInterface().Spooler();
+  const std::string printer = spooler.DefaultPrinter();
+  findings.push_back({"printer", printer.empty() ? "none" : Cp874ToUtf8Lossy(printer), ""});
+}
+
+}  // namespace
+
+std::vector<Finding> Examine() {
+  Findings findings;
+  AddHome(findings);
+  if (!findings.front().mend.empty() && findings.front().value == "none") return findings;
+  AddDrives(findings);
+  AddRegistry(findings);
+  AddIdentity(findings);
+  AddEra(findings);
+  AddLanguage(findings);
+  AddNumbers(findings);
+  AddFolders(findings);
+  AddPrinters(findings);
+  return findings;
+}
+
+}  // namespace kvshare::app

@@ -1,0 +1,13 @@
+// One file's way into another folder. Inside the library.
+#pragma once
+
+namespace kvshare::os::posix {
+
+// Copies bytes, time and the read-only attribute of a file; both names are taken from open folders
+// or from AT_FDCWD. A new file is written in its place and removed again when the copy fails; an
+// earlier one is replaced by a whole one that was flushed, and keeps its other permissions.
+// Refused: what is no file, a file onto itself, a target that is read-only. 0 or the system's
+// error.
+int CopyFileAt(int fromFolder, const char* from, int toFolder, const char* to);
+
+}  // namespace kvshare::os::posix

@@ -1,0 +1,32 @@
+// The registry's file as the system sees it. Internal.
+#pragma once
+
+#include <sys/types.h>
+
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace kvshare::os::posix {
+
+struct FileIdentity {
+  dev_t device = 0;
+  ino_t number = 0;
+  bool operator==(const FileIdentity&) const = default;
+};
+
+// Nothing for a missing file. Throws StoreError for what cannot be a store: a folder, an empty
+// file, one in a folder that may not be entered.
+std::optional<FileIdentity> IdentityOf(const std::string& path);
+
+// Makes the file with its folders: `fill` makes it whole under another name before it gets its own,
+// and a file that is there by then is left alone. Throws StoreError.
+void CreateWhole(const std::string& path, const std::function<void(const std::string&)>& fill);
+
+// Whether no file can be made beside this one, and none is that SQLite keeps there.
+bool IsInClosedFolder(const std::string& path);
+
+// Throws StoreError for what keeps this user from writing the file, or from making it.
+void RequireWritable(const std::string& path);
+
+}  // namespace kvshare::os::posix

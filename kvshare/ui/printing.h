@@ -1,0 +1,52 @@
+// The print spooler as the library needs it: printers by name, and jobs of raw bytes.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "kvshare/export.h"
+
+namespace kvshare {
+
+// A printer that was opened. The calls follow the spooler's own order: StartDoc, StartPage,
+// Write..., EndPage, EndDoc; each is false when the spooler refuses it or it comes out of order.
+// EndDoc ends an open page too. After a refused Write the document lacks a piece: EndDoc is refused
+// and throws it away. Destroying the handle closes the printer; a document that was not ended is
+// thrown away.
+class KVSHARE_API TPrinterHandle {
+ public:
+  TPrinterHandle() = default;
+  virtual ~TPrinterHandle() = default;
+  TPrinterHandle(const TPrinterHandle&) = delete;
+  TPrinterHandle& operator=(const TPrinterHandle&) = delete;
+
+  virtual bool StartDoc(std::string_view title) = 0;
+  virtual bool StartPage() = 0;
+  virtual bool Write(std::string_view bytes) = 0;
+  virtual bool EndPage() = 0;
+  virtual bool EndDoc() = 0;
+};
+
+class KVSHARE_API TSpooler {
+ public:
+  TSpooler() = default;
+  virtual ~TSpooler() = default;
+  TSpooler(const TSpooler&) = delete;
+  TSpooler& operator=(const TSpooler&) = delete;
+
+  virtual std::vector<std::string> Printers() = 0;  // code page 874
+  virtual std::string DefaultPrinter() = 0;         // "" when there is none
+  virtual std::unique_ptr<TPrinterHandle> Open(std::string_view printer) = 0;  // nullptr: refused
+};
+
+// A spooler that keeps its jobs in a folder, for servers and for machines without a printer. Every
+// folder in `spool` of os::HomeFolder() is a printer, unless its name begins with `.` or code page
+// 874 cannot hold it. A job becomes a file in it, NNNNNN-TITLE.prn, numbered upwards across all
+// processes, and appears there whole, on the disk, when the document ends; what a file name cannot
+// hold is `_` in TITLE. The default printer is that of the environment variable KVSHARE_PRINTER,
+// whether it exists or not, else the first by name. Open ignores the case of a..z.
+KVSHARE_API std::unique_ptr<TSpooler> MakeFolderSpooler();
+
+}  // namespace kvshare
