@@ -65,7 +65,7 @@ std::string TKovraRegistry::ReadVersionInfo(std::string_view name, std::string_v
 }
 
 std::string TKovraRegistry::KeyOf(std::string_view root, std::string_view section) const {
-  return Joined(root.empty() ? std::string_view(rootKey_) : root, section);
+  return Joined(root.empty() ? std::string_view{rootKey_} : root, section);
 }
 
 std::string TKovraRegistry::ListKey(std::string_view root, std::string_view section,
