@@ -13,20 +13,18 @@ constexpr std::string_view kFormatPattern = "%%12.%dn";
 
 // What belongs to one kind of number.
 struct Kind {
-  const Word& digits;
-  std::string& editMask;
-  std::string& displayMask;
-  std::string& zeroMask;
-  std::string& formatPattern;
+  const Word* digits;
+  std::string *editMask, *displayMask, *zeroMask, *formatPattern;
 };
 
-const Kind kKinds[] = {
-    {QtyDigit, editQtyEditMask, dsplQtyEditMask, ZeroQtyEditMask, dsplQtyFmtStr},
-    {UPrcDigit, editUPrcEditMask, dsplUPrcEditMask, ZeroUPrcEditMask, dsplUPrcFmtStr},
-    {BahtDigit, editBahtEditMask, dsplBahtEditMask, ZeroBahtEditMask, dsplBahtFmtStr},
-    {WeightDigit, editWeightEditMask, dsplWeightEditMask, ZeroWeightEditMask, dsplWeightFmtStr},
-    {PercentDigit, editPercentEditMask, dsplPercentEditMask, ZeroPercentEditMask,
-     dsplPercentFmtStr},
+constexpr Kind kKinds[] = {
+    {&QtyDigit, &editQtyEditMask, &dsplQtyEditMask, &ZeroQtyEditMask, &dsplQtyFmtStr},
+    {&UPrcDigit, &editUPrcEditMask, &dsplUPrcEditMask, &ZeroUPrcEditMask, &dsplUPrcFmtStr},
+    {&BahtDigit, &editBahtEditMask, &dsplBahtEditMask, &ZeroBahtEditMask, &dsplBahtFmtStr},
+    {&WeightDigit, &editWeightEditMask, &dsplWeightEditMask, &ZeroWeightEditMask,
+     &dsplWeightFmtStr},
+    {&PercentDigit, &editPercentEditMask, &dsplPercentEditMask, &ZeroPercentEditMask,
+     &dsplPercentFmtStr},
 };
 
 }  // namespace
@@ -42,10 +40,11 @@ std::string SetZeroDigit(Word digits) {
 
 void BuildNumberFormats() {
   for (const Kind& kind : kKinds) {
-    kind.editMask = SetDecimalDigit(kEditMask, kind.digits);
-    kind.displayMask = SetDecimalDigit(kDisplayMask, kind.digits);
-    kind.zeroMask = SetZeroDigit(kind.digits);
-    kind.formatPattern = Format(kFormatPattern, {kind.digits});
+    const Word digits = *kind.digits;
+    *kind.editMask = SetDecimalDigit(kEditMask, digits);
+    *kind.displayMask = SetDecimalDigit(kDisplayMask, digits);
+    *kind.zeroMask = SetZeroDigit(digits);
+    *kind.formatPattern = Format(kFormatPattern, {digits});
   }
   dsplPercentEditMask += '%';
   dsplMinusBahtFmtStr = "(" + dsplBahtFmtStr + ")";

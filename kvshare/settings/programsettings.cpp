@@ -26,14 +26,14 @@ constexpr std::int32_t kEnglish = 30000;
 struct DigitSetting {
   std::string_view name;
   std::string_view defaultValue;
-  Word& digits;
+  Word* digits;
 };
 
-const DigitSetting kDigitSettings[] = {
-    {"QtyDigit", "4", QtyDigit},
-    {"UPrcDigit", "2", UPrcDigit},
-    {"BahtDigit", "2", BahtDigit},
-    {"WeightDigit", "3", WeightDigit},
+constexpr DigitSetting kDigitSettings[] = {
+    {"QtyDigit", "4", &QtyDigit},
+    {"UPrcDigit", "2", &UPrcDigit},
+    {"BahtDigit", "2", &BahtDigit},
+    {"WeightDigit", "3", &WeightDigit},
 };
 
 Word ToDigits(std::string_view text) {
@@ -46,7 +46,7 @@ Word ToDigits(std::string_view text) {
 
 void ReadDigits(const TKovraRegistry& store) {
   for (const DigitSetting& setting : kDigitSettings) {
-    setting.digits =
+    *setting.digits =
         ToDigits(store.ReadRegistryString("", kSection, setting.name, setting.defaultValue));
   }
 }
