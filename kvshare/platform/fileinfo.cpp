@@ -18,10 +18,11 @@ std::optional<os::VersionResource> ReadResource(std::string_view fileName) {
   return os::ParseVersionResource(os::VersionBlockOfFile(fileName));
 }
 
-// A file that cannot be read shows a message and has no resource.
-std::optional<os::VersionResource> ReadResourceOrTell(std::string_view fileName) {
+// What `read` gives; a file that cannot be read shows a message and has no resource.
+template <typename Read>
+std::optional<os::VersionResource> ReadOrTell(std::string_view fileName, Read read) {
   try {
-    return ReadResource(fileName);
+    return read();
   } catch (const Exception& e) {
     MessageDlg(Format("Cannot get version information for file %s\r\n%s", {fileName, e.Message()}),
                TMsgDlgType::mtError, {TMsgDlgBtn::mbOK}, 0);
@@ -29,8 +30,15 @@ std::optional<os::VersionResource> ReadResourceOrTell(std::string_view fileName)
   }
 }
 
+// The file of a running program stays what it was, whatever takes its name: it is read once. A
+// reading that failed is tried again.
+const std::optional<os::VersionResource>& ResourceOfThisProgram() {
+  static const std::optional<os::VersionResource> resource = ReadResource(os::ProgramFile());
+  return resource;
+}
+
 std::string InfoOfThisProgram(std::string_view name) {
-  const auto resource = ReadResourceOrTell(os::ProgramFile());
+  const auto resource = ReadOrTell(os::ProgramFile(), ResourceOfThisProgram);
   return std::string(resource ? resource->Value(resource->MainLanguage(), name)
                               : std::string_view());
 }
@@ -49,7 +57,7 @@ std::unique_ptr<TStringList> MakeNamedInfoList() {
 }
 
 std::string GetThisResourceFileVersion(std::string_view fileName) {
-  const auto resource = ReadResourceOrTell(fileName);
+  const auto resource = ReadOrTell(fileName, [fileName] { return ReadResource(fileName); });
   if (!resource) return {};
   const os::VersionNumber& v = resource->fileVersion;
   return Format("%d.%d.%d.%d", {v[0], v[1], v[2], v[3]});
