@@ -75,6 +75,26 @@ std::int32_t IntegerOf(std::string_view bytes) {
   return static_cast<std::int32_t>(value);
 }
 
+bool IsText(const RegistryValue& value) {
+  return value.kind == ValueKind::Text || value.kind == ValueKind::ExpandText;
+}
+
+bool IsInteger(const RegistryValue& value) {
+  return value.kind == ValueKind::Integer && value.data.size() == kIntegerSize;
+}
+
+std::optional<RegistryValue> ValueUnder(Hive hive, std::string_view cleanPath,
+                                        std::string_view name) {
+  return ReadOr(std::optional<RegistryValue>(), [&](store::Session& session) {
+    return session.Value(store::FoldedKey(hive, cleanPath), name);
+  });
+}
+
+std::optional<RegistryValue> ValueOf(Hive hive, std::string_view key, std::string_view name) {
+  const auto path = store::CleanPath({}, key);
+  return path ? ValueUnder(hive, *path, name) : std::nullopt;
+}
+
 void RequireSound(RegistryUse use) {
   const std::string path = store::StoreFile();
   if (const store::Lease lease = store::Lease::ForReading()) {
@@ -152,18 +172,14 @@ void TRegistry::GetKeyNames(TStrings& names) const {
 std::string TRegistry::ReadString(std::string_view name) const {
   auto value = ReadValue(name);
   if (!value) return {};
-  if (value->kind != ValueKind::Text && value->kind != ValueKind::ExpandText) {
-    ThrowInvalidType(name);
-  }
+  if (!IsText(*value)) ThrowInvalidType(name);
   return std::move(value->data);
 }
 
 std::int32_t TRegistry::ReadInteger(std::string_view name) const {
   const auto value = ReadValue(name);
   if (!value) Throw("Failed to get data for '", name, "'");
-  if (value->kind != ValueKind::Integer || value->data.size() != kIntegerSize) {
-    ThrowInvalidType(name);
-  }
+  if (!IsInteger(*value)) ThrowInvalidType(name);
   return IntegerOf(value->data);
 }
 
@@ -177,9 +193,7 @@ void TRegistry::WriteInteger(std::string_view name, std::int32_t value) {
 }
 
 std::optional<RegistryValue> TRegistry::ReadValue(std::string_view name) const {
-  return ReadOr(std::optional<RegistryValue>(), [&](store::Session& session) {
-    return session.Value(store::FoldedKey(hive_, current_), name);
-  });
+  return ValueUnder(hive_, current_, name);
 }
 
 std::vector<RegistryValue> TRegistry::ReadValues() const {
@@ -195,6 +209,19 @@ void TRegistry::WriteValue(const RegistryValue& value) {
         return true;
       });
   if (!written) ThrowNotSet(value.name);
+}
+
+std::optional<std::string> RegistryText(Hive hive, std::string_view key, std::string_view name) {
+  auto value = ValueOf(hive, key, name);
+  if (!value || !IsText(*value)) return std::nullopt;
+  return std::move(value->data);
+}
+
+std::optional<std::int32_t> RegistryInteger(Hive hive, std::string_view key,
+                                            std::string_view name) {
+  const auto value = ValueOf(hive, key, name);
+  if (!value || !IsInteger(*value)) return std::nullopt;
+  return IntegerOf(value->data);
 }
 
 void InOneRegistryTransaction(const std::function<void()>& changes) {

@@ -97,6 +97,13 @@ class KVSHARE_API TRegistry {
   std::string current_;  // without a `\` in front or behind
 };
 
+// A value without opening its key first: one read of the store. None where the value or its key is
+// missing or the value is of another kind.
+KVSHARE_API std::optional<std::string> RegistryText(Hive hive, std::string_view key,
+                                                    std::string_view name);
+KVSHARE_API std::optional<std::int32_t> RegistryInteger(Hive hive, std::string_view key,
+                                                        std::string_view name);
+
 // Many changes as one: all of them are on the disk when `changes` returns, or none when it throws
 // or the process dies. TRegistry inside it takes part; other processes' writes wait so long, up to
 // ten seconds. One inside another is a part of that, and is undone alone when it throws. Throws

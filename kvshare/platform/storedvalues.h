@@ -2,9 +2,7 @@
 // no event. Internal.
 #pragma once
 
-#include <cstdint>
 #include <functional>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -12,12 +10,7 @@
 
 namespace kvshare {
 
-// The value, none when it or its key is missing, is of another kind, or cannot be read.
-std::optional<std::string> StoredText(os::Hive hive, std::string_view key, std::string_view name);
-std::optional<std::int32_t> StoredInteger(os::Hive hive, std::string_view key,
-                                          std::string_view name);
-
-// StoredText unless it is missing or blank.
+// The text, and the default where it is missing, blank or of another kind, or cannot be read.
 std::string StoredTextOr(os::Hive hive, std::string_view key, std::string_view name,
                          std::string_view defaultValue);
 

@@ -25,7 +25,7 @@ template <typename Take>
 void ForEachText(std::string_view key, Take take) {
   try {
     for (const std::string& name : ValueNames(key)) {
-      if (const auto text = StoredText(os::Hive::CurrentUser, key, name)) take(name, *text);
+      if (const auto text = os::RegistryText(os::Hive::CurrentUser, key, name)) take(name, *text);
     }
   } catch (const ERegistryException&) {
     return;

@@ -14,7 +14,7 @@ constexpr std::int32_t kNormal = 0;
 constexpr std::int32_t kMaximized = 2;
 
 std::optional<std::int32_t> Stored(std::string_view key, std::string_view name) {
-  return StoredInteger(Hive::CurrentUser, key, name);
+  return os::RegistryInteger(Hive::CurrentUser, key, name);
 }
 
 // Whether the entry says "maximised" with the form's size and place. Size and top are asked for

@@ -3,7 +3,6 @@
 #include "kvshare/os/files.h"
 #include "kvshare/os/folders.h"
 #include "kvshare/os/registry.h"
-#include "kvshare/platform/storedvalues.h"
 #include "kvshare/platform/verinfo.h"
 #include "kvshare/platform/win32.h"
 #include "kvshare/rtl/convert.h"
@@ -69,7 +68,7 @@ void ReadTraceSwitch() {
 }  // namespace
 
 std::string ProgramLocale() {
-  return StoredText(os::Hive::CurrentUser, R"(Software\Borland\Locales)", os::ProgramFile())
+  return os::RegistryText(os::Hive::CurrentUser, R"(Software\Borland\Locales)", os::ProgramFile())
       .value_or("");
 }
 

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <memory>
@@ -28,17 +29,36 @@ std::string HostName() {
   return name.data();
 }
 
-std::string EffectiveUserName() {
+// As the system's list of users has it now.
+std::string NameOfUser(uid_t user) {
   constexpr std::size_t kMostBytes = std::size_t{1} << 20;
   passwd entry{};
   passwd* found = nullptr;
   for (std::size_t size = 1024; size <= kMostBytes; size *= 2) {
     std::vector<char> texts(size);
-    const int error = ::getpwuid_r(::geteuid(), &entry, texts.data(), size, &found);
+    const int error = ::getpwuid_r(user, &entry, texts.data(), size, &found);
     if (error == 0) return found != nullptr ? entry.pw_name : std::string();
     if (error != ERANGE && error != EINTR) break;
   }
   return {};
+}
+
+struct User {
+  uid_t id;
+  std::string name;
+};
+
+// Asking the system reads its list of users each time; a process that asks for every line of a log
+// would do little else. It changes its user rarely, and a user his name hardly ever.
+std::string EffectiveUserName() {
+  static std::atomic<std::shared_ptr<const User>> known;
+  const uid_t id = ::geteuid();
+  std::shared_ptr<const User> user = known.load();
+  if (!user || user->id != id) {
+    user = std::make_shared<const User>(User{id, NameOfUser(id)});
+    if (!user->name.empty()) known.store(user);
+  }
+  return user->name;
 }
 
 // A name in code page 874 for a buffer that also takes a zero byte.
