@@ -7,7 +7,14 @@ install(TARGETS kvshare EXPORT KvShareTargets
 
 # Headers that only the library's own sources include; all others are reached from kvshare.h.
 set(internal_headers
+  data/driverlibrary.h
+  data/named.h
+  data/wireforms.h
+  data/wiretexts.h
+  database/sqlsplit.h
+  database/sqltransaction.h
   money/words.h
+  os/appendfile.h
   os/commandline.h
   os/console.h
   os/imagereader.h
@@ -40,6 +47,10 @@ install(DIRECTORY kvshare/ DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kvshare"
 
 install(DIRECTORY packaging/languages/ DESTINATION "${CMAKE_INSTALL_DATADIR}/kvshare/languages"
   FILES_MATCHING PATTERN "*.lang")
+
+# Initialisation files to copy from: docs/database-profile.md tells where they go.
+install(DIRECTORY packaging/samples/ DESTINATION "${CMAKE_INSTALL_DATADIR}/kvshare/samples"
+  FILES_MATCHING PATTERN "*.ini")
 
 # Inputs and expected results that a program in any language can test itself with.
 install(FILES packaging/conformance/kvshare-conformance.json

@@ -51,6 +51,7 @@
 #include "kvshare/settings/numberformats.h"
 #include "kvshare/settings/package.h"
 #include "kvshare/settings/programsettings.h"
+#include "kvshare/settings/sqldialect.h"
 
 // Money, dates, texts
 #include "kvshare/dates/date.h"
@@ -65,3 +66,18 @@
 #include "kvshare/platform/uguid.h"
 #include "kvshare/platform/verinfo.h"
 #include "kvshare/platform/win32.h"
+
+// Databases
+#include "kvshare/data/dataset.h"
+#include "kvshare/data/driver.h"
+#include "kvshare/data/errors.h"
+#include "kvshare/data/field.h"
+#include "kvshare/data/sqlconnection.h"
+#include "kvshare/data/sqlparams.h"
+#include "kvshare/data/sqlquery.h"
+#include "kvshare/database/dblog.h"
+#include "kvshare/database/dbxconf.h"
+#include "kvshare/database/sqlbatch.h"
+#include "kvshare/database/sqlfunc.h"
+#include "kvshare/database/sqlreplication.h"
+#include "kvshare/database/sqlrights.h"

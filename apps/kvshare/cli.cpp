@@ -49,6 +49,8 @@ void Declare(CLI::App& app, Plan& plan) {
   DeclareDecode(app, plan);
   DeclareKey(app, plan);
   DeclareMessage(app, plan);
+  DeclareDialect(app, plan);
+  DeclareLog(app, plan);
   DeclareDoctor(app, plan);
   DeclareSettings(app, plan);
   DeclareVersion(app, plan);

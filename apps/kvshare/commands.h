@@ -37,6 +37,8 @@ void DeclareKey(CLI::App& parent, Plan& plan);
 void DeclareMessage(CLI::App& parent, Plan& plan);
 void DeclareDoctor(CLI::App& parent, Plan& plan);
 void DeclareSettings(CLI::App& parent, Plan& plan);
+void DeclareDialect(CLI::App& parent, Plan& plan);
+void DeclareLog(CLI::App& parent, Plan& plan);
 void DeclareReceipts(CLI::App& parent, Plan& plan);
 void DeclareVersion(CLI::App& parent, Plan& plan);
 

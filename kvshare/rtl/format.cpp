@@ -128,6 +128,10 @@ class Formatter {
     }
   }
 
+  void RequireAllTaken() const {
+    if (taken_ < args_.size()) FailIncompatible();
+  }
+
  private:
   [[noreturn]] void FailIncompatible() const {
     std::string message = "Format '";
@@ -141,6 +145,7 @@ class Formatter {
       message.append(format_.substr(0, kMessageBytes));
       throw EConvertError(message + "'");
     }
+    ++taken_;
     return args_[static_cast<std::size_t>(next_++)];
   }
 
@@ -312,6 +317,7 @@ class Formatter {
   const std::span<const TVarRec> args_;
   const TFormatSettings& settings_;
   std::int64_t next_ = 0;  // the argument that the next directive takes
+  std::size_t taken_ = 0;  // one that was taken twice counts twice
 
   // Of the directive at hand.
   std::size_t width_ = 0;
@@ -346,6 +352,19 @@ void AppendFormat(std::string& out, std::string_view format, std::span<const TVa
 void AppendFormat(std::string& out, std::string_view format, std::initializer_list<TVarRec> args,
                   const TFormatSettings& settings) {
   AppendFormat(out, format, std::span<const TVarRec>(args.begin(), args.size()), settings);
+}
+
+void AppendFormatAll(std::string& out, std::string_view format, std::initializer_list<TVarRec> args,
+                     const TFormatSettings& settings) {
+  const std::size_t size = out.size();
+  try {
+    Formatter formatter(out, format, {args.begin(), args.size()}, settings);
+    formatter.Run();
+    formatter.RequireAllTaken();
+  } catch (...) {
+    out.resize(size);
+    throw;
+  }
 }
 
 }  // namespace kvshare::inline rtl

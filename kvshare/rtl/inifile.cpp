@@ -1,8 +1,9 @@
 #include "kvshare/rtl/inifile.h"
 
-#include <map>
+#include <algorithm>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/exceptions.h"
@@ -64,59 +65,66 @@ class ListBuffer {
   std::size_t used_ = 0;
 };
 
-struct TextLess {
-  bool operator()(std::string_view a, std::string_view b) const { return CompareText(a, b) < 0; }
+struct Entry {
+  std::string_view name, value;
 };
-using ValueOfKey = std::map<std::string_view, std::string_view, TextLess>;
 
-void ListKeys(std::string_view bytes, std::string_view section, TStrings& keys) {
-  keys.Clear();
+std::vector<Entry> EntriesOf(std::string_view bytes, std::string_view section) {
+  constexpr std::size_t kUsual = 16;
+  std::vector<Entry> entries;
   ini::Reader reader(bytes);
-  if (!reader.Enter(section)) return;
-  ListBuffer buffer;
+  if (!reader.Enter(section)) return entries;
+  entries.reserve(kUsual);
   ini::Line line;
   while (reader.NextInSection(line)) {
-    if (line.kind != ini::Line::Kind::Key) continue;
-    if (!buffer.Take(line.name)) return;
-    keys.Add(line.name);
+    if (line.kind == ini::Line::Kind::Key) entries.push_back({line.name, line.value});
   }
+  return entries;
 }
 
-ValueOfKey FirstValues(std::string_view bytes, std::string_view section) {
-  ValueOfKey values;
-  ini::Reader reader(bytes);
-  if (!reader.Enter(section)) return values;
-  ini::Line line;
-  while (reader.NextInSection(line)) {
-    if (line.kind == ini::Line::Kind::Key) values.emplace(line.name, ini::Unquote(line.value));
+// By name, the first of equal names first.
+class SortedEntries {
+ public:
+  explicit SortedEntries(std::vector<Entry> entries) : entries_(std::move(entries)) {
+    std::ranges::stable_sort(entries_, Less, &Entry::name);
   }
-  return values;
-}
+
+  // "" for a name that is not there.
+  std::string_view ValueOf(std::string_view name) const {
+    const auto it = std::ranges::lower_bound(entries_, name, Less, &Entry::name);
+    return it != entries_.end() && SameText(it->name, name) ? ini::Unquote(it->value) : "";
+  }
+
+ private:
+  static bool Less(std::string_view a, std::string_view b) { return CompareText(a, b) < 0; }
+
+  std::vector<Entry> entries_;
+};
 
 }  // namespace
 
-std::string TIniFile::ReadString(std::string_view section, std::string_view key,
-                                 std::string_view fallback) const {
-  const std::string bytes = LoadForReading(fileName_);
-  const std::optional<std::string_view> found = ini::FindValue(bytes, section, key);
+TIniContents::TIniContents(std::string_view fileName) : bytes_(LoadForReading(fileName)) {}
+
+std::string TIniContents::ReadString(std::string_view section, std::string_view key,
+                                     std::string_view fallback) const {
+  const std::optional<std::string_view> found = ini::FindValue(bytes_, section, key);
   const std::string_view value =
       found ? *found : fallback.substr(0, fallback.find_last_not_of(' ') + 1);
   return std::string(value.substr(0, kLongestValue));
 }
 
-int TIniFile::ReadInteger(std::string_view section, std::string_view key, int fallback) const {
+int TIniContents::ReadInteger(std::string_view section, std::string_view key, int fallback) const {
   return StrToIntDef(ReadString(section, key, ""), fallback);  // which reads 0x as `$` by itself
 }
 
-bool TIniFile::ReadBool(std::string_view section, std::string_view key, bool fallback) const {
+bool TIniContents::ReadBool(std::string_view section, std::string_view key, bool fallback) const {
   return ReadInteger(section, key, fallback ? 1 : 0) != 0;
 }
 
-void TIniFile::ReadSections(TStrings& sections) const {
-  const std::string bytes = LoadForReading(fileName_);
+void TIniContents::ReadSections(TStrings& sections) const {
   sections.Clear();
   ListBuffer buffer;
-  ini::Reader reader(bytes);
+  ini::Reader reader(bytes_);
   ini::Line line;
   while (reader.Next(line)) {
     if (line.kind != ini::Line::Kind::Header) continue;
@@ -125,31 +133,69 @@ void TIniFile::ReadSections(TStrings& sections) const {
   }
 }
 
-void TIniFile::ReadSection(std::string_view section, TStrings& keys) const {
-  ListKeys(LoadForReading(fileName_), section, keys);
-}
-
-void TIniFile::ReadSectionValues(std::string_view section, TStrings& lines) const {
-  const std::string bytes = LoadForReading(fileName_);
-  TStringList keys;
-  ListKeys(bytes, section, keys);
-  const ValueOfKey values = FirstValues(bytes, section);
-  lines.Clear();
-  for (const std::string& key : keys) {
-    const auto it = values.find(key);  // the last key may be cut
-    const std::string_view value = it == values.end() ? std::string_view() : it->second;
-    lines.Add(std::string(key).append("=").append(value, 0, kLongestValue));
+void TIniContents::ReadSection(std::string_view section, TStrings& keys) const {
+  keys.Clear();
+  ListBuffer buffer;
+  for (Entry& entry : EntriesOf(bytes_, section)) {
+    if (!buffer.Take(entry.name)) return;
+    keys.Add(entry.name);
   }
 }
 
+void TIniContents::ReadSectionValues(std::string_view section, TStrings& lines) const {
+  std::vector<Entry> entries = EntriesOf(bytes_, section);
+  const SortedEntries sorted(entries);
+  lines.Clear();
+  ListBuffer buffer;
+  for (Entry& entry : entries) {
+    if (!buffer.Take(entry.name)) return;
+    // Of a name that is cut, as the last may be, there may be no value.
+    const std::string_view value = sorted.ValueOf(entry.name).substr(0, kLongestValue);
+    std::string line;
+    line.reserve(entry.name.size() + 1 + value.size());
+    lines.Add(line.append(entry.name).append("=").append(value));
+  }
+}
+
+bool TIniContents::SectionExists(std::string_view section) const {
+  return ini::Reader(bytes_).Enter(section);
+}
+
+bool TIniContents::ValueExists(std::string_view section, std::string_view key) const {
+  return ini::FindValue(bytes_, section, key).has_value();
+}
+
+std::string TIniFile::ReadString(std::string_view section, std::string_view key,
+                                 std::string_view fallback) const {
+  return TIniContents(fileName_).ReadString(section, key, fallback);
+}
+
+int TIniFile::ReadInteger(std::string_view section, std::string_view key, int fallback) const {
+  return TIniContents(fileName_).ReadInteger(section, key, fallback);
+}
+
+bool TIniFile::ReadBool(std::string_view section, std::string_view key, bool fallback) const {
+  return TIniContents(fileName_).ReadBool(section, key, fallback);
+}
+
+void TIniFile::ReadSections(TStrings& sections) const {
+  TIniContents(fileName_).ReadSections(sections);
+}
+
+void TIniFile::ReadSection(std::string_view section, TStrings& keys) const {
+  TIniContents(fileName_).ReadSection(section, keys);
+}
+
+void TIniFile::ReadSectionValues(std::string_view section, TStrings& lines) const {
+  TIniContents(fileName_).ReadSectionValues(section, lines);
+}
+
 bool TIniFile::SectionExists(std::string_view section) const {
-  const std::string bytes = LoadForReading(fileName_);
-  return ini::Reader(bytes).Enter(section);
+  return TIniContents(fileName_).SectionExists(section);
 }
 
 bool TIniFile::ValueExists(std::string_view section, std::string_view key) const {
-  const std::string bytes = LoadForReading(fileName_);
-  return ini::FindValue(bytes, section, key).has_value();
+  return TIniContents(fileName_).ValueExists(section, key);
 }
 
 void TIniFile::WriteString(std::string_view section, std::string_view key, std::string_view value) {

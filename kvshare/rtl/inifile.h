@@ -9,15 +9,14 @@
 
 namespace kvshare::inline rtl {
 
-// The file is read afresh on every call; a missing one behaves as an empty one. Sections and keys
-// ignore case, the first of several counts. Blanks and tabs around keys and values are dropped,
-// then one pair of equal quotes around a value. A lone CR ends a line too. There is no byte-order
-// mark handling: three such bytes spoil a header on line 1.
-class KVSHARE_API TIniFile {
+// What a file held at one moment, for several questions at the cost of one reading. Sections and
+// keys ignore case, the first of several counts. Blanks and tabs around keys and values are
+// dropped, then one pair of equal quotes around a value. A lone CR ends a line too. There is no
+// byte-order mark handling: three such bytes spoil a header on line 1.
+class KVSHARE_API TIniContents {
  public:
-  explicit TIniFile(std::string_view fileName) : fileName_(fileName) {}
-
-  const std::string& FileName() const { return fileName_; }
+  // A missing file, and one that cannot be read, are empty.
+  explicit TIniContents(std::string_view fileName);
 
   // At most 2047 bytes. A key without a value gives '', a missing key the default without its
   // trailing blanks.
@@ -33,6 +32,27 @@ class KVSHARE_API TIniFile {
   void ReadSections(TStrings& sections) const;
   void ReadSection(std::string_view section, TStrings& keys) const;
   // `key=value` for each key of ReadSection, with ReadString's value of that key.
+  void ReadSectionValues(std::string_view section, TStrings& lines) const;
+  bool SectionExists(std::string_view section) const;
+  bool ValueExists(std::string_view section, std::string_view key) const;
+
+ private:
+  std::string bytes_;
+};
+
+// The file itself: every call reads it afresh, with TIniContents' answers.
+class KVSHARE_API TIniFile {
+ public:
+  explicit TIniFile(std::string_view fileName) : fileName_(fileName) {}
+
+  const std::string& FileName() const { return fileName_; }
+
+  std::string ReadString(std::string_view section, std::string_view key,
+                         std::string_view fallback) const;
+  int ReadInteger(std::string_view section, std::string_view key, int fallback) const;
+  bool ReadBool(std::string_view section, std::string_view key, bool fallback) const;
+  void ReadSections(TStrings& sections) const;
+  void ReadSection(std::string_view section, TStrings& keys) const;
   void ReadSectionValues(std::string_view section, TStrings& lines) const;
   bool SectionExists(std::string_view section) const;
   bool ValueExists(std::string_view section, std::string_view key) const;

@@ -94,11 +94,23 @@ bool Reader::NextInSection(Line& line) {
   return Next(line) && line.kind != Line::Kind::Header;
 }
 
+// A file is mostly lines that are no headers: only those with a `[` are looked at.
+bool Reader::SkipToHeader() {
+  for (std::size_t at = rest_.find('['); at != npos; at = rest_.find('[', at + 1)) {
+    const std::size_t before = rest_.substr(0, at).find_last_not_of(kBlank);
+    if (before != npos && !HasLineBreak(rest_.substr(before, 1))) continue;
+    rest_.remove_prefix(at);
+    return true;
+  }
+  return false;
+}
+
 bool Reader::Enter(std::string_view section) {
   Line line;
-  while (Next(line)) {
+  while (SkipToHeader() && Next(line)) {
     if (line.kind == Line::Kind::Header && SameText(line.name, section)) return true;
   }
+  rest_ = {};
   return false;
 }
 

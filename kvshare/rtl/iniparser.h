@@ -35,7 +35,9 @@ class KVSHARE_API Reader {
   std::size_t Left() const { return rest_.size(); }  // bytes not walked yet
 
  private:
-  std::string_view rest_;
+  bool SkipToHeader();
+
+  std::string_view rest_;  // begins at a line's first byte, or at the `[` of a header
 };
 
 // A key's value without one surrounding pair of equal quotes.

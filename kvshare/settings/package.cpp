@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "kvshare/database/sqlfunc.h"
 #include "kvshare/dates/date.h"
 #include "kvshare/money/money.h"
 #include "kvshare/platform/fileinfo.h"
@@ -46,6 +47,10 @@ void ReleaseTexts() {
   for (std::string* text : TextGlobals()) std::string().swap(*text);
 }
 
+void ReleaseSQLMessage() {
+  std::string().swap(KovraSQLEMessage);
+}
+
 struct Module {
   const char* name;
   void (*start)();
@@ -67,7 +72,7 @@ constexpr Module kModules[] = {
     {"dialog bridge", NothingToDo, NothingToDo},
     {"money", Money::Create, Money::Free},
     {"log", NothingToDo, NothingToDo},
-    {"SQL helpers", NothingToDo, NothingToDo},
+    {"SQL helpers", NothingToDo, ReleaseSQLMessage},
     {"string lists", NothingToDo, NothingToDo},
     {"reconcile error dialog", NothingToDo, NothingToDo},
     {"post error dialog", NothingToDo, NothingToDo},

@@ -20,7 +20,7 @@ _kvshare_languages() {
 
 _kvshare_commands() {
   printf '%s\n' words round share qty format mask date encode decode key message receipts settings \
-    version files doctor
+    version files doctor dialect log
 }
 
 # The commands of a command that has such, as `kvshare date`; nothing for the others.
@@ -29,6 +29,7 @@ _kvshare_subcommands() {
     date) printf '%s\n' show parse month explain ;;
     settings) printf '%s\n' list get set delete export import ;;
     files) printf '%s\n' count list copy delete ;;
+    log) printf '%s\n' show follow verify ;;
   esac
 }
 
@@ -50,11 +51,15 @@ _kvshare_options() { # _kvshare_options COMMAND
     "files count" | "files list" | "files copy") printf '%s\n' --mask --recursive ;;
     "files delete") printf '%s\n' --mask --recursive --yes ;;
     message) printf '%s\n' --language --list ;;
+    dialect) printf '%s\n' --file --field --value --matchcase --date ;;
+    "log show") printf '%s\n' --file --day --user --computer ;;
+    "log follow") printf '%s\n' --file --lines --once ;;
+    "log verify") echo --file ;;
     receipts)
       printf '%s\n' --round --vat-round --vat --discount --cash-step --era --price-includes-vat --width ;;
   esac
   case $1 in
-    date | settings | files) ;;
+    date | settings | files | log) ;;
     "settings set" | "settings delete" | "settings export" | "settings import") ;;
     *) echo --json ;;
   esac
@@ -85,7 +90,10 @@ _kvshare_value() {
     "date show --layout") _kvshare_offer "$3" < <(_kvshare_layouts) ;;
     "date show --language") _kvshare_offer "$3" < <(printf '%s\n' th en) ;;
     "date show --era" | "date parse --era" | "receipts --era") _kvshare_offer "$3" < <(printf '%s\n' 543 0) ;;
-    "encode --key-file" | "decode --key-file" | "settings export --output") _kvshare_offer_files "$3" ;;
+    "encode --key-file" | "decode --key-file" | "settings export --output" | "dialect --file" | "log "*" --file")
+      _kvshare_offer_files "$3" ;;
+    "dialect --field" | "dialect --value" | "dialect --date") ;;
+    "log show --day" | "log show --user" | "log show --computer" | "log follow --lines") ;;
     "encode --key" | "decode --key" | "words --currency" | "qty --sku" | "receipts --width") ;;
     "files "*" --mask") ;;
     *) return 1 ;;
@@ -102,8 +110,9 @@ _kvshare_first_operand() {
 
 _kvshare_operand() { # _kvshare_operand COMMAND WORD
   case $1 in
-    date | settings | files) _kvshare_offer "$2" < <(_kvshare_subcommands "$1") ;;
+    date | settings | files | log) _kvshare_offer "$2" < <(_kvshare_subcommands "$1") ;;
     receipts | version | "settings import" | "files "*) _kvshare_offer_files "$2" ;;
+    dialect) _kvshare_offer "$2" < <(kvshare dialect 2>/dev/null) ;;
     message) _kvshare_offer "$2" < <(_kvshare_messages) ;;
     round) _kvshare_first_operand && _kvshare_offer "$2" < <(_kvshare_modes) ;;
   esac

@@ -219,6 +219,28 @@ TEST(Format, ErrorsNameTheFormat) {
             "No argument for format '0123456789012345678901234567890'");
 }
 
+// What is appended behind "> ", or the error behind what is left of it.
+std::string AllOf(std::string_view format) {
+  std::string out = "> ";
+  try {
+    AppendFormatAll(out, format, {"a", "b"});
+  } catch (const EConvertError& e) {
+    return out + e.Message();
+  }
+  return out;
+}
+
+TEST(Format, AllArgumentsOrAnError) {
+  EXPECT_EQ(AllOf("%s %s"), "> a b");
+  EXPECT_EQ(AllOf("%1:s %0:s"), "> b a");
+  EXPECT_EQ(AllOf("%0:s%0:s%s"), "> aab");
+  EXPECT_EQ(AllOf("%0:s %0:s"), "> a a") << "two placeholders";
+  for (const std::string format : {"", "%s", "%s %%s", "%s%"}) {
+    EXPECT_EQ(AllOf(format), "> Format '" + format + "' invalid or incompatible with argument");
+  }
+  EXPECT_EQ(AllOf("%s%s%s"), "> No argument for format '%s%s%s'");
+}
+
 TEST(Format, CurrencyTextStandsAsTheSettingsSay) {
   constexpr std::string_view kPositive[] = {"$1.5", "1.5$", "$ 1.5", "1.5 $"};
   constexpr std::string_view kNegative[] = {

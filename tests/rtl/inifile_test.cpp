@@ -42,6 +42,18 @@ constexpr std::string_view kFile =
     "[Other]\r\n"
     "Last=x";
 
+TEST_F(IniFile, ContentsAreThoseOfOneMoment) {
+  Put("a[0]=[Main]\n  x [Main]\n [ Main ]\r Key=1\n[Open\n[Other]\nKey=2");
+  const TIniContents contents(ini.FileName());
+  Put("[Main]\nKey=3");
+  EXPECT_EQ(contents.ReadInteger("main", "key", 0), 1) << "brackets inside a line are no header";
+  EXPECT_EQ(contents.ReadString("Other", "Key", ""), "2");
+  EXPECT_FALSE(contents.SectionExists("Open"));
+  EXPECT_FALSE(contents.SectionExists("0"));
+  EXPECT_EQ(ini.ReadInteger("Main", "Key", 0), 3);
+  EXPECT_FALSE(TIniContents(folder.File("none")).SectionExists(""));
+}
+
 TEST_F(IniFile, ReadsAsThePlatformDoes) {
   struct Case {
     std::string_view section, key, want;

@@ -1,0 +1,50 @@
+// A file that a command reads.
+#pragma once
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+#include <system_error>
+#include <utility>
+
+#include "apps/kvshare/stream.h"
+
+namespace kvshare::app {
+
+class InputFile {
+ public:
+  InputFile() = default;  // none
+  // Throws StreamError `NAME: reason`.
+  explicit InputFile(const std::string& path) : fd_(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+    if (fd_ < 0) throw StreamError(path + ": " + std::generic_category().message(errno));
+  }
+  ~InputFile() {
+    if (fd_ >= 0) ::close(fd_);
+  }
+  InputFile(InputFile&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
+  InputFile& operator=(InputFile&& other) noexcept {
+    std::swap(fd_, other.fd_);
+    return *this;
+  }
+
+  bool IsOpen() const { return fd_ >= 0; }
+  int Fd() const { return fd_; }
+
+  // Appends what there is from here to the end. Throws StreamError.
+  void AppendRest(std::string& bytes) const {
+    constexpr std::size_t kBlock = std::size_t{1} << 16;
+    for (std::size_t n = kBlock; n != 0;) {
+      const std::size_t size = bytes.size();
+      bytes.resize(size + kBlock);
+      n = ReadSome(fd_, bytes.data() + size, kBlock);
+      bytes.resize(size + n);
+    }
+  }
+
+ private:
+  int fd_ = -1;
+};
+
+}  // namespace kvshare::app

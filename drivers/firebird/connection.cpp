@@ -1,0 +1,247 @@
+// Firebird and InterBase.
+#include <ibase.h>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "drivers/common/cursors.h"
+#include "drivers/common/forms.h"
+#include "drivers/common/parameters.h"
+#include "drivers/firebird/handles.h"
+#include "drivers/firebird/parameters.h"
+#include "drivers/firebird/rows.h"
+#include "kvshare/data/driver.h"
+
+namespace kvshare::firebird {
+namespace {
+
+using data::Isolation;
+
+class FirebirdConnection final : public data::Connection {
+ public:
+  ~FirebirdConnection() override { Disconnect(); }
+
+  void Connect(const std::vector<std::pair<std::string, std::string>>& list) override;
+  void Disconnect() noexcept override;
+  std::int64_t Execute(std::string_view sql) override;
+  std::unique_ptr<data::Cursor> Query(std::string_view sql,
+                                      std::span<const data::ParameterValue> parameters) override;
+  void Begin(Isolation isolation) override;
+  void Commit() override;
+  void Rollback() override;
+  std::vector<std::string> TableNames(bool system) override;
+  void SetLockTimeout(std::int32_t milliseconds) override { lockMilliseconds_ = milliseconds; }
+  std::string ServerVersion() override;
+
+ private:
+  using Cursor = drivers::DetachableCursor<Rows>;
+
+  void RequireOpen() const {
+    if (database_ == 0) throw data::DriverError("The connection is closed");
+  }
+  // A transaction for one statement where none is active; it waits for locks as told.
+  std::optional<Transaction> OwnTransaction() {
+    RequireOpen();
+    if (transaction_.Active()) return std::nullopt;
+    return Transaction(database_, Isolation::ReadCommitted, lockMilliseconds_);
+  }
+
+  std::int64_t ExecuteOnce(std::string_view sql);
+  std::unique_ptr<data::Cursor> QueryOnce(std::string_view sql,
+                                          std::span<const data::ParameterValue> parameters);
+
+  // The server reads a row before it waits for another transaction that writes it, and then finds
+  // it changed. Under read committed, where the other's result counts, the statement runs again: it
+  // has left nothing. A lock that was waited for in vain is told in the same words; the time tells
+  // them apart.
+  template <typename Result>
+  Result Repeating(const std::function<Result()>& statement) {
+    using Clock = std::chrono::steady_clock;
+    const bool repeats = !transaction_.Active() || isolation_ == Isolation::ReadCommitted ||
+                         isolation_ == Isolation::DirtyRead;
+    const auto start = Clock::now();
+    for (bool first = true;; first = false) {
+      try {
+        return statement();
+      } catch (const data::DriverError& e) {
+        if (e.What() != data::DriverError::Kind::Conflict) throw;
+        const bool waitedInVain = lockMilliseconds_ > 0 && Clock::now() - start >= LongestWait();
+        if (waitedInVain || (repeats && lockMilliseconds_ <= 0 && !first)) {
+          throw data::DriverError(e.what(), data::DriverError::Kind::Busy);
+        }
+        if (!repeats) throw;
+      }
+    }
+  }
+  // The server counts whole seconds, and not exactly.
+  std::chrono::milliseconds LongestWait() const {
+    return std::chrono::milliseconds((std::int64_t{lockMilliseconds_} + 999) / 1000 * 1000 - 500);
+  }
+
+  isc_db_handle database_ = 0;
+  Isolation isolation_ = Isolation::ReadCommitted;  // of the active transaction
+  int dialect_ = SQL_DIALECT_CURRENT;
+  bool trimCharacters_ = false;
+  std::int32_t lockMilliseconds_ = 10'000;
+  Transaction transaction_;
+  drivers::OpenCursors inTransaction_;
+  drivers::OpenCursors alone_;
+};
+
+class ParameterBlock {
+ public:
+  void Add(char item, std::string_view value) {
+    if (value.size() > 255)
+      throw data::DriverError("A connection parameter has more than 255 bytes");
+    bytes_ += item;
+    bytes_ += static_cast<char>(value.size());
+    bytes_ += value;
+  }
+  const std::string& Bytes() const { return bytes_; }
+
+ private:
+  std::string bytes_ = {isc_dpb_version1};
+};
+
+void FirebirdConnection::Connect(const std::vector<std::pair<std::string, std::string>>& list) {
+  Disconnect();
+  const drivers::Parameters parameters(list);
+  const drivers::ServerAddress server = drivers::SplitHostName(parameters.Get("HostName"));
+  std::string name = parameters.Get("Database");
+  if (!server.host.empty()) {
+    name = server.host + (server.port.empty() ? "" : "/" + server.port) + ":" + name;
+  }
+  const std::string dialect = parameters.Get("SQLDialect");
+  dialect_ = dialect == "1" ? SQL_DIALECT_V5 : SQL_DIALECT_CURRENT;
+  trimCharacters_ = parameters.IsTrue("Trim Char");
+
+  ParameterBlock block;
+  block.Add(isc_dpb_utf8_filename, {});
+  block.Add(isc_dpb_lc_ctype, "UTF8");
+  block.Add(isc_dpb_user_name, parameters.Get("User_Name"));
+  block.Add(isc_dpb_password, parameters.Get("Password"));
+  block.Add(isc_dpb_connect_timeout, std::string_view("\x0F\0\0\0", 4));  // 15 s
+  block.Add(isc_dpb_sql_dialect, std::string(1, static_cast<char>(dialect_)));
+  if (const std::string role = parameters.Get("RoleName"); !role.empty()) {
+    block.Add(isc_dpb_sql_role_name, role);
+  }
+  Status status;
+  isc_attach_database(status.Vector(), static_cast<short>(name.size()), name.c_str(), &database_,
+                      static_cast<short>(block.Bytes().size()), block.Bytes().data());
+  if (status.Failed()) database_ = 0;
+  status.Check();
+}
+
+void FirebirdConnection::Disconnect() noexcept {
+  inTransaction_.AbandonAll();
+  alone_.AbandonAll();
+  transaction_.Abandon();
+  Status status;
+  if (database_ != 0) isc_detach_database(status.Vector(), &database_);
+  database_ = 0;
+}
+
+std::int64_t FirebirdConnection::Execute(std::string_view sql) {
+  return Repeating<std::int64_t>([this, sql] { return ExecuteOnce(sql); });
+}
+
+std::unique_ptr<data::Cursor> FirebirdConnection::Query(
+    std::string_view sql, std::span<const data::ParameterValue> parameters) {
+  return Repeating<std::unique_ptr<data::Cursor>>(
+      [this, sql, parameters] { return QueryOnce(sql, parameters); });
+}
+
+std::int64_t FirebirdConnection::ExecuteOnce(std::string_view sql) {
+  std::optional<Transaction> own = OwnTransaction();
+  Transaction& transaction = own ? *own : transaction_;
+  Statement statement(database_, transaction, sql, dialect_);
+  PrepareColumns(statement.Columns());
+  Status status;
+  const bool oneRow = statement.Columns().Needed() > 0 && !statement.IsSelect();
+  isc_dsql_execute2(status.Vector(), transaction.Handle(), statement.Handle(), SQLDA_VERSION1,
+                    nullptr, oneRow ? statement.Columns().Get() : nullptr);
+  status.Check();
+  const std::int64_t changed = statement.RowsChanged();
+  statement.Free();
+  if (own) own->Commit();
+  return changed;
+}
+
+std::unique_ptr<data::Cursor> FirebirdConnection::QueryOnce(
+    std::string_view sql, std::span<const data::ParameterValue> parameters) {
+  std::optional<Transaction> own = OwnTransaction();
+  Transaction& transaction = own ? *own : transaction_;
+  Statement statement(database_, transaction, sql, dialect_);
+  Descriptor values = BoundParameters(database_, transaction, statement, parameters);
+  PrepareColumns(statement.Columns());
+  const bool select = statement.IsSelect();
+  const bool rows = statement.Columns().Needed() > 0;
+  Status status;
+  isc_dsql_execute2(status.Vector(), transaction.Handle(), statement.Handle(), SQLDA_VERSION1,
+                    values.Get(), rows && !select ? statement.Columns().Get() : nullptr);
+  status.Check();
+  if (select) {
+    drivers::OpenCursors& open = own ? alone_ : inTransaction_;
+    return std::make_unique<Cursor>(open, database_, transaction_, std::move(own),
+                                    std::move(statement), trimCharacters_);
+  }
+  std::unique_ptr<Cursor> row;
+  if (rows) {
+    row = std::make_unique<Cursor>(inTransaction_, database_, transaction, std::move(statement),
+                                   trimCharacters_);
+  }
+  if (own) own->Commit();
+  return row;
+}
+
+void FirebirdConnection::Begin(Isolation isolation) {
+  RequireOpen();
+  transaction_ = Transaction(database_, isolation, lockMilliseconds_);
+  isolation_ = isolation;
+}
+
+// The server closes the cursors of a transaction with it.
+void FirebirdConnection::Commit() {
+  inTransaction_.DetachAll();
+  transaction_.Commit();
+}
+
+void FirebirdConnection::Rollback() {
+  inTransaction_.DetachAll();
+  transaction_.Rollback();
+}
+
+std::vector<std::string> FirebirdConnection::TableNames(bool system) {
+  const auto rows = Query(std::string("SELECT RDB$RELATION_NAME FROM RDB$RELATIONS"
+                                      " WHERE COALESCE(RDB$SYSTEM_FLAG, 0) ") +
+                              (system ? "<>" : "=") + " 0 ORDER BY RDB$RELATION_NAME",
+                          {});
+  std::vector<std::string> names;
+  while (rows->Next()) names.emplace_back(drivers::TrimmedRight(rows->Text(0)));
+  return names;
+}
+
+std::string FirebirdConnection::ServerVersion() {
+  const auto row =
+      Query("SELECT RDB$GET_CONTEXT('SYSTEM', 'ENGINE_VERSION') FROM RDB$DATABASE", {});
+  if (!row->Next() || row->IsNull(0)) return "Firebird";
+  return "Firebird " + std::string(row->Text(0));
+}
+
+class FirebirdDriver final : public data::Driver {
+ public:
+  std::unique_ptr<data::Connection> MakeConnection() override {
+    return std::make_unique<FirebirdConnection>();
+  }
+};
+
+}  // namespace
+}  // namespace kvshare::firebird
+
+extern "C" KVSHARE_API kvshare::data::Driver* getSQLDriverINTERBASE(std::int32_t contract) {
+  static kvshare::firebird::FirebirdDriver driver;
+  return contract == kvshare::data::kDriverContract ? &driver : nullptr;
+}

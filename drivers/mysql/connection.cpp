@@ -1,0 +1,194 @@
+// MariaDB, MySQL and clusters of them.
+#include <mysql.h>
+
+#include <memory>
+#include <string>
+
+#include "drivers/common/cursors.h"
+#include "drivers/common/parameters.h"
+#include "drivers/mysql/errors.h"
+#include "drivers/mysql/rows.h"
+#include "kvshare/data/driver.h"
+
+namespace kvshare::mysql {
+namespace {
+
+using data::Isolation;
+
+constexpr unsigned kConnectSeconds = 15;
+
+// Strict, whatever the server's own settings: a value that does not fit is an error, never cut or
+// replaced. A program may leave rows unread for as long as a person looks at the first ones.
+constexpr const char* kSession =
+    "SET SESSION sql_mode = CONCAT(@@sql_mode, ',STRICT_ALL_TABLES,ERROR_FOR_DIVISION_BY_ZERO'),"
+    " SESSION net_write_timeout = 86400";
+constexpr const char* kReadCommitted = "SET SESSION TRANSACTION ISOLATION LEVEL READ COMMITTED";
+
+struct CloseConnection {
+  void operator()(MYSQL* connection) const { mysql_close(connection); }
+};
+
+class MySqlConnection final : public data::Connection {
+ public:
+  ~MySqlConnection() override { Disconnect(); }
+
+  void Connect(const std::vector<std::pair<std::string, std::string>>& list) override;
+  void Disconnect() noexcept override {
+    open_.AbandonAll();
+    mysql_.reset();
+  }
+  std::int64_t Execute(std::string_view sql) override {
+    Send(sql);
+    return DrainResults(mysql_.get());
+  }
+  std::unique_ptr<data::Cursor> Query(std::string_view sql,
+                                      std::span<const data::ParameterValue> parameters) override;
+  void Begin(Isolation isolation) override;
+  void Commit() override { Execute("COMMIT"); }
+  void Rollback() override { Execute("ROLLBACK"); }
+  std::vector<std::string> TableNames(bool system) override;
+  void SetLockTimeout(std::int32_t milliseconds) override;
+  std::string ServerVersion() override;
+
+ private:
+  void Ready();
+  void Send(std::string_view sql);
+  std::unique_ptr<data::Cursor> QueryPrepared(std::string_view sql,
+                                              std::span<const data::ParameterValue> parameters);
+
+  std::unique_ptr<MYSQL, CloseConnection> mysql_;
+  drivers::OpenCursors open_;
+  std::int32_t lockMilliseconds_ = 10'000;
+};
+
+void MySqlConnection::Connect(const std::vector<std::pair<std::string, std::string>>& list) {
+  Disconnect();
+  const drivers::Parameters parameters(list);
+  const drivers::ServerAddress server = drivers::SplitHostName(parameters.Get("HostName"));
+  const std::string database = parameters.Get("Database");
+  const std::string user = parameters.Get("User_Name");
+  const std::string password = parameters.Get("Password");
+
+  std::unique_ptr<MYSQL, CloseConnection> made(mysql_init(nullptr));
+  if (!made) throw std::bad_alloc();
+  mysql_options(made.get(), MYSQL_SET_CHARSET_NAME, "utf8mb4");
+  mysql_options(made.get(), MYSQL_OPT_CONNECT_TIMEOUT, &kConnectSeconds);
+  const unsigned never = 0;  // no file of this machine goes to a server that asks for it
+  mysql_options(made.get(), MYSQL_OPT_LOCAL_INFILE, &never);
+  if (!server.port.empty()) {  // `localhost` alone would mean the local socket
+    const unsigned tcp = MYSQL_PROTOCOL_TCP;
+    mysql_options(made.get(), MYSQL_OPT_PROTOCOL, &tcp);
+  }
+  const unsigned port = server.port.empty() ? 0 : static_cast<unsigned>(std::stoul(server.port));
+  // A row that an update finds counts, though it had those values already.
+  constexpr unsigned long kFlags = CLIENT_FOUND_ROWS | CLIENT_MULTI_RESULTS;
+  if (mysql_real_connect(made.get(), server.host.empty() ? nullptr : server.host.c_str(),
+                         user.c_str(), password.c_str(),
+                         database.empty() ? nullptr : database.c_str(), port, nullptr,
+                         kFlags) == nullptr) {
+    Fail(made.get());
+  }
+  mysql_ = std::move(made);
+  try {
+    Execute(kSession);
+    Execute(kReadCommitted);
+    SetLockTimeout(lockMilliseconds_);
+  } catch (...) {
+    Disconnect();
+    throw;
+  }
+}
+
+void MySqlConnection::Ready() {
+  if (!mysql_) throw data::DriverError("The connection is closed");
+  open_.DetachAll();
+}
+
+void MySqlConnection::Send(std::string_view sql) {
+  Ready();
+  if (mysql_real_query(mysql_.get(), sql.data(), sql.size()) != 0) Fail(mysql_.get());
+}
+
+std::unique_ptr<data::Cursor> MySqlConnection::Query(
+    std::string_view sql, std::span<const data::ParameterValue> parameters) {
+  if (!parameters.empty()) return QueryPrepared(sql, parameters);
+  Send(sql);
+  Result rows(mysql_use_result(mysql_.get()));
+  if (rows) {
+    return std::make_unique<drivers::DetachableCursor<TextRows>>(open_, mysql_.get(),
+                                                                 std::move(rows));
+  }
+  if (mysql_field_count(mysql_.get()) != 0) Fail(mysql_.get());
+  DrainResults(mysql_.get());
+  return nullptr;
+}
+
+std::unique_ptr<data::Cursor> MySqlConnection::QueryPrepared(
+    std::string_view sql, std::span<const data::ParameterValue> parameters) {
+  Ready();
+  Statement statement(mysql_stmt_init(mysql_.get()));
+  if (!statement) throw std::bad_alloc();
+  if (mysql_stmt_prepare(statement.get(), sql.data(), sql.size()) != 0) Fail(statement.get());
+  ExecuteWith(statement.get(), parameters);
+  Result description(mysql_stmt_result_metadata(statement.get()));
+  if (!description) return nullptr;
+  return std::make_unique<drivers::DetachableCursor<StatementRows>>(open_, std::move(statement),
+                                                                    std::move(description));
+}
+
+void MySqlConnection::Begin(Isolation isolation) {
+  switch (isolation) {
+    case Isolation::ReadCommitted:
+      break;  // the session's
+    case Isolation::RepeatableRead:
+      Execute("SET TRANSACTION ISOLATION LEVEL REPEATABLE READ");
+      break;
+    case Isolation::DirtyRead:
+      Execute("SET TRANSACTION ISOLATION LEVEL READ UNCOMMITTED");
+      break;
+    case Isolation::Custom:
+      break;
+  }
+  Execute("START TRANSACTION");
+}
+
+std::vector<std::string> MySqlConnection::TableNames(bool system) {
+  const auto rows = Query(system ? "SELECT CONCAT(TABLE_SCHEMA, '.', TABLE_NAME)"
+                                   " FROM information_schema.TABLES WHERE TABLE_SCHEMA IN"
+                                   " ('information_schema', 'mysql', 'performance_schema', 'sys')"
+                                 : "SHOW TABLES",
+                          {});
+  std::vector<std::string> names;
+  while (rows->Next()) names.emplace_back(rows->Text(0));
+  return names;
+}
+
+void MySqlConnection::SetLockTimeout(std::int32_t milliseconds) {
+  lockMilliseconds_ = milliseconds;
+  if (!mysql_) return;
+  const std::string seconds = std::to_string((std::int64_t{milliseconds} + 999) / 1000);
+  Execute("SET SESSION innodb_lock_wait_timeout = " + seconds +
+          ", SESSION lock_wait_timeout = " + seconds);
+}
+
+std::string MySqlConnection::ServerVersion() {
+  if (!mysql_) throw data::DriverError("The connection is closed");
+  const std::string version = mysql_get_server_info(mysql_.get());
+  const bool maria = version.find("MariaDB") != std::string::npos;
+  return (maria ? "MariaDB " : "MySQL ") + version.substr(0, version.find('-'));
+}
+
+class MySqlDriver final : public data::Driver {
+ public:
+  std::unique_ptr<data::Connection> MakeConnection() override {
+    return std::make_unique<MySqlConnection>();
+  }
+};
+
+}  // namespace
+}  // namespace kvshare::mysql
+
+extern "C" KVSHARE_API kvshare::data::Driver* getSQLDriverMYSQL(std::int32_t contract) {
+  static kvshare::mysql::MySqlDriver driver;
+  return contract == kvshare::data::kDriverContract ? &driver : nullptr;
+}

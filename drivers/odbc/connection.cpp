@@ -1,0 +1,287 @@
+// Whatever has an ODBC driver: SQL Server, Access, Oracle and the rest.
+#include <array>
+#include <memory>
+#include <string>
+
+#include "drivers/common/cursors.h"
+#include "drivers/common/parameters.h"
+#include "drivers/odbc/handles.h"
+#include "drivers/odbc/parameters.h"
+#include "drivers/odbc/rows.h"
+#include "drivers/odbc/utf16.h"
+#include "kvshare/data/driver.h"
+
+namespace kvshare::odbc {
+namespace {
+
+using data::Isolation;
+using drivers::Parameters;
+
+constexpr std::uintptr_t kConnectSeconds = 15;
+
+// In braces where a character of it would mean something; not every driver takes them always.
+std::string Quoted(std::string_view value) {
+  if (value.find_first_of(";{}[]() ") == std::string_view::npos) return std::string(value);
+  std::string quoted = "{";
+  for (const char c : value) quoted.append(c == '}' ? 2 : 1, c);
+  return quoted + "}";
+}
+
+std::string ConnectionString(const Parameters& parameters) {
+  const std::string database = parameters.Get("Database");
+  const bool whole = database.find('=') != std::string::npos;
+  std::string text = whole ? database : "DSN=" + database;
+  const auto add = [&text](std::string_view key, const std::string& value) {
+    if (value.empty()) return;
+    text += text.ends_with(';') ? "" : ";";
+    text += key;
+    text += '=';
+    text += value;
+  };
+  const drivers::ServerAddress server = drivers::SplitHostName(parameters.Get("HostName"));
+  add("Server", server.host);
+  add("Port", server.port);
+  add("UID", Quoted(parameters.Get("User_Name")));
+  add("PWD", Quoted(parameters.Get("Password")));
+  return text;
+}
+
+// Some drivers give all tables, and tell those of the system by their catalogue alone.
+bool IsSystemTable(const Rows& rows) {
+  if (!rows.IsNull(3) && rows.Text(3).starts_with("SYSTEM")) return true;
+  if (rows.IsNull(0)) return false;
+  const std::string catalog(rows.Text(0));
+  return catalog == "mysql" || catalog == "information_schema" || catalog == "performance_schema" ||
+         catalog == "sys";
+}
+
+class OdbcConnection final : public data::Connection {
+ public:
+  ~OdbcConnection() override { Disconnect(); }
+
+  void Connect(const std::vector<std::pair<std::string, std::string>>& list) override;
+  void Disconnect() noexcept override;
+  std::int64_t Execute(std::string_view sql) override;
+  std::unique_ptr<data::Cursor> Query(std::string_view sql,
+                                      std::span<const data::ParameterValue> parameters) override;
+  void Begin(Isolation isolation) override;
+  void Commit() override { End(SQL_COMMIT); }
+  void Rollback() override {
+    End(SQL_ROLLBACK);
+    SetLockTimeout(lockMilliseconds_);  // some servers take a setting back with the rest
+  }
+  std::vector<std::string> TableNames(bool system) override;
+  void SetLockTimeout(std::int32_t milliseconds) override;
+  std::string ServerVersion() override { return Info(SQL_DBMS_NAME) + " " + Info(SQL_DBMS_VER); }
+
+ private:
+  using Cursor = drivers::DetachableCursor<Rows>;
+
+  Handle NewStatement();
+  void Set(SQLINTEGER attribute, std::uintptr_t value) {
+    connection_.Check(
+        SQLSetConnectAttrW(connection_.Get(), attribute, Number(value), SQL_IS_UINTEGER));
+  }
+  void End(SQLSMALLINT way);
+  std::string Info(SQLUSMALLINT what);
+  std::u16string Catalog();
+  std::vector<std::string> ReadTableNames(bool system);
+  void StartSession();
+  bool GivesUtf8Bytes();
+
+  Handle environment_;
+  Handle connection_;
+  bool connected_ = false;
+  bool oneAtATime_ = false;
+  TextRules texts_;
+  std::int32_t lockMilliseconds_ = 10'000;
+  std::string dbms_;
+  drivers::OpenCursors open_;
+};
+
+void OdbcConnection::Connect(const std::vector<std::pair<std::string, std::string>>& list) {
+  Disconnect();
+  const Parameters parameters(list);
+  std::u16string text = ToUtf16(ConnectionString(parameters));
+  environment_ = Handle(SQL_HANDLE_ENV, nullptr);
+  environment_.Check(
+      SQLSetEnvAttr(environment_.Get(), SQL_ATTR_ODBC_VERSION, Number(SQL_OV_ODBC3), 0));
+  connection_ = Handle(SQL_HANDLE_DBC, environment_.Get());
+  Set(SQL_ATTR_LOGIN_TIMEOUT, kConnectSeconds);
+  const SQLRETURN result = SQLDriverConnectW(connection_.Get(), nullptr, Units(text.data()),
+                                             static_cast<SQLSMALLINT>(text.size()), nullptr, 0,
+                                             nullptr, SQL_DRIVER_NOPROMPT);
+  connection_.Check(result);
+  connected_ = true;
+  texts_.trimCharacters = parameters.IsTrue("Trim Char");
+  try {
+    StartSession();
+  } catch (...) {
+    Disconnect();
+    throw;
+  }
+}
+
+void OdbcConnection::StartSession() {
+  dbms_ = Info(SQL_DBMS_NAME);
+  SQLUSMALLINT activities = 0;
+  SQLGetInfoW(connection_.Get(), SQL_MAX_CONCURRENT_ACTIVITIES, &activities, sizeof activities,
+              nullptr);
+  oneAtATime_ = activities == 1;
+  // Not every server knows it: SQLite has but one isolation, a stronger one.
+  SQLSetConnectAttrW(connection_.Get(), SQL_ATTR_TXN_ISOLATION, Number(SQL_TXN_READ_COMMITTED),
+                     SQL_IS_UINTEGER);
+  texts_.utf8Bytes = GivesUtf8Bytes();
+  if (const std::string_view session = DialectOf(dbms_).session; !session.empty()) Execute(session);
+  SetLockTimeout(lockMilliseconds_);
+}
+
+// A Thai letter through the server and back: nothing else tells what narrow texts a driver gives.
+bool OdbcConnection::GivesUtf8Bytes() {
+  const Handle statement = NewStatement();
+  std::u16string text = u"SELECT 'ก'";
+  std::array<char, 16> bytes{};
+  SQLLEN size = 0;
+  const bool got =
+      SQL_SUCCEEDED(SQLExecDirectW(statement.Get(), Units(text.data()), SQL_NTS)) &&
+      SQL_SUCCEEDED(SQLFetch(statement.Get())) &&
+      SQL_SUCCEEDED(SQLGetData(statement.Get(), 1, SQL_C_CHAR, bytes.data(), bytes.size(), &size));
+  return got && std::string_view(bytes.data()) == "ก";
+}
+
+void OdbcConnection::Disconnect() noexcept {
+  open_.AbandonAll();
+  if (connected_) {
+    SQLEndTran(SQL_HANDLE_DBC, connection_.Get(), SQL_ROLLBACK);
+    SQLDisconnect(connection_.Get());
+  }
+  connected_ = false;
+  connection_.Reset();
+  environment_.Reset();
+}
+
+Handle OdbcConnection::NewStatement() {
+  if (!connected_) throw data::DriverError("The connection is closed");
+  if (oneAtATime_) open_.DetachAll();
+  return {SQL_HANDLE_STMT, connection_.Get()};
+}
+
+std::int64_t OdbcConnection::Execute(std::string_view sql) {
+  const Handle statement = NewStatement();
+  std::u16string text = ToUtf16(sql);
+  statement.Check(
+      SQLExecDirectW(statement.Get(), Units(text.data()), static_cast<SQLINTEGER>(text.size())));
+  SQLSMALLINT columns = 0;
+  SQLLEN changed = 0;
+  SQLNumResultCols(statement.Get(), &columns);
+  if (columns > 0 || !SQL_SUCCEEDED(SQLRowCount(statement.Get(), &changed))) return 0;
+  return changed < 0 ? 0 : changed;
+}
+
+std::unique_ptr<data::Cursor> OdbcConnection::Query(
+    std::string_view sql, std::span<const data::ParameterValue> parameters) {
+  Handle statement = NewStatement();
+  std::u16string text = ToUtf16(sql);
+  const auto size = static_cast<SQLINTEGER>(text.size());
+  if (parameters.empty()) {
+    statement.Check(SQLExecDirectW(statement.Get(), Units(text.data()), size));
+  } else {
+    statement.Check(SQLPrepareW(statement.Get(), Units(text.data()), size));
+    const BoundParameters bound(statement, parameters);
+    statement.Check(SQLExecute(statement.Get()));
+    SQLFreeStmt(statement.Get(), SQL_RESET_PARAMS);
+  }
+  SQLSMALLINT columns = 0;
+  statement.Check(SQLNumResultCols(statement.Get(), &columns));
+  if (columns == 0) return nullptr;
+  return std::make_unique<Cursor>(open_, std::move(statement), texts_);
+}
+
+void OdbcConnection::Begin(Isolation isolation) {
+  if (!connected_) throw data::DriverError("The connection is closed");
+  std::uintptr_t level = SQL_TXN_READ_COMMITTED;
+  if (isolation == Isolation::RepeatableRead) level = SQL_TXN_REPEATABLE_READ;
+  if (isolation == Isolation::DirtyRead) level = SQL_TXN_READ_UNCOMMITTED;
+  SQLSetConnectAttrW(connection_.Get(), SQL_ATTR_TXN_ISOLATION, Number(level), SQL_IS_UINTEGER);
+  Set(SQL_ATTR_AUTOCOMMIT, SQL_AUTOCOMMIT_OFF);
+}
+
+void OdbcConnection::End(SQLSMALLINT way) {
+  if (!connected_) throw data::DriverError("The connection is closed");
+  open_.DetachAll();  // many drivers close cursors then
+  connection_.Check(SQLEndTran(SQL_HANDLE_DBC, connection_.Get(), way));
+  Set(SQL_ATTR_AUTOCOMMIT, SQL_AUTOCOMMIT_ON);
+}
+
+std::string OdbcConnection::Info(SQLUSMALLINT what) {
+  if (!connected_) throw data::DriverError("The connection is closed");
+  std::array<char16_t, 256> text{};
+  SQLSMALLINT bytes = 0;
+  connection_.Check(SQLGetInfoW(connection_.Get(), what, text.data(),
+                                static_cast<SQLSMALLINT>(sizeof text), &bytes));
+  std::string info;
+  AppendUtf8(info, text.data());
+  return info;
+}
+
+std::u16string OdbcConnection::Catalog() {
+  std::array<char16_t, 256> text{};
+  SQLINTEGER bytes = 0;
+  SQLGetConnectAttrW(connection_.Get(), SQL_ATTR_CURRENT_CATALOG, text.data(),
+                     static_cast<SQLINTEGER>(sizeof text), &bytes);
+  return text.data();
+}
+
+std::vector<std::string> OdbcConnection::ReadTableNames(bool system) {
+  Handle statement = NewStatement();
+  std::u16string catalog = system ? std::u16string() : Catalog();
+  std::u16string types = system ? u"SYSTEM TABLE,SYSTEM VIEW" : u"TABLE,VIEW";
+  statement.Check(SQLTablesW(statement.Get(), catalog.empty() ? nullptr : Units(catalog.data()),
+                             static_cast<SQLSMALLINT>(catalog.size()), nullptr, 0, nullptr, 0,
+                             Units(types.data()), static_cast<SQLSMALLINT>(types.size())));
+  Rows rows(std::move(statement), TextRules{});
+  std::vector<std::string> names;
+  while (rows.Next()) {
+    if (!system || IsSystemTable(rows)) names.emplace_back(rows.Text(2));
+  }
+  return names;
+}
+
+// Some drivers tell a lost connection here as any failure.
+std::vector<std::string> OdbcConnection::TableNames(bool system) {
+  try {
+    return ReadTableNames(system);
+  } catch (const data::DriverError& e) {
+    SQLUINTEGER dead = SQL_CD_FALSE;
+    SQLGetConnectAttrW(connection_.Get(), SQL_ATTR_CONNECTION_DEAD, &dead, sizeof dead, nullptr);
+    if (dead != SQL_CD_TRUE) throw;
+    throw data::DriverError(e.what(), data::DriverError::Kind::ConnectionLost);
+  }
+}
+
+void OdbcConnection::SetLockTimeout(std::int32_t milliseconds) {
+  lockMilliseconds_ = milliseconds;
+  if (!connected_) return;
+  const Dialect& dialect = DialectOf(dbms_);
+  const std::int64_t time =
+      dialect.inSeconds ? (std::int64_t{milliseconds} + 999) / 1000 : milliseconds;
+  for (const std::string command : {dialect.lockTimeout, dialect.lockTimeoutToo}) {
+    if (!command.empty())
+      Execute(command + std::to_string(std::max<std::int64_t>(time, dialect.leastTimeout)));
+  }
+}
+
+class OdbcDriver final : public data::Driver {
+ public:
+  std::unique_ptr<data::Connection> MakeConnection() override {
+    return std::make_unique<OdbcConnection>();
+  }
+};
+
+}  // namespace
+}  // namespace kvshare::odbc
+
+extern "C" KVSHARE_API kvshare::data::Driver* getSQLDriverODBC(std::int32_t contract) {
+  static kvshare::odbc::OdbcDriver driver;
+  return contract == kvshare::data::kDriverContract ? &driver : nullptr;
+}

@@ -1,0 +1,116 @@
+#include "drivers/odbc/handles.h"
+
+#include <algorithm>
+#include <array>
+
+#include "drivers/odbc/utf16.h"
+
+namespace kvshare::odbc {
+namespace {
+
+using data::DriverError;
+
+struct KindRow {
+  std::string_view state;  // or its class
+  SQLINTEGER code;         // of the server; 0: any
+  DriverError::Kind kind;
+};
+constexpr KindRow kKinds[] = {
+    {"08", 0, DriverError::Kind::ConnectionLost},
+    {"57P", 0, DriverError::Kind::ConnectionLost},  // PostgreSQL stops or has crashed
+    {"40001", 0, DriverError::Kind::Conflict},
+    {"40P01", 0, DriverError::Kind::Conflict},  // PostgreSQL: deadlock
+    {"55P03", 0, DriverError::Kind::Busy},      // PostgreSQL: waited too long for a lock
+    {"HYT", 0, DriverError::Kind::Busy},        // timeouts
+    {"HY000", 1205, DriverError::Kind::Busy},   // MariaDB: the same
+    {"HY000", 1222, DriverError::Kind::Busy},   // SQL Server: the same
+    {"42000", 1222, DriverError::Kind::Busy},
+    {"HY000", 1213, DriverError::Kind::Conflict},  // MariaDB: deadlock
+    {"HY000", 2002, DriverError::Kind::ConnectionLost},
+    {"HY000", 2003, DriverError::Kind::ConnectionLost},
+    {"HY000", 2006, DriverError::Kind::ConnectionLost},
+    {"HY000", 2013, DriverError::Kind::ConnectionLost},
+};
+
+struct Report {
+  std::string text;
+  std::string state;
+  SQLINTEGER code = 0;
+};
+
+// "[vendor][driver]the server's words" without what comes from on the way.
+std::string_view WithoutOrigin(std::string_view text) {
+  while (text.starts_with('[') && text.find(']') != std::string_view::npos) {
+    text.remove_prefix(text.find(']') + 1);
+  }
+  return text;
+}
+
+Report ReportOf(SQLSMALLINT type, SQLHANDLE handle) {
+  Report report;
+  std::array<char16_t, 6> state{};
+  std::array<char16_t, 2048> text{};
+  SQLINTEGER code = 0;
+  SQLSMALLINT size = 0;
+  for (SQLSMALLINT i = 1;
+       SQL_SUCCEEDED(SQLGetDiagRecW(type, handle, i, Units(state.data()), &code, Units(text.data()),
+                                    static_cast<SQLSMALLINT>(text.size()), &size));
+       ++i) {
+    std::string line;
+    const auto units = std::min<std::size_t>(static_cast<std::size_t>(size), text.size() - 1);
+    AppendUtf8(line, {text.data(), units});
+    if (i == 1) {
+      AppendUtf8(report.state, {state.data(), 5});
+      report.code = code;
+    } else {
+      report.text += '\n';
+    }
+    report.text += WithoutOrigin(line);
+  }
+  return report;
+}
+
+DriverError::Kind KindOf(const Report& report) {
+  for (const KindRow& row : kKinds) {
+    if (report.state.starts_with(row.state) && (row.code == 0 || row.code == report.code)) {
+      return row.kind;
+    }
+  }
+  return DriverError::Kind::Other;
+}
+
+constexpr Dialect kDialects[] = {
+    {"MariaDB", "SET SESSION sql_mode = CONCAT(@@sql_mode, ',STRICT_ALL_TABLES')",
+     "SET SESSION innodb_lock_wait_timeout = ", "SET SESSION lock_wait_timeout = ", true, 0},
+    {"MySQL", "SET SESSION sql_mode = CONCAT(@@sql_mode, ',STRICT_ALL_TABLES')",
+     "SET SESSION innodb_lock_wait_timeout = ", "SET SESSION lock_wait_timeout = ", true, 1},
+    {"PostgreSQL", "", "SET lock_timeout = ", "", false, 1},
+    {"Microsoft SQL Server", "", "SET LOCK_TIMEOUT ", "", false, 0},
+    {"", "", "", "", false, 0},
+};
+
+}  // namespace
+
+Handle::Handle(SQLSMALLINT type, SQLHANDLE parent) : type_(type) {
+  if (SQL_SUCCEEDED(SQLAllocHandle(type, parent, &handle_))) return;
+  handle_ = nullptr;
+  throw DriverError("No handle of the driver manager");
+}
+
+void Handle::Reset() noexcept {
+  if (handle_ != nullptr) SQLFreeHandle(type_, std::exchange(handle_, nullptr));
+}
+
+void Handle::Check(SQLRETURN result) const {
+  if (SQL_SUCCEEDED(result) || result == SQL_NO_DATA) return;
+  const Report report = ReportOf(type_, handle_);
+  throw DriverError(report.text.empty() ? "A call of the driver manager failed" : report.text,
+                    KindOf(report));
+}
+
+const Dialect& DialectOf(std::string_view dbmsName) {
+  return *std::ranges::find_if(
+      kDialects, [dbmsName](const Dialect& dialect) { return dbmsName.starts_with(dialect.name); });
+}
+
+}  // namespace kvshare::odbc

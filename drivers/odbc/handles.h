@@ -1,0 +1,63 @@
+// Owners of the driver manager's handles, and errors made of what they report.
+#pragma once
+
+#include <sql.h>
+#include <sqlext.h>
+#include <sqlucode.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "kvshare/data/driver.h"
+
+namespace kvshare::odbc {
+
+class Handle {
+ public:
+  Handle() = default;
+  Handle(SQLSMALLINT type, SQLHANDLE parent);
+  ~Handle() { Reset(); }
+  Handle(Handle&& other) noexcept
+      : type_(other.type_), handle_(std::exchange(other.handle_, nullptr)) {}
+  Handle& operator=(Handle&& other) noexcept {
+    std::swap(type_, other.type_);
+    std::swap(handle_, other.handle_);
+    return *this;
+  }
+
+  SQLHANDLE Get() const { return handle_; }
+  explicit operator bool() const { return handle_ != nullptr; }
+  void Reset() noexcept;
+
+  // Throws DriverError where the result of a call on this handle is a failure.
+  void Check(SQLRETURN result) const;
+
+ private:
+  SQLSMALLINT type_ = SQL_HANDLE_ENV;
+  SQLHANDLE handle_ = nullptr;
+};
+
+// The driver manager's name for our wide characters.
+inline SQLWCHAR* Units(char16_t* text) {
+  return reinterpret_cast<SQLWCHAR*>(text);
+}
+
+// A number where the interface takes numbers and pointers in one argument.
+inline SQLPOINTER Number(std::uintptr_t value) {
+  return reinterpret_cast<SQLPOINTER>(value);  // NOLINT(performance-no-int-to-ptr)
+}
+
+// What ODBC leaves to each server.
+struct Dialect {
+  std::string_view name;       // as SQL_DBMS_NAME begins
+  const char* session;         // sent once; "" where nothing is needed
+  const char* lockTimeout;     // sent with the number behind it; "" where there is none
+  const char* lockTimeoutToo;  // a second one
+  bool inSeconds;
+  std::int32_t leastTimeout;  // where 0 would mean for ever
+};
+const Dialect& DialectOf(std::string_view dbmsName);
+
+}  // namespace kvshare::odbc

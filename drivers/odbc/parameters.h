@@ -1,0 +1,33 @@
+#pragma once
+
+#include <deque>
+#include <span>
+#include <string>
+
+#include "drivers/odbc/handles.h"
+#include "kvshare/data/driver.h"
+
+namespace kvshare::odbc {
+
+// The values of a prepared statement's parameters, kept for as long as it executes.
+class BoundParameters {
+ public:
+  BoundParameters(const Handle& statement, std::span<const data::ParameterValue> parameters);
+
+  void operator()(std::monostate);
+  void operator()(const std::int64_t& value);
+  void operator()(const double& value);
+  void operator()(const std::string& text);
+  void operator()(const data::Bytes& value);
+
+ private:
+  void Bind(SQLSMALLINT valueType, SQLSMALLINT type, SQLULEN characters, const void* value,
+            std::size_t bytes);
+
+  const Handle& statement_;
+  SQLUSMALLINT number_ = 0;
+  std::deque<std::u16string> texts_;
+  std::deque<SQLLEN> sizes_;
+};
+
+}  // namespace kvshare::odbc

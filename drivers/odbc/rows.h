@@ -1,0 +1,63 @@
+// The rows of a statement: many at a time where all columns are short, else one by one.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "drivers/odbc/handles.h"
+#include "kvshare/data/driver.h"
+
+namespace kvshare::odbc {
+
+// How texts are read.
+struct TextRules {
+  bool utf8Bytes = false;  // the driver gives narrow texts in UTF-8; wide ones cost more
+  bool trimCharacters = false;
+};
+
+class Rows {
+ public:
+  Rows(Handle statement, TextRules rules);
+  ~Rows() { Close(); }
+  Rows(const Rows&) = delete;
+  Rows& operator=(const Rows&) = delete;
+
+  const std::vector<data::Column>& Columns() const { return columns_; }
+  bool Next();
+  bool IsNull(int column) const { return At(column).sizes[row_] == SQL_NULL_DATA; }
+  std::int64_t Integer(int column) const;
+  double Float(int column) const;
+  std::string_view Text(int column) const;
+  void Close() noexcept;
+
+ private:
+  struct Field {
+    SQLSMALLINT type = 0;   // of the values as they are fetched
+    std::size_t width = 0;  // bytes of one; 0: long, fetched in parts
+    bool trimmed = false;
+    std::vector<char> values;
+    std::vector<SQLLEN> sizes;  // or SQL_NULL_DATA
+    mutable std::string text;
+  };
+
+  const Field& At(int column) const { return fields_[static_cast<std::size_t>(column)]; }
+  void Describe(SQLUSMALLINT number, TextRules rules);
+  void Bind();
+  bool FetchBlock();
+  void Get(std::size_t column);
+  void GetLong(std::size_t column);
+  std::string_view Raw(int column) const;
+  std::string_view ShortText(int column) const;
+  std::string_view Moment(int column, std::string_view text) const;
+
+  Handle statement_;
+  std::vector<data::Column> columns_;
+  std::vector<Field> fields_;
+  bool bound_ = true;
+  std::size_t row_ = 0;
+  SQLULEN fetched_ = 0;
+};
+
+}  // namespace kvshare::odbc

@@ -1,0 +1,282 @@
+// PostgreSQL, and what speaks its protocol.
+#include <libpq-fe.h>
+
+#include <array>
+#include <charconv>
+#include <memory>
+#include <string>
+
+#include "drivers/common/cursors.h"
+#include "drivers/common/forms.h"
+#include "drivers/common/parameters.h"
+#include "drivers/common/placeholders.h"
+#include "drivers/postgres/errors.h"
+#include "drivers/postgres/rows.h"
+#include "kvshare/data/driver.h"
+
+namespace kvshare::postgres {
+namespace {
+
+using data::Isolation;
+
+// The forms that Rows reads, whatever the database's own settings.
+constexpr const char* kSession =
+    "-c DateStyle=ISO -c IntervalStyle=postgres -c bytea_output=hex -c extra_float_digits=1"
+    " -c standard_conforming_strings=on -c default_transaction_isolation=read\\ committed";
+
+struct FinishConnection {
+  void operator()(PGconn* connection) const { PQfinish(connection); }
+};
+using Handle = std::unique_ptr<PGconn, FinishConnection>;
+
+// The values of a statement's parameters as the client takes them.
+class Values {
+ public:
+  explicit Values(std::span<const data::ParameterValue> parameters) {
+    texts_.reserve(parameters.size());
+    for (const data::ParameterValue& value : parameters) std::visit(*this, value);
+    for (std::size_t i = 0; i < texts_.size(); ++i) {
+      pointers_.push_back(nulls_[i] ? nullptr : texts_[i].data());
+      lengths_.push_back(static_cast<int>(texts_[i].size()));
+    }
+  }
+
+  void operator()(std::monostate) { Add({}, 0, true); }
+  void operator()(std::int64_t value) { Add(std::to_string(value), 0); }
+  void operator()(double value) { Add(drivers::FromFloat(value), 0); }
+  void operator()(const std::string& text) {
+    drivers::RefuseZeroByte(text);
+    Add(text, 0);
+  }
+  void operator()(const data::Bytes& value) { Add(value.bytes, 1); }
+
+  bool Send(PGconn* connection, const std::string& sql) const {
+    const bool simple = texts_.empty();
+    return simple ? PQsendQuery(connection, sql.c_str()) == 1
+                  : PQsendQueryParams(connection, drivers::NumberedPlaceholders(sql).c_str(),
+                                      static_cast<int>(texts_.size()), types_.data(),
+                                      pointers_.data(), lengths_.data(), formats_.data(), 0) == 1;
+  }
+
+ private:
+  static constexpr Oid kBytea = 17;
+
+  // The server finds the type of all but bytes from the place where they stand.
+  void Add(std::string text, int format, bool null = false) {
+    texts_.push_back(std::move(text));
+    nulls_.push_back(null);
+    formats_.push_back(format);
+    types_.push_back(format == 1 ? kBytea : 0);
+  }
+
+  std::vector<std::string> texts_;
+  std::vector<bool> nulls_;
+  std::vector<const char*> pointers_;
+  std::vector<int> lengths_;
+  std::vector<int> formats_;
+  std::vector<Oid> types_;
+};
+
+class PostgresConnection final : public data::Connection {
+ public:
+  ~PostgresConnection() override { Disconnect(); }
+
+  void Connect(const std::vector<std::pair<std::string, std::string>>& list) override;
+  void Disconnect() noexcept override {
+    open_.AbandonAll();
+    postgres_.reset();
+  }
+  std::int64_t Execute(std::string_view sql) override;
+  std::unique_ptr<data::Cursor> Query(std::string_view sql,
+                                      std::span<const data::ParameterValue> parameters) override;
+  void Begin(Isolation isolation) override;
+  void Commit() override;
+  void Rollback() override;
+  std::vector<std::string> TableNames(bool system) override;
+  void SetLockTimeout(std::int32_t milliseconds) override;
+  std::string ServerVersion() override;
+
+ private:
+  void Ready(std::string_view sql);
+
+  Handle postgres_;
+  drivers::OpenCursors open_;
+  std::int32_t lockMilliseconds_ = 10'000;
+  bool trimCharacters_ = false;
+};
+
+std::string LockTimeout(std::int32_t milliseconds) {
+  return std::to_string(std::max(milliseconds, 1));  // 0 would mean for ever
+}
+
+void PostgresConnection::Connect(const std::vector<std::pair<std::string, std::string>>& list) {
+  Disconnect();
+  const drivers::Parameters parameters(list);
+  const drivers::ServerAddress server = drivers::SplitHostName(parameters.Get("HostName"));
+  const std::string database = parameters.Get("Database");
+  const std::string user = parameters.Get("User_Name");
+  const std::string password = parameters.Get("Password");
+  const std::string session =
+      std::string(kSession) + " -c lock_timeout=" + LockTimeout(lockMilliseconds_);
+
+  constexpr std::array<const char*, 10> kKeys = {"host",
+                                                 "port",
+                                                 "dbname",
+                                                 "user",
+                                                 "password",
+                                                 "options",
+                                                 "client_encoding",
+                                                 "connect_timeout",
+                                                 "fallback_application_name",
+                                                 nullptr};
+  const std::array<const char*, 10> values = {server.host.c_str(),
+                                              server.port.c_str(),
+                                              database.c_str(),
+                                              user.c_str(),
+                                              password.c_str(),
+                                              session.c_str(),
+                                              "UTF8",
+                                              "15",
+                                              "KvShare",
+                                              nullptr};
+  Handle made(PQconnectdbParams(kKeys.data(), values.data(), 0));
+  if (!made) throw std::bad_alloc();
+  if (PQstatus(made.get()) != CONNECTION_OK) {
+    std::string text = PQerrorMessage(made.get());
+    text.erase(text.find_last_not_of("\r\n") + 1);
+    const bool answers = PQpingParams(kKeys.data(), values.data(), 0) == PQPING_OK;
+    throw data::DriverError(
+        text, answers ? data::DriverError::Kind::Other : data::DriverError::Kind::ConnectionLost);
+  }
+  PQsetNoticeProcessor(
+      made.get(), [](void*, const char*) {}, nullptr);
+  trimCharacters_ = parameters.IsTrue("Trim Char");
+  postgres_ = std::move(made);
+}
+
+void PostgresConnection::Ready(std::string_view sql) {
+  if (!postgres_) throw data::DriverError("The connection is closed");
+  drivers::RefuseZeroByte(sql);
+  open_.DetachAll();
+}
+
+std::int64_t PostgresConnection::Execute(std::string_view sql) {
+  Ready(sql);
+  const Result result(PQexec(postgres_.get(), std::string(sql).c_str()));
+  switch (PQresultStatus(result.get())) {
+    case PGRES_COMMAND_OK:
+    case PGRES_TUPLES_OK:
+    case PGRES_EMPTY_QUERY:
+      break;
+    case PGRES_COPY_IN:
+    case PGRES_COPY_OUT:
+      Drain(postgres_.get());
+      throw data::DriverError("COPY from or to the program is not supported");
+    default:
+      Fail(postgres_.get(), result.get());
+  }
+  if (PQresultStatus(result.get()) == PGRES_TUPLES_OK) return 0;
+  const std::string_view changed = PQcmdTuples(result.get());
+  return changed.empty() ? 0 : drivers::ToInteger(changed);
+}
+
+std::unique_ptr<data::Cursor> PostgresConnection::Query(
+    std::string_view sql, std::span<const data::ParameterValue> parameters) {
+  Ready(sql);
+  const Values values(parameters);
+  if (!values.Send(postgres_.get(), std::string(sql))) Fail(postgres_.get(), nullptr);
+  PQsetSingleRowMode(postgres_.get());
+  Result first(PQgetResult(postgres_.get()));
+  // Of several statements the first that gives rows.
+  while (PQresultStatus(first.get()) == PGRES_COMMAND_OK) {
+    first.reset(PQgetResult(postgres_.get()));
+    if (!first) return nullptr;
+  }
+  switch (PQresultStatus(first.get())) {
+    case PGRES_SINGLE_TUPLE:
+    case PGRES_TUPLES_OK:
+      return std::make_unique<drivers::DetachableCursor<Rows>>(open_, postgres_.get(),
+                                                               std::move(first), trimCharacters_);
+    case PGRES_EMPTY_QUERY:
+      Drain(postgres_.get());
+      return nullptr;
+    case PGRES_COPY_IN:
+      PQputCopyEnd(postgres_.get(), "no data is sent by this program");
+      break;
+    default:
+      break;
+  }
+  Drain(postgres_.get());
+  Fail(postgres_.get(), first.get());
+}
+
+void PostgresConnection::Begin(Isolation isolation) {
+  switch (isolation) {
+    case Isolation::ReadCommitted:
+      Execute("BEGIN ISOLATION LEVEL READ COMMITTED");
+      return;
+    case Isolation::RepeatableRead:
+      Execute("BEGIN ISOLATION LEVEL REPEATABLE READ");
+      return;
+    case Isolation::DirtyRead:
+      Execute("BEGIN ISOLATION LEVEL READ UNCOMMITTED");
+      return;
+    case Isolation::Custom:
+      Execute("BEGIN");
+      return;
+  }
+}
+
+// The server answers COMMIT of a transaction that has failed with ROLLBACK, and no error.
+void PostgresConnection::Commit() {
+  Ready({});
+  const bool failed = PQtransactionStatus(postgres_.get()) == PQTRANS_INERROR;
+  Execute(failed ? "ROLLBACK" : "COMMIT");
+  if (failed) throw data::DriverError("A statement of the transaction failed: it was rolled back");
+}
+
+void PostgresConnection::Rollback() {
+  Execute("ROLLBACK");
+  SetLockTimeout(lockMilliseconds_);  // what was set inside went back with the rest
+}
+
+std::vector<std::string> PostgresConnection::TableNames(bool system) {
+  const auto rows =
+      Query(system ? "SELECT c.relname FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n"
+                     " ON n.oid = c.relnamespace WHERE n.nspname = 'pg_catalog'"
+                     " AND c.relkind IN ('r', 'v') ORDER BY c.relname"
+                   : "SELECT c.relname FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n"
+                     " ON n.oid = c.relnamespace WHERE n.nspname = ANY (current_schemas(false))"
+                     " AND c.relkind IN ('r', 'p', 'v', 'm', 'f') ORDER BY c.relname",
+            {});
+  std::vector<std::string> names;
+  while (rows->Next()) names.emplace_back(rows->Text(0));
+  return names;
+}
+
+void PostgresConnection::SetLockTimeout(std::int32_t milliseconds) {
+  lockMilliseconds_ = milliseconds;
+  if (!postgres_ || PQtransactionStatus(postgres_.get()) == PQTRANS_INERROR) return;
+  Execute("SET lock_timeout = " + LockTimeout(milliseconds));
+}
+
+std::string PostgresConnection::ServerVersion() {
+  if (!postgres_) throw data::DriverError("The connection is closed");
+  const std::string version = PQparameterStatus(postgres_.get(), "server_version");
+  return "PostgreSQL " + version.substr(0, version.find(' '));
+}
+
+class PostgresDriver final : public data::Driver {
+ public:
+  std::unique_ptr<data::Connection> MakeConnection() override {
+    return std::make_unique<PostgresConnection>();
+  }
+};
+
+}  // namespace
+}  // namespace kvshare::postgres
+
+extern "C" KVSHARE_API kvshare::data::Driver* getSQLDriverPOSTGRES(std::int32_t contract) {
+  static kvshare::postgres::PostgresDriver driver;
+  return contract == kvshare::data::kDriverContract ? &driver : nullptr;
+}

@@ -1,0 +1,257 @@
+// The SQLite driver.
+#include <algorithm>
+#include <charconv>
+
+#include "drivers/sqlite/decimals.h"
+#include "drivers/sqlite/handles.h"
+#include "drivers/sqlite/rows.h"
+#include "kvshare/export.h"
+
+namespace kvshare::drivers::sqlite {
+
+namespace {
+
+using data::DriverError;
+using Pairs = std::vector<std::pair<std::string, std::string>>;
+
+constexpr std::int32_t kLockTimeout = 10'000;
+
+constexpr char Upper(char c) {
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
+}
+
+bool SameName(std::string_view a, std::string_view b) {
+  return std::ranges::equal(a, b, {}, Upper, Upper);
+}
+
+std::string_view Parameter(const Pairs& parameters, std::string_view name) {
+  const auto found = std::ranges::find_if(
+      parameters, [name](const auto& pair) { return SameName(pair.first, name); });
+  return found == parameters.end() ? std::string_view{} : std::string_view{found->second};
+}
+
+int ClampSize(std::size_t size) {
+  if (size > INT32_MAX) throw DriverError("string or blob too big");
+  return static_cast<int>(size);
+}
+
+// Binds one value; the texts live until the statement has run.
+struct Binder {
+  sqlite3_stmt* statement;
+  int place;
+
+  int operator()(std::monostate /*null*/) const { return sqlite3_bind_null(statement, place); }
+  int operator()(std::int64_t value) const { return sqlite3_bind_int64(statement, place, value); }
+  int operator()(double value) const { return sqlite3_bind_double(statement, place, value); }
+  int operator()(const std::string& text) const {
+    return sqlite3_bind_text(statement, place, text.data(), ClampSize(text.size()),
+                             SQLITE_TRANSIENT);
+  }
+  int operator()(const data::Bytes& value) const {
+    return sqlite3_bind_blob(statement, place, value.bytes.data(), ClampSize(value.bytes.size()),
+                             SQLITE_TRANSIENT);
+  }
+};
+
+class SqliteConnection : public data::Connection {
+ public:
+  void Connect(const Pairs& parameters) override;
+  void Disconnect() noexcept override;
+  std::int64_t Execute(std::string_view sql) override;
+  std::unique_ptr<data::Cursor> Query(std::string_view sql,
+                                      std::span<const data::ParameterValue> parameters) override;
+  void Begin(data::Isolation isolation) override;
+  void Commit() override;
+  void Rollback() override;
+  std::vector<std::string> TableNames(bool system) override;
+  void SetLockTimeout(std::int32_t milliseconds) override;
+  std::string ServerVersion() override;
+
+ private:
+  void CheckTransaction() const;
+  void Run(const char* sql);
+  bool FreedSnapshot();
+
+  Database database_;
+  OpenRows open_;
+  bool inTransaction_ = false;
+};
+
+void SqliteConnection::Connect(const Pairs& parameters) {
+  const std::string file(Parameter(parameters, "Database"));
+  if (file.empty()) throw DriverError("the parameter Database names no file");
+  const bool create = SameName(Parameter(parameters, "CreateDatabase"), "TRUE");
+  const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_URI |
+                    (create ? SQLITE_OPEN_CREATE : 0);
+  sqlite3* opened = nullptr;
+  const int code = sqlite3_open_v2(file.c_str(), &opened, flags, nullptr);
+  database_.reset(opened);
+  if (code != SQLITE_OK) {
+    const std::string text = opened == nullptr ? "out of memory" : sqlite3_errmsg(opened);
+    database_.reset();
+    throw DriverError(text + ": " + file);
+  }
+  try {
+    sqlite3_extended_result_codes(opened, 0);
+    SetLockTimeout(kLockTimeout);
+    AddDecimals(opened);
+    // Two modes at least need the file: what is no database is found out here, not in the middle of
+    // the work. A file that cannot be written stays in the mode that it has.
+    Run("PRAGMA journal_mode = WAL");
+    Run("PRAGMA synchronous = FULL");
+    Run("PRAGMA foreign_keys = ON");
+  } catch (const DriverError& e) {
+    database_.reset();
+    throw DriverError(std::string(e.what()) + ": " + file, e.What());
+  }
+}
+
+void SqliteConnection::Disconnect() noexcept {
+  if (database_ && inTransaction_)
+    sqlite3_exec(database_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
+  inTransaction_ = false;
+  database_.reset();
+}
+
+void SqliteConnection::Run(const char* sql) {
+  const auto run = [&] { return sqlite3_exec(database_.get(), sql, nullptr, nullptr, nullptr); };
+  if (run() == SQLITE_OK) return;
+  if (!FreedSnapshot() || run() != SQLITE_OK) Refuse(database_.get());
+}
+
+// After a failure: whether the connection was kept from writing by its own open rows, which show
+// the file as it was before somebody else changed it, and is no more.
+bool SqliteConnection::FreedSnapshot() {
+  if (inTransaction_ || sqlite3_extended_errcode(database_.get()) != SQLITE_BUSY_SNAPSHOT) {
+    return false;
+  }
+  bool any = false;
+  for (Rows* rows : open_) any = rows->Detach() || any;
+  return any;
+}
+
+// A full disk and other failures of the file end a transaction by themselves; what came afterwards
+// would stand alone.
+void SqliteConnection::CheckTransaction() const {
+  if (inTransaction_ && sqlite3_get_autocommit(database_.get()) != 0) {
+    throw DriverError("the transaction has been rolled back", DriverError::Kind::Conflict);
+  }
+}
+
+std::int64_t SqliteConnection::Execute(std::string_view sql) {
+  CheckTransaction();
+  sqlite3* database = database_.get();
+  const Statement statement = Prepare(database, sql);
+  if (!statement) return 0;
+  const std::int64_t before = sqlite3_total_changes64(database);
+  const auto run = [&] {
+    int code = SQLITE_ROW;
+    while (code == SQLITE_ROW) code = sqlite3_step(statement.get());
+    return code;
+  };
+  if (run() != SQLITE_DONE) {
+    const bool again = FreedSnapshot();
+    sqlite3_reset(statement.get());
+    if (!again || run() != SQLITE_DONE) Refuse(database);
+  }
+  return sqlite3_total_changes64(database) == before ? 0 : sqlite3_changes64(database);
+}
+
+std::unique_ptr<data::Cursor> SqliteConnection::Query(
+    std::string_view sql, std::span<const data::ParameterValue> parameters) {
+  CheckTransaction();
+  Statement statement = Prepare(database_.get(), sql);
+  if (!statement) return nullptr;
+  const int places = sqlite3_bind_parameter_count(statement.get());
+  if (static_cast<std::size_t>(places) != parameters.size()) {
+    throw DriverError("the statement has " + std::to_string(places) + " parameters, given are " +
+                      std::to_string(parameters.size()));
+  }
+  for (int i = 0; i < places; ++i) {
+    const Binder bind{statement.get(), i + 1};
+    if (std::visit(bind, parameters[static_cast<std::size_t>(i)]) != SQLITE_OK) {
+      Refuse(database_.get());
+    }
+  }
+  const bool gives = sqlite3_column_count(statement.get()) > 0;
+  try {
+    auto rows = std::make_unique<Rows>(database_.get(), std::move(statement), open_);
+    return gives ? std::move(rows) : nullptr;
+  } catch (const DriverError&) {
+    if (FreedSnapshot()) return Query(sql, parameters);
+    throw;
+  }
+}
+
+// The lock is taken at once: a batch that somebody else is in the way of fails as Busy before its
+// first statement. A reader who had to become a writer would fail in the middle, without a wait.
+void SqliteConnection::Begin(data::Isolation /*always serializable*/) {
+  const bool readOnly = sqlite3_db_readonly(database_.get(), "main") == 1;
+  Run(readOnly ? "BEGIN" : "BEGIN IMMEDIATE");
+  inTransaction_ = true;
+}
+
+void SqliteConnection::Commit() {
+  CheckTransaction();
+  Run("COMMIT");
+  inTransaction_ = false;
+}
+
+void SqliteConnection::Rollback() {
+  inTransaction_ = false;
+  if (sqlite3_get_autocommit(database_.get()) == 0) Run("ROLLBACK");
+}
+
+std::vector<std::string> SqliteConnection::TableNames(bool system) {
+  constexpr const char* kUser =
+      "SELECT name FROM sqlite_master WHERE type IN ('table', 'view') AND name NOT LIKE "
+      "'sqlite\\_%' ESCAPE '\\' ORDER BY rowid";
+  constexpr const char* kSystem =
+      "SELECT 'sqlite_master' UNION ALL SELECT name FROM sqlite_master WHERE type = 'table' AND "
+      "name LIKE 'sqlite\\_%' ESCAPE '\\'";
+  const auto rows = Query(system ? kSystem : kUser, {});
+  std::vector<std::string> names;
+  while (rows->Next()) names.emplace_back(rows->Text(0));
+  return names;
+}
+
+void SqliteConnection::SetLockTimeout(std::int32_t milliseconds) {
+  sqlite3_busy_timeout(database_.get(), milliseconds);
+}
+
+std::string SqliteConnection::ServerVersion() {
+  return std::string("SQLite ") + sqlite3_libversion();
+}
+
+class SqliteDriver : public data::Driver {
+ public:
+  std::unique_ptr<data::Connection> MakeConnection() override {
+    return std::make_unique<SqliteConnection>();
+  }
+  bool DatabaseIsFile() const override { return true; }
+};
+
+}  // namespace
+
+Statement Prepare(sqlite3* database, std::string_view sql) {
+  sqlite3_stmt* prepared = nullptr;
+  const char* rest = nullptr;
+  const int code =
+      sqlite3_prepare_v2(database, sql.data(), ClampSize(sql.size()), &prepared, &rest);
+  Statement statement(prepared);
+  if (code != SQLITE_OK) Refuse(database);
+  const std::string_view tail = sql.substr(static_cast<std::size_t>(rest - sql.data()));
+  if (statement && tail.find_first_not_of("; \t\r\n") != std::string_view::npos) {
+    if (Prepare(database, tail)) throw DriverError("only one statement can be run at a time");
+  }
+  return statement;
+}
+
+}  // namespace kvshare::drivers::sqlite
+
+extern "C" KVSHARE_API kvshare::data::Driver* getSQLDriverSQLITE(std::int32_t contract);
+
+extern "C" kvshare::data::Driver* getSQLDriverSQLITE(std::int32_t contract) {
+  static kvshare::drivers::sqlite::SqliteDriver driver;
+  return contract == kvshare::data::kDriverContract ? &driver : nullptr;
+}

@@ -1,0 +1,63 @@
+// The rows of a statement.
+#pragma once
+
+#include <deque>
+#include <string>
+#include <vector>
+
+#include "drivers/sqlite/handles.h"
+#include "kvshare/data/driver.h"
+
+namespace kvshare::drivers::sqlite {
+
+class Rows;
+
+// The rows of a connection that are being read.
+using OpenRows = std::vector<Rows*>;
+
+// A column without a declared type (an expression) is what its value in the first row is; without a
+// row, or Null there, a text.
+class Rows : public data::Cursor {
+ public:
+  // `open` has it among them while it lives, and outlives it.
+  Rows(sqlite3* database, Statement statement, OpenRows& open);
+  ~Rows() override;
+
+  // Moves this row and all further ones into memory and lets go of the file. What has been read of
+  // it since somebody else changed it would keep this connection from writing.
+  // False when there was nothing to let go of.
+  bool Detach();
+
+  const std::vector<data::Column>& Columns() const override { return columns_; }
+  bool Next() override;
+  bool IsNull(int column) const override;
+  std::int64_t Integer(int column) const override;
+  double Float(int column) const override;
+  std::string_view Text(int column) const override;
+
+ private:
+  struct FreeValue {
+    void operator()(sqlite3_value* value) const { sqlite3_value_free(value); }
+  };
+  using Value = std::unique_ptr<sqlite3_value, FreeValue>;
+
+  bool Step();
+  void Describe(int column, bool row);
+  void Keep();
+  sqlite3_value* Kept(int column) const {
+    return kept_.front()[static_cast<std::size_t>(column)].get();
+  }
+  int Type(int column) const;
+
+  sqlite3* database_;
+  Statement statement_;
+  OpenRows& open_;
+  bool detached_ = false;
+  std::deque<std::vector<Value>> kept_;  // of a detached one, the current row in front
+  std::vector<data::Column> columns_;
+  bool ahead_;  // the first row has been stepped to, but not asked for
+  bool done_;
+  mutable std::string digits_;  // of a decimal that the server keeps as a real
+};
+
+}  // namespace kvshare::drivers::sqlite

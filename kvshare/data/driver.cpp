@@ -1,0 +1,7 @@
+#include "kvshare/data/driver.h"
+
+namespace kvshare::data {
+
+DriverError::~DriverError() = default;
+
+}  // namespace kvshare::data

@@ -1,0 +1,165 @@
+// What a database driver fulfils. A driver is a loadable library with one entry function; it stands
+// between this contract and one server's own client library, and knows nothing else of the house
+// but rtl.
+//
+// Every text that crosses the contract is UTF-8, except where bytes are said: the library converts
+// to and from code page 874 on its side, once for all drivers, and refuses what the other cannot
+// hold.
+//
+// A connection and its cursors belong to one thread. A cursor lives at most as long as its
+// connection. Whatever fails throws DriverError; nothing else leaves a driver but std::bad_alloc.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "kvshare/export.h"
+
+namespace kvshare::data {
+
+// Changes with every change of this file that a driver can notice.
+inline constexpr std::int32_t kDriverContract = 2;
+
+// A failure in the server's own words.
+class KVSHARE_API DriverError : public std::runtime_error {
+ public:
+  enum class Kind : std::uint8_t {
+    Other,
+    ConnectionLost,  // the server went away: the connection is of no use any more
+    Busy,            // somebody else holds what is needed: the same may succeed later
+    Conflict,        // the transaction was undone in favour of another one
+  };
+
+  explicit DriverError(const std::string& serverText, Kind kind = Kind::Other)
+      : std::runtime_error(serverText), kind_(kind) {}
+  ~DriverError() override;
+  Kind What() const { return kind_; }
+
+ private:
+  Kind kind_;
+};
+
+// How the values of a column are read. Exact decimals never pass through a float.
+enum class ColumnKind : std::uint8_t {
+  Text,       // Text: characters, with a greatest length where `size` is not 0
+  Memo,       // Text: long characters
+  Integer,    // Integer: 32 bits and less
+  Largeint,   // Integer: 64 bits
+  Boolean,    // Integer: 0 or 1
+  Float,      // Float
+  Decimal,    // Text: [-]digits[.digits], `decimals` of them
+  Date,       // Text: yyyy-mm-dd
+  Time,       // Text: hh:mm:ss[.fff]
+  TimeStamp,  // Text: yyyy-mm-dd hh:mm:ss[.fff]
+  Blob,       // Text: bytes, as they are
+};
+
+struct Column {
+  std::string name;  // as the server gives it
+  ColumnKind kind = ColumnKind::Text;
+  // Characters of a text, digits of a decimal; 0 where the server says none. `decimals` then says
+  // nothing either, and each value has as many as it has.
+  std::int32_t size = 0;
+  std::int32_t decimals = 0;
+  bool required = false;  // may not be null, where the server tells
+};
+
+// The rows of a query, read once, front to back; the server's rows are not collected in memory
+// where its client can stream them.
+class KVSHARE_API Cursor {
+ public:
+  Cursor() = default;
+  virtual ~Cursor() = default;
+  Cursor(const Cursor&) = delete;
+  Cursor& operator=(const Cursor&) = delete;
+
+  virtual const std::vector<Column>& Columns() const = 0;
+
+  // To the first or the next row; false behind the last.
+  virtual bool Next() = 0;
+
+  // The values of that row, columns from 0, in the form that the column's kind names; of a null or
+  // in another form they are unspecified. A view is valid until the next call of Next or of
+  // anything on the connection; the row itself stays.
+  virtual bool IsNull(int column) const = 0;
+  virtual std::int64_t Integer(int column) const = 0;
+  virtual double Float(int column) const = 0;
+  virtual std::string_view Text(int column) const = 0;
+};
+
+// A parameter's value: null, whole number, real, text, or bytes. Decimals and dates are texts in
+// the forms of ColumnKind.
+struct Bytes {
+  std::string bytes;
+};
+using ParameterValue = std::variant<std::monostate, std::int64_t, double, std::string, Bytes>;
+
+enum class Isolation : std::uint8_t { ReadCommitted, RepeatableRead, DirtyRead, Custom };
+
+// A connection to a database; made closed. Destroying it disconnects, and rolls back.
+class KVSHARE_API Connection {
+ public:
+  Connection() = default;
+  virtual ~Connection() = default;
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+
+  // Parameters in the connection file's names and order, the first of doubles counts, names without
+  // regard to case: HostName (host:port), Database, User_Name, Password, RoleName, ServerCharSet...
+  // A driver takes those that it knows; no message ever holds the password.
+  virtual void Connect(const std::vector<std::pair<std::string, std::string>>& parameters) = 0;
+  virtual void Disconnect() noexcept = 0;
+
+  // One text to the server as it is, no parameters, no result rows. The rows that it changed; 0
+  // where the server does not tell. Outside a transaction it commits itself.
+  virtual std::int64_t Execute(std::string_view sql) = 0;
+
+  // A statement that gives rows; parameters stand for `?` in the text, in order. nullptr where the
+  // statement gave none (it has been executed).
+  virtual std::unique_ptr<Cursor> Query(std::string_view sql,
+                                        std::span<const ParameterValue> parameters) = 0;
+
+  // Begin while one is active is never called. Servers without transactions do nothing.
+  virtual void Begin(Isolation isolation) = 0;
+  virtual void Commit() = 0;
+  virtual void Rollback() = 0;
+
+  // Names of tables and views, or of the system tables alone, in the server's order; as the server
+  // spells them, not quoted.
+  virtual std::vector<std::string> TableNames(bool system) = 0;
+
+  // How long a statement waits for what another connection has locked before it fails as Busy;
+  // 0: not at all. Drivers have 10 s until they are told.
+  virtual void SetLockTimeout(std::int32_t milliseconds) = 0;
+
+  // "PostgreSQL 15.6", for a person.
+  virtual std::string ServerVersion() = 0;
+};
+
+class KVSHARE_API Driver {
+ public:
+  Driver() = default;
+  virtual ~Driver() = default;
+  Driver(const Driver&) = delete;
+  Driver& operator=(const Driver&) = delete;
+
+  virtual std::unique_ptr<Connection> MakeConnection() = 0;
+
+  // Whether the parameter Database names a file of this machine; the driver then gets the system's
+  // name of it, whatever name the connection file has (C:\Data\shop.db).
+  virtual bool DatabaseIsFile() const { return false; }
+};
+
+// The entry function of a driver's library, extern "C" under the name that the connection file has
+// (getSQLDriverSQLITE). `contract` is the library's kDriverContract: a driver that was built for
+// another one answers nullptr. The driver lives as long as its library is loaded.
+using DriverEntry = Driver* (*)(std::int32_t contract);
+
+}  // namespace kvshare::data

@@ -1,0 +1,197 @@
+#include "kvshare/data/sqlconnection.h"
+
+#include <utility>
+
+#include "kvshare/data/driverlibrary.h"
+#include "kvshare/data/named.h"
+#include "kvshare/data/sqlquery.h"
+#include "kvshare/data/wiretexts.h"
+#include "kvshare/os/paths.h"
+#include "kvshare/rtl/convert.h"
+#include "kvshare/rtl/cp874.h"
+#include "kvshare/rtl/strutils.h"
+
+namespace kvshare {
+
+// The driver's library outlives what comes from it.
+struct TSQLConnection::Session {
+  enum class Transaction : std::uint8_t { None, Active, Undone };
+
+  data::DriverLibrary library;
+  std::unique_ptr<data::Connection> connection;
+  Transaction transaction = Transaction::None;
+};
+
+namespace {
+
+using Pairs = std::vector<std::pair<std::string, std::string>>;
+
+// A file of the interface as the system names it; what is no file's name stays.
+std::string DatabaseFile(std::string_view name) {
+  const bool special = name.empty() || name.starts_with(":") || name.starts_with("file:");
+  return special ? Cp874ToUtf8(name) : os::NativePath(name);
+}
+
+Pairs WireParameters(const TStrings& params, bool databaseIsFile) {
+  Pairs pairs;
+  for (int i = 0; i < params.Count(); ++i) {
+    const std::string_view name = params.Names(i);
+    if (name.empty()) continue;
+    const std::string_view value = params.ValueFromIndex(i);
+    const bool file = databaseIsFile && SameText(name, "Database");
+    pairs.emplace_back(Cp874ToUtf8(name), file ? DatabaseFile(value) : Cp874ToUtf8(value));
+  }
+  return pairs;
+}
+
+}  // namespace
+
+TSQLConnection::TSQLConnection(TComponent* owner, std::string_view name)
+    : TComponent(owner, name) {}
+
+TSQLConnection::~TSQLConnection() {
+  Close();
+  for (TSQLQuery* query : queries_) query->connection_ = nullptr;
+}
+
+void TSQLConnection::SetConnectionName(std::string_view name) {
+  Close();
+  connectionName_ = name;
+}
+
+void TSQLConnection::SetDriverName(std::string_view name) {
+  if (driverName_ == name) return;
+  Close();
+  driverName_ = name;
+  LibraryName.clear();
+  VendorLib.clear();
+  GetDriverFunc.clear();
+}
+
+std::string TSQLConnection::WithoutPassword(std::string text) const {
+  const std::string_view password = Params.Values("Password");
+  return password.empty() ? text : StringReplace(text, password, "***", {.ReplaceAll = true});
+}
+
+void TSQLConnection::RefuseByServer(const data::DriverError& error) {
+  using Kind = data::DriverError::Kind;
+  if (error.What() == Kind::Conflict && session_ && InTransaction()) {
+    session_->transaction = Session::Transaction::Undone;
+  }
+  const std::string text = WithoutPassword(data::ServerText(error.what()));
+  throw EServerError(NamedMessage("SQL Server Error: " + text, this), error.What());
+}
+
+template <typename Work>
+auto TSQLConnection::Guarded(Work work) {
+  try {
+    return work();
+  } catch (const data::DriverError& e) {
+    RefuseByServer(e);
+  }
+}
+
+template <typename Work>
+auto TSQLConnection::OnServer(Work work) {
+  Open();
+  if (session_->transaction == Session::Transaction::Undone) {
+    DatabaseError("The server undid the transaction", this);
+  }
+  return Guarded([&] { return work(*session_->connection); });
+}
+
+void TSQLConnection::Open() {
+  if (Connected()) return;
+  if (driverName_.empty()) DatabaseError("Missing DriverName property", this);
+  try {
+    auto session = std::make_unique<Session>(
+        Session{data::DriverLibrary(LibraryName, GetDriverFunc, VendorLib), nullptr, {}});
+    data::Driver& driver = session->library.Driver();
+    Guarded([&] {
+      session->connection = driver.MakeConnection();
+      session->connection->Connect(WireParameters(Params, driver.DatabaseIsFile()));
+    });
+    session_ = std::move(session);
+    ApplyLockTimeout();
+  } catch (const EServerError&) {
+    session_.reset();
+    throw;
+  } catch (const Exception& e) {
+    session_.reset();
+    DatabaseError(WithoutPassword(e.Message()), this);
+  }
+}
+
+void TSQLConnection::ApplyLockTimeout() {
+  const std::string_view text = Params.Values("LockTimeout");
+  if (text.empty()) return;
+  const std::int32_t milliseconds = StrToInt(text);
+  if (milliseconds < 0) throw EConvertError("'" + std::string(text) + "' is no LockTimeout");
+  Guarded([&] { session_->connection->SetLockTimeout(milliseconds); });
+}
+
+void TSQLConnection::Close() noexcept {
+  if (!Connected()) return;
+  for (TSQLQuery* query : queries_) query->Close();
+  session_->connection->Disconnect();
+  session_.reset();
+}
+
+bool TSQLConnection::InTransaction() const {
+  return session_ && session_->transaction != Session::Transaction::None;
+}
+
+void TSQLConnection::StartTransaction(const TTransactionDesc& description) {
+  Open();
+  if (InTransaction()) DatabaseError("A transaction is already active", this);
+  const auto isolation = static_cast<data::Isolation>(description.IsolationLevel);
+  Guarded([&] { session_->connection->Begin(isolation); });
+  session_->transaction = Session::Transaction::Active;
+}
+
+// A failed Commit leaves the transaction to Rollback, which a program calls then.
+void TSQLConnection::Commit(const TTransactionDesc& /*description*/) {
+  if (!InTransaction()) DatabaseError("There is no active transaction", this);
+  OnServer([](data::Connection& connection) { connection.Commit(); });
+  session_->transaction = Session::Transaction::None;
+}
+
+void TSQLConnection::Rollback(const TTransactionDesc& /*description*/) {
+  if (!InTransaction()) DatabaseError("There is no active transaction", this);
+  session_->transaction = Session::Transaction::None;
+  Guarded([&] { session_->connection->Rollback(); });
+}
+
+std::int64_t TSQLConnection::ExecuteDirect(std::string_view sql) {
+  const std::string text = data::StatementText(sql, this);
+  return OnServer([&](data::Connection& connection) { return connection.Execute(text); });
+}
+
+void TSQLConnection::GetTableNames(TStrings& list, bool systemTables) {
+  list.Clear();
+  const auto names =
+      OnServer([&](data::Connection& connection) { return connection.TableNames(systemTables); });
+  for (const std::string& name : names) {
+    try {
+      list.Add(Utf8ToCp874(name));
+    } catch (const EConvertError& e) {
+      DatabaseError("Table '" + data::ServerText(name) + "': " + e.Message(), this);
+    }
+  }
+}
+
+std::string TSQLConnection::ServerVersion() {
+  return data::ServerText(
+      OnServer([](data::Connection& connection) { return connection.ServerVersion(); }));
+}
+
+std::unique_ptr<data::Cursor> TSQLConnection::OpenCursor(
+    std::string_view sql, const std::vector<data::ParameterValue>& parameters) {
+  return OnServer([&](data::Connection& connection) { return connection.Query(sql, parameters); });
+}
+
+bool TSQLConnection::NextRow(data::Cursor& cursor) {
+  return Guarded([&] { return cursor.Next(); });
+}
+
+}  // namespace kvshare

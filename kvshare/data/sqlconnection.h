@@ -1,0 +1,123 @@
+// A connection to a database server or file.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "kvshare/data/driver.h"
+#include "kvshare/data/errors.h"
+#include "kvshare/export.h"
+#include "kvshare/rtl/component.h"
+#include "kvshare/rtl/stringlist.h"
+
+namespace kvshare {
+
+class TSQLQuery;
+
+enum class TTransIsolationLevel : std::uint8_t {
+  xilREADCOMMITTED,
+  xilREPEATABLEREAD,
+  xilDIRTYREAD,
+  xilCUSTOM,
+};
+
+struct TTransactionDesc {
+  std::uint32_t TransactionID = 0;
+  std::uint32_t GlobalID = 0;
+  TTransIsolationLevel IsolationLevel = TTransIsolationLevel::xilREADCOMMITTED;
+  std::uint32_t CustomIsolation = 0;
+};
+
+// Texts are code page 874. A failure throws EDatabaseError, one that the server reports
+// EServerError; `Name: ` stands in front where the connection has a name. No message holds the
+// password.
+class KVSHARE_API TSQLConnection : public TComponent {
+ public:
+  explicit TSQLConnection(TComponent* owner = nullptr, std::string_view name = "");
+  ~TSQLConnection() override;  // rolls back and disconnects
+  TSQLConnection(const TSQLConnection&) = delete;
+  TSQLConnection& operator=(const TSQLConnection&) = delete;
+
+  // A label; setting it disconnects.
+  const std::string& ConnectionName() const { return connectionName_; }
+  void SetConnectionName(std::string_view name);
+
+  // Setting another one disconnects and empties LibraryName, VendorLib and GetDriverFunc.
+  const std::string& DriverName() const { return driverName_; }
+  void SetDriverName(std::string_view name);
+
+  // The driver's library: a customary name of the platform's (dbexpmys.dll), ours (kvshare-mysql)
+  // or a file; its entry function; and the server's client library. The customary name of that one,
+  // and none, mean the client that the driver was linked with; another one is loaded first.
+  std::string LibraryName;
+  std::string GetDriverFunc;
+  std::string VendorLib;
+
+  // There is no login dialog: user and password come from Params either way.
+  bool LoginPrompt = true;
+
+  // `name=value`, in the connection file's names, for the driver; names ignore case, the first of
+  // doubles counts. LockTimeout is the milliseconds that a statement waits for what another
+  // connection has locked (10000; 0: not at all).
+  TStringList Params;
+
+  // Setting true connects, false rolls back, closes the queries and never fails. Errors:
+  //   `Missing DriverName property`
+  //   `DLL/Shared Library Name not Set`
+  //   `Unable to Load %s`, then the files that were looked for
+  //   `Unable to Find Procedure %s`
+  //   `SQL Server Error: %s`, the server's words
+  bool Connected() const { return session_ != nullptr; }
+  void SetConnected(bool connected) { connected ? Open() : Close(); }
+  void Open();
+  void Close() noexcept;
+
+  // The following connect a closed connection.
+
+  // `A transaction is already active`; `There is no active transaction`. The ids are not compared.
+  // After the server undid a transaction by itself, statements and Commit are refused with
+  // `The server undid the transaction` until Rollback.
+  void StartTransaction(const TTransactionDesc& description);
+  void Commit(const TTransactionDesc& description);
+  void Rollback(const TTransactionDesc& description);
+  bool InTransaction() const;
+
+  // One statement, as it is, without parameters or rows. The rows that it changed, 0 where the
+  // server does not tell. A zero byte or one that is no letter is refused and nothing is sent.
+  std::int64_t ExecuteDirect(std::string_view sql);
+
+  // Replaces the list by the names of tables and views in the driver's order, or by the system
+  // tables alone. Spelled as the server spells them; some drivers quote them and name the owner.
+  void GetTableNames(TStrings& list, bool systemTables);
+
+  // "PostgreSQL 15.6".
+  std::string ServerVersion();
+
+ private:
+  friend class TSQLQuery;
+  struct Session;
+
+  // Runs what speaks to the driver, its errors as EServerError.
+  template <typename Work>
+  auto Guarded(Work work);
+  // The same for a statement, after connecting, unless the transaction was undone.
+  template <typename Work>
+  auto OnServer(Work work);
+  [[noreturn]] void RefuseByServer(const data::DriverError& error);
+  std::string WithoutPassword(std::string text) const;
+  void ApplyLockTimeout();
+
+  std::unique_ptr<data::Cursor> OpenCursor(std::string_view sql,
+                                           const std::vector<data::ParameterValue>& parameters);
+  bool NextRow(data::Cursor& cursor);
+
+  std::string connectionName_;
+  std::string driverName_;
+  std::unique_ptr<Session> session_;
+  std::vector<TSQLQuery*> queries_;
+};
+
+}  // namespace kvshare

@@ -1,0 +1,110 @@
+#include "kvshare/data/sqlparams.h"
+
+#include <algorithm>
+
+#include "kvshare/data/errors.h"
+#include "kvshare/data/wireforms.h"
+#include "kvshare/rtl/cp874.h"
+#include "kvshare/rtl/format.h"
+#include "kvshare/rtl/strutils.h"
+
+namespace kvshare {
+
+void TParam::SetAsString(std::string_view text) {
+  value_ = Cp874ToUtf8(text);
+}
+
+void TParam::SetAsCurrency(Currency amount) {
+  value_ = data::DigitsOfCurrency(amount);
+}
+
+void TParam::SetAsDate(TDateTime moment) {
+  value_ = data::TextOfDate(moment);
+}
+
+void TParam::SetAsTime(TDateTime moment) {
+  value_ = data::TextOfTime(moment);
+}
+
+void TParam::SetAsDateTime(TDateTime moment) {
+  value_ = data::TextOfMoment(moment);
+}
+
+TParam& TParams::operator[](int index) {
+  if (index < 0 || index >= Count()) {
+    throw EListError(Format("List index out of bounds (%d)", {index}));
+  }
+  return params_[static_cast<std::size_t>(index)];
+}
+
+TParam* TParams::FindParam(std::string_view name) {
+  const auto found = std::ranges::find_if(
+      params_, [name](const TParam& param) { return SameText(param.Name(), name); });
+  return found == params_.end() ? nullptr : &*found;
+}
+
+TParam& TParams::ParamByName(std::string_view name) {
+  TParam* param = FindParam(name);
+  if (param == nullptr) throw EDatabaseError(Format("Parameter '%s' not found", {name}));
+  return *param;
+}
+
+namespace data {
+
+namespace {
+
+constexpr bool BeginsName(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' ||
+         static_cast<unsigned char>(c) >= 0x80;
+}
+
+constexpr bool ContinuesName(char c) {
+  return BeginsName(c) || (c >= '0' && c <= '9');
+}
+
+// The end of the text that starts at `at` and that `end` closes; all the rest without it.
+std::size_t Behind(std::string_view sql, std::size_t at, std::string_view end) {
+  const std::size_t found = sql.find(end, at);
+  return found == std::string_view::npos ? sql.size() : found + end.size();
+}
+
+// Where a quoted text or a comment that starts at `at` ends; `at` itself when none starts there.
+std::size_t SkipQuoted(std::string_view sql, std::size_t at) {
+  const char c = sql[at];
+  if (c == '\'' || c == '"' || c == '`') return Behind(sql, at + 1, sql.substr(at, 1));
+  if (sql.substr(at, 2) == "--") return Behind(sql, at + 2, "\n");
+  if (sql.substr(at, 2) == "/*") return Behind(sql, at + 2, "*/");
+  return at;
+}
+
+std::size_t EndOfName(std::string_view sql, std::size_t at) {
+  while (at < sql.size() && ContinuesName(sql[at])) ++at;
+  return at;
+}
+
+}  // namespace
+
+ParsedStatement ParseStatement(std::string_view sql) {
+  ParsedStatement parsed;
+  parsed.text.reserve(sql.size());
+  for (std::size_t at = 0; at < sql.size();) {
+    std::size_t end = SkipQuoted(sql, at);
+    if (end == at) {
+      const bool named = sql[at] == ':' && at + 1 < sql.size() && BeginsName(sql[at + 1]);
+      if (named || sql[at] == '?') {
+        end = named ? EndOfName(sql, at + 1) : at + 1;
+        parsed.names.emplace_back(sql.substr(at + 1, end - at - 1));
+        parsed.text.push_back('?');
+        at = end;
+        continue;
+      }
+      end = at + (sql.substr(at, 2) == "::" ? 2 : 1);
+    }
+    parsed.text.append(sql.substr(at, end - at));
+    at = end;
+  }
+  return parsed;
+}
+
+}  // namespace data
+}  // namespace kvshare

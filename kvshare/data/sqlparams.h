@@ -1,0 +1,70 @@
+// The parameters of a statement.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "kvshare/data/driver.h"
+#include "kvshare/export.h"
+#include "kvshare/rtl/currency.h"
+#include "kvshare/rtl/datetime.h"
+
+namespace kvshare {
+
+// A parameter's value; Null until it is set. Amounts and dates go to the server as exact texts.
+class KVSHARE_API TParam {
+ public:
+  explicit TParam(std::string_view name) : name_(name) {}
+
+  const std::string& Name() const { return name_; }
+  bool IsNull() const { return value_.index() == 0; }
+  void Clear() { value_ = std::monostate{}; }
+
+  // Characters of code page 874. Throws EConvertError for a byte that is no letter.
+  void SetAsString(std::string_view text);
+  void SetAsInteger(std::int64_t value) { value_ = value; }
+  void SetAsFloat(double value) { value_ = value; }
+  void SetAsBoolean(bool value) { value_ = std::int64_t{value}; }
+  void SetAsCurrency(Currency amount);
+  void SetAsDate(TDateTime moment);
+  void SetAsTime(TDateTime moment);
+  void SetAsDateTime(TDateTime moment);
+  void SetAsBlob(std::string_view bytes) { value_ = data::Bytes{std::string(bytes)}; }
+
+  const data::ParameterValue& WireValue() const { return value_; }
+
+ private:
+  std::string name_;
+  data::ParameterValue value_;
+};
+
+// In the order of their first appearance in the statement.
+class KVSHARE_API TParams {
+ public:
+  int Count() const { return static_cast<int>(params_.size()); }
+  // Throws EListError `List index out of bounds (%d)`.
+  TParam& operator[](int index);
+  // Letter case ignored. nullptr; EDatabaseError `Parameter '%s' not found`.
+  TParam* FindParam(std::string_view name);
+  TParam& ParamByName(std::string_view name);
+
+ private:
+  friend class TSQLQuery;
+  std::vector<TParam> params_;
+};
+
+namespace data {
+
+// A statement with its `:name` and `?` places taken out. A name is letters, digits and `_`, a first
+// digit excepted; `::` is none, nor what stands in quotes ('..', "..", `..`) or comments (`--` to
+// the end of the line, /* .. */).
+struct ParsedStatement {
+  std::string text;                // every place as `?`
+  std::vector<std::string> names;  // of the places, in order; "" for `?`
+};
+KVSHARE_API ParsedStatement ParseStatement(std::string_view sql);
+
+}  // namespace data
+}  // namespace kvshare

@@ -1,0 +1,252 @@
+#include "kvshare/database/sqlfunc.h"
+
+#include "kvshare/database/dblog.h"
+#include "kvshare/database/dbxconf.h"
+#include "kvshare/database/sqlbatch.h"
+#include "kvshare/database/sqlsplit.h"
+#include "kvshare/database/sqltransaction.h"
+#include "kvshare/rtl/cp874.h"
+#include "kvshare/rtl/format.h"
+#include "kvshare/rtl/strutils.h"
+#include "kvshare/text/strings.h"
+#include "kvshare/ui/messages.h"
+
+namespace kvshare {
+
+std::int32_t KovraTranactionId = 0;
+std::string KovraSQLEMessage;
+
+void ShowSQLError(std::string_view message) {
+  MessageDlg(message, TMsgDlgType::mtError, {TMsgDlgBtn::mbOK}, 0);
+}
+
+void ShowStatementError(std::string_view message, std::string_view statement) {
+  ShowSQLError(Format("พบข้อผิดพลาด\r\n%s\r\nขณะทำคำสั่ง\r\n%s"_th, {message, statement}));
+}
+
+StatementTransaction::StatementTransaction(TSQLConnection& connection) : connection_(connection) {
+  const std::uint32_t id = static_cast<std::uint32_t>(KovraTranactionId) + 1;
+  KovraTranactionId = static_cast<std::int32_t>(id);
+  description_.TransactionID = id;
+  try {
+    connection_.StartTransaction(description_);
+  } catch (...) {
+    TryRollback();
+    throw;
+  }
+}
+
+StatementTransaction::~StatementTransaction() {
+  if (!done_) TryRollback();
+}
+
+void StatementTransaction::Commit() {
+  connection_.Commit(description_);
+  done_ = true;
+}
+
+void StatementTransaction::TryRollback() noexcept {
+  try {
+    if (connection_.InTransaction()) connection_.Rollback(description_);
+  } catch (const Exception&) {  // NOLINT(bugprone-empty-catch): the first error is on its way
+  }
+}
+
+namespace {
+
+void Configure(TSQLConnection& connection, std::string_view name) {
+  connection.SetConnectionName(name);
+  connection.SetDriverName(GetdbxTradeName(name));
+  // After the driver's name, which empties them.
+  connection.GetDriverFunc = GetdbxDriverFunc(name);
+  connection.LibraryName = GetdbxLibraryName(name);
+  connection.VendorLib = GetdbxVendorLib(name);
+  connection.LoginPrompt = false;
+  GetdbxParams(name, connection.Params);
+}
+
+// Runs one statement in a transaction of its own. `shown` is what the error box calls it.
+bool RunStatement(TSQLConnection& connection, std::string_view statement, std::string_view shown,
+                  bool showError) {
+  try {
+    StatementTransaction transaction(connection);
+    connection.ExecuteDirect(statement);
+    transaction.Commit();
+    return true;
+  } catch (const Exception& e) {
+    if (showError) ShowStatementError(e.Message(), shown);
+    return false;
+  }
+}
+
+void OpenQuery(TSQLQuery& query, bool showError) {
+  try {
+    query.Open();
+  } catch (const Exception& e) {
+    if (showError) ShowSQLError(e.Message());
+  }
+}
+
+// Text between the n-th and the next `quote` of a name.
+std::string Unquoted(std::string_view name, std::string_view quote, int n) {
+  const int from = TKovraString::BStrPos(quote, name, n) + 1;
+  const int to = TKovraString::BStrPos(quote, name, n + 1);
+  return std::string(Copy(name, from, to - from));
+}
+
+// Which occurrence of the quote stands before a name; 0 when the names have no quotes.
+int QuoteBeforeName(std::string_view first) {
+  if (first.empty() || first.front() != first.back()) return 0;
+  const char quote = first.front();
+  if (quote >= 'A' && quote <= 'Z') return 0;
+  const int count = TKovraString::CountDelimeter(first, quote);
+  return count % 2 == 0 ? count - 1 : 0;
+}
+
+}  // namespace
+
+bool CanConnectDBMS(TSQLConnection& Connection, std::string_view Name) {
+  if (!Isdbx(Name)) return false;
+  bool connected = false;
+  try {
+    Configure(Connection, Name);
+    Connection.SetConnected(true);
+    connected = true;
+  } catch (const Exception& e) {
+    ShowSQLError(e.Message());
+  }
+  Connection.SetConnected(false);
+  return connected;
+}
+
+void ConnectDBMS(TSQLConnection& Connection, std::string_view Name, bool ShowError) {
+  Connection.SetConnected(false);
+  if (TKovraString::Empty(Name)) return;
+  try {
+    Configure(Connection, Name);
+    Connection.SetConnected(true);
+  } catch (const Exception& e) {
+    if (ShowError) ShowSQLError(e.Message());
+  }
+}
+
+void DisConnectDBMS(TSQLConnection& Connection) {
+  Connection.SetConnected(false);
+}
+
+void RunSQL(TSQLQuery& Query, std::string_view SQL, bool ShowError) {
+  Query.Close();
+  Query.SQL().Clear();
+  Query.SQL().Add(SQL);
+  OpenQuery(Query, ShowError);
+}
+
+void RunSQLList(TSQLQuery& Query, const TStrings& Lines, bool ShowError) {
+  Query.Close();
+  Query.SQL().Clear();
+  Query.SQL().AddStrings(Lines);
+  OpenQuery(Query, ShowError);
+}
+
+bool RunExecSQL(TSQLConnection& Connection, std::string_view SQL, bool ShowError) {
+  const std::string_view trimmed = Trim(SQL);
+  if (trimmed.empty()) return false;
+  return RunStatement(Connection, BeforeSemicolon(trimmed), SQL, ShowError);
+}
+
+bool RunExecSQLList(TSQLConnection& Connection, const TStrings& Lines, bool ShowError) {
+  if (Lines.Count() == 0) return false;
+  return RunStatement(Connection, OneSqlStatement(Lines), Lines.Text(), ShowError);
+}
+
+bool RunMultipleExecSQLList(TSQLConnection& Connection, const TStrings& Lines, bool ShowError) {
+  bool all = true;
+  TStringList statement;
+  const auto run = [&] {
+    if (statement.Count() == 0) return;
+    all = RunExecSQLList(Connection, statement, ShowError) && all;
+    statement.Clear();
+  };
+  for (const std::string& text : Lines) {
+    const SqlLine line(text);
+    if (line.skipped) continue;
+    statement.Add(line.text);
+    if (line.ends) run();
+  }
+  run();
+  return all;
+}
+
+bool RunExecSQLBatch(TSQLConnection& Connection, const TStrings& Lines, bool ShowError) {
+  constexpr std::string_view kModule = "<SqlFunc>";
+  constexpr std::string_view kRoutine = "<ExecSQLBatch>";
+  const TSQLBatchReport report = RunSQLBatch(Connection, Lines);
+  if (report.Committed) return true;
+  TKovraDbLog::WriteLogFile(nullptr, kModule, kRoutine, "<>", report.Message);
+  TKovraDbLog::WriteLogFile(nullptr, kModule, kRoutine, "<>", Lines);
+  if (ShowError) ShowStatementError(report.Message, Lines.Text());
+  return false;
+}
+
+bool AnyData(TSQLConnection& Connection, std::string_view SQL) {
+  return CountData(Connection, SQL) > 0;
+}
+
+std::int32_t CountData(TSQLConnection& Connection, std::string_view SQL) {
+  TSQLQuery query;
+  query.SetSQLConnection(&Connection);
+  RunSQL(query, SQL, true);
+  return query.FieldByName("RECORDCOUNT").AsInteger();
+}
+
+std::string StringData(TSQLConnection& Connection, std::string_view SQL) {
+  TSQLQuery query;
+  query.SetSQLConnection(&Connection);
+  RunSQL(query, SQL, true);
+  return query.FieldByName("MYDATA").AsString();
+}
+
+bool ExistFieldName(TSQLConnection& Connection, std::string_view SQL, std::string_view FieldName) {
+  TSQLQuery query;
+  query.SetSQLConnection(&Connection);
+  RunSQL(query, SQL, true);
+  return query.FindField(FieldName) != nullptr;
+}
+
+bool ExistTable(TSQLConnection& Connection, std::string_view TableName) {
+  TStringList names;
+  GetAllTableNames(Connection, names);
+  return names.IndexOf(TableName) >= 0;
+}
+
+bool ExistTableBySQL(TSQLConnection& Connection, std::string_view TableName,
+                     std::string_view FieldName) {
+  TSQLQuery query;
+  query.SetSQLConnection(&Connection);
+  RunSQL(query, Format("SELECT %s FROM %s WHERE %s=-1", {FieldName, TableName, FieldName}), false);
+  return query.Active();
+}
+
+void GetAllTableNames(TSQLConnection& Connection, TStrings& List) {
+  List.Clear();
+  Connection.GetTableNames(List, false);
+  if (List.Count() == 0) return;
+  const int n = QuoteBeforeName(List[0]);
+  if (n == 0) return;
+  const std::string quote = List[0].substr(0, 1);
+  for (int i = 0; i < List.Count(); ++i) List.Put(i, Unquoted(List[i], quote, n));
+}
+
+bool InEdit(const TDataSet& DataSet) {
+  return DataSet.State() == TDataSetState::dsEdit || DataSet.State() == TDataSetState::dsInsert;
+}
+
+void EditDataSet(TDataSet& DataSet) {
+  if (!InEdit(DataSet)) DataSet.Edit();
+}
+
+std::string SQLOrderBy(std::string_view FieldName, std::int32_t Direction) {
+  return "ORDER BY " + std::string(FieldName) + (Direction == 0 ? " ASC" : " DESC");
+}
+
+}  // namespace kvshare

@@ -1,0 +1,106 @@
+#include <gmock/gmock.h>
+
+#include "kvshare/data/errors.h"
+#include "kvshare/data/sqlconnection.h"
+#include "kvshare/data/sqlquery.h"
+#include "kvshare/rtl/cp874.h"
+#include "kvshare/rtl/exceptions.h"
+#include "tests/data/sqlite.h"
+#include "tests/support.h"
+
+namespace kvshare {
+namespace {
+
+std::string ErrorOf(TSQLConnection& connection) {
+  return MessageOf<EDatabaseError>([&] { connection.Open(); });
+}
+
+TEST(Connection, ADriversNameResetsWhatBelongsToIt) {
+  const TemporaryFolder folder;
+  TSQLConnection connection;
+  UseSqlite(connection, folder.File("x.db"));
+  connection.VendorLib = "sqlite3.dll";
+  connection.Open();
+  connection.SetDriverName("SQLITE");
+  EXPECT_TRUE(connection.Connected()) << "the same name";
+  connection.SetDriverName("MYSQL");
+  EXPECT_FALSE(connection.Connected());
+  EXPECT_EQ(connection.LibraryName + connection.GetDriverFunc + connection.VendorLib, "");
+  UseSqlite(connection, folder.File("x.db"));
+  connection.Open();
+  connection.SetConnectionName("LEDGER");
+  EXPECT_FALSE(connection.Connected());
+}
+
+TEST(Connection, WhatIsMissingIsNamed) {
+  const TemporaryFolder folder;
+  TSQLConnection connection(nullptr, "Con");
+  EXPECT_EQ(ErrorOf(connection), "Con: Missing DriverName property");
+  connection.SetDriverName("X");
+  EXPECT_EQ(ErrorOf(connection), "Con: DLL/Shared Library Name not Set");
+  connection.LibraryName = "dbexpnone.dll";
+  EXPECT_THAT(ErrorOf(connection),
+              testing::AllOf(testing::StartsWith("Con: Unable to Load dbexpnone.dll\r\n"),
+                             testing::HasSubstr("/libdbexpnone.so\r\n")));
+  connection.LibraryName = "kvshare-sqlite";
+  connection.GetDriverFunc = "getSQLDriverNONE";
+  EXPECT_EQ(ErrorOf(connection),
+            "Con: Unable to Find Procedure getSQLDriverNONE\r\nin kvshare-sqlite");
+  connection.GetDriverFunc = "getSQLDriverSQLITE";
+  connection.VendorLib = "libnone-client.so";
+  EXPECT_THAT(ErrorOf(connection), testing::StartsWith("Con: Unable to Load libnone-client.so"));
+  connection.VendorLib = "LIBMYSQL.dll";
+  EXPECT_EQ(ErrorOf(connection), "Con: SQL Server Error: the parameter Database names no file");
+}
+
+TEST(Connection, ThePasswordIsInNoMessage) {
+  const TemporaryFolder folder;
+  TSQLConnection connection;
+  UseSqlite(connection, folder.File("secret/x.db"));
+  connection.Params.SetValue("Password", "secret");
+  EXPECT_EQ(ErrorOf(connection),
+            "SQL Server Error: unable to open database file: " + folder.File("***/x.db"));
+}
+
+TEST(Connection, LockTimeoutIsANumber) {
+  const TemporaryFolder folder;
+  TSQLConnection connection;
+  UseSqlite(connection, folder.File("x.db"));
+  for (const char* bad : {"soon", "-1"}) {
+    connection.Params.SetValue("LockTimeout", bad);
+    EXPECT_THAT(ErrorOf(connection), testing::StartsWith(std::string("'") + bad + "' is "));
+    EXPECT_FALSE(connection.Connected());
+  }
+}
+
+TEST(Connection, ServersTextsOfAnyLetters) {
+  const TemporaryFolder folder;
+  TSQLConnection connection;
+  UseSqlite(connection, folder.File("x.db"));
+  connection.ExecuteDirect("CREATE TABLE T (X TEXT)");
+  connection.ExecuteDirect(
+      "CREATE TRIGGER G BEFORE INSERT ON T BEGIN SELECT RAISE(ABORT, 'ห้าม') ; END"_th);
+  EXPECT_EQ(MessageOf<EServerError>([&] { connection.ExecuteDirect("INSERT INTO T VALUES (1)"); }),
+            std::string("SQL Server Error: ") + std::string("ห้าม"_th));
+}
+
+// Statements connect by themselves; a second connection finds the driver again after it was let go.
+TEST(Connection, OpensByItselfAndAgain) {
+  const TemporaryFolder folder;
+  TSQLConnection connection;
+  UseSqlite(connection, folder.File("x.db"));
+  for (int i = 0; i < 3; ++i) {
+    connection.ExecuteDirect("SELECT 1");
+    EXPECT_TRUE(connection.Connected());
+    connection.SetConnected(true);
+    connection.SetConnected(false);
+    connection.SetConnected(false);
+  }
+  connection.StartTransaction({});
+  EXPECT_TRUE(connection.InTransaction());
+  connection.Close();
+  EXPECT_FALSE(connection.InTransaction());
+}
+
+}  // namespace
+}  // namespace kvshare

@@ -1,0 +1,206 @@
+#include "kvshare/data/field.h"
+
+#include <variant>
+#include <vector>
+
+#include "kvshare/data/dataset.h"
+#include "kvshare/rtl/convert.h"
+#include "kvshare/rtl/cp874.h"
+#include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/formatsettings.h"
+#include "tests/support.h"
+
+namespace kvshare {
+namespace {
+
+using Cell = std::variant<std::monostate, std::int64_t, double, std::string>;
+
+// A set of one record with fields of all types.
+class OneRecord : public TDataSet {
+ public:
+  OneRecord() : TDataSet(nullptr, "Set") {}
+  ~OneRecord() override { Close(); }
+
+  TField& Show(TFieldType type, Cell cell) {
+    Close();
+    record_.cell = std::move(cell);
+    type_ = type;
+    Open();
+    return Fields(0);
+  }
+  int RecordCount() const override { return 1; }
+
+ protected:
+  void InternalOpen() override { AddField(record_, {"AMT", type_, 4, 19, false}); }
+  void InternalClose() noexcept override {}
+  bool InternalFirst() override { return true; }
+  bool InternalNext() override { return false; }
+
+ private:
+  struct Record : TRecordReader {
+    Cell cell;
+    bool IsNull(int) const override { return cell.index() == 0; }
+    std::int64_t Integer(int) const override { return std::get<std::int64_t>(cell); }
+    double Float(int) const override { return std::get<double>(cell); }
+    std::string_view Text(int) const override { return std::get<std::string>(cell); }
+    void AppendCharacters(std::string& out, int) const override { out += Text(0); }
+  };
+  Record record_;
+  TFieldType type_ = TFieldType::ftUnknown;
+};
+
+class Field : public testing::Test {
+ protected:
+  Field() {
+    FormatSettings = TFormatSettings::UsEnglish();
+    FormatSettings.ShortDateFormat = "dd/mm/yyyy";
+    FormatSettings.LongTimeFormat = "hh:nn:ss";
+  }
+  ~Field() override { GetFormatSettings(); }
+  OneRecord set_;
+};
+
+using enum TFieldType;
+
+TEST_F(Field, TypesHaveThePlatformsNumbers) {
+  EXPECT_EQ(static_cast<int>(ftBCD), 8);
+  EXPECT_EQ(static_cast<int>(ftMemo), 16);
+  EXPECT_EQ(static_cast<int>(ftLargeint), 25);
+  EXPECT_EQ(static_cast<int>(ftFMTBcd), 37);
+}
+
+TEST_F(Field, AsString) {
+  struct Case {
+    TFieldType type;
+    Cell cell;
+    std::string want;
+  };
+  const Case cases[] = {
+      {ftString, "กข", "กข"},
+      {ftInteger, std::int64_t{-7}, "-7"},
+      {ftLargeint, INT64_MIN, "-9223372036854775808"},
+      {ftFloat, 0.1, "0.1"},
+      {ftBCD, "1234.5000", "1234.5"},
+      {ftBCD, "-0.0000", "0"},
+      {ftBCD, "100", "100"},
+      {ftBCD, "100.00", "100"},
+      {ftFMTBcd, "12345678901234567890.123456", "12345678901234567890.123456"},
+      {ftBoolean, std::int64_t{1}, "True"},
+      {ftDate, "2004-03-15", "15/03/2004"},
+      {ftTime, "14:30:05.250", "14:30:05"},
+      {ftTimeStamp, "2004-03-15 00:00:00", "15/03/2004"},
+      {ftTimeStamp, "2004-03-15 00:00:01", "15/03/2004 00:00:01"},
+      {ftTimeStamp, "2004-03-15T14:30:05.1239", "15/03/2004 14:30:05"},
+      {ftBlob, std::string("a\0b", 3), std::string("a\0b", 3)},
+      {ftInteger, {}, ""},
+      {ftTimeStamp, {}, ""},
+  };
+  for (const Case& c : cases) EXPECT_EQ(set_.Show(c.type, c.cell).AsString(), c.want) << c.want;
+  FormatSettings.DecimalSeparator = ',';
+  EXPECT_EQ(set_.Show(ftBCD, "1.50").AsString(), "1,5");
+}
+
+TEST_F(Field, Amounts) {
+  struct Case {
+    TFieldType type;
+    Cell cell;
+    Currency want;
+    const char* why;
+  };
+  const Case cases[] = {
+      {ftBCD, "922337203685477.5807", Currency::Max(), "the greatest"},
+      {ftBCD, "-922337203685477.5808", Currency::Min(), "the least"},
+      {ftFMTBcd, "0.00005", Currency(), "a tie to the even one"},
+      {ftFMTBcd, "0.00015", 0.0002_baht, "a tie to the even one"},
+      {ftFMTBcd, "-0.000150000000000001", -0.0002_baht, "above the tie"},
+      {ftBCD, "12", 12_baht, "no point"},
+      {ftBCD, ".5", 0.5_baht, "no digit before it"},
+      {ftInteger, std::int64_t{3}, 3_baht, ""},
+      {ftFloat, 0.1, 0.1_baht, ""},
+      {ftString, " 1.5 ", 1.5_baht, "a text"},
+      {ftBCD, {}, Currency(), "Null"},
+      {ftFloat, {}, Currency(), "Null"},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(set_.Show(c.type, c.cell).AsCurrency(), c.want) << c.why;
+  }
+  const std::string message =
+      MessageOf<EDatabaseError>([&] { set_.Show(ftBCD, "922337203685477.5808").AsCurrency(); });
+  EXPECT_EQ(message,
+            "Set: 922337203685478 is not a valid value for field 'AMT'. The allowed range is "
+            "-922337203685478 to 922337203685478");
+  EXPECT_THROW(set_.Show(ftLargeint, INT64_MAX).AsCurrency(), EDatabaseError);
+  EXPECT_THROW(set_.Show(ftBCD, "1e5").AsCurrency(), EDatabaseError) << "no form of a decimal";
+}
+
+TEST_F(Field, WholeNumbers) {
+  struct Case {
+    TFieldType type;
+    Cell cell;
+    std::int32_t want;
+  };
+  const Case cases[] = {{ftFloat, 2.5, 2},    {ftFloat, -3.5, -4},
+                        {ftBCD, "2.5000", 2}, {ftBCD, "3.5000", 4},
+                        {ftString, "42", 42}, {ftInteger, {}, 0},
+                        {ftBCD, {}, 0},       {ftLargeint, std::int64_t{INT32_MIN}, INT32_MIN}};
+  for (const Case& c : cases) EXPECT_EQ(set_.Show(c.type, c.cell).AsInteger(), c.want);
+  EXPECT_EQ(MessageOf<EDatabaseError>(
+                [&] { set_.Show(ftLargeint, std::int64_t{INT32_MAX} + 1).AsInteger(); }),
+            "Set: 2147483648 is not a valid value for field 'AMT'. The allowed range is "
+            "-2147483648 to 2147483647");
+  EXPECT_THROW(set_.Show(ftFloat, 1e19).AsLargeInt(), EDatabaseError);
+  EXPECT_EQ(set_.Show(ftBCD, "9223372036854775807.4").AsLargeInt(), INT64_MAX);
+}
+
+TEST_F(Field, TextsAreConvertedStrictly) {
+  EXPECT_EQ(MessageOf<EConvertError>([&] { set_.Show(ftString, {}).AsInteger(); }),
+            "'' is not a valid integer value")
+      << "Null";
+  EXPECT_EQ(MessageOf<EConvertError>([&] { set_.Show(ftString, "x").AsFloat(); }),
+            "'x' is not a valid floating point value");
+  EXPECT_EQ(MessageOf<EConvertError>([&] { set_.Show(ftString, "x").AsDateTime(); }),
+            "'x' is not a valid date and time");
+  EXPECT_EQ(MessageOf<EConvertError>([&] { set_.Show(ftDate, "0000-00-00").AsDateTime(); }),
+            "'0000-00-00' is not a valid date and time");
+  EXPECT_EQ(set_.Show(ftString, "15/03/2004").AsDateTime(), EncodeDate(2004, 3, 15));
+  EXPECT_EQ(set_.Show(ftString, "2004-03-15").AsDateTime(), EncodeDate(2004, 3, 15));
+  for (const char* yes : {"T", "true", "Yes", "y"}) {
+    EXPECT_TRUE(set_.Show(ftString, yes).AsBoolean()) << yes;
+  }
+  for (const char* no : {"", "1", "N", "false"}) {
+    EXPECT_FALSE(set_.Show(ftString, no).AsBoolean()) << no;
+  }
+}
+
+TEST_F(Field, OtherAccessorsAreRefused) {
+  const auto refused = [&](auto action) { return MessageOf<EDatabaseError>(action); };
+  EXPECT_EQ(refused([&] { set_.Show(ftInteger, std::int64_t{1}).AsDateTime(); }),
+            "Set: Cannot access field 'AMT' as type DateTime");
+  EXPECT_EQ(refused([&] { set_.Show(ftDate, "2004-03-15").AsInteger(); }),
+            "Set: Cannot access field 'AMT' as type Integer");
+  EXPECT_EQ(refused([&] { set_.Show(ftBlob, "x").AsCurrency(); }),
+            "Set: Cannot access field 'AMT' as type Float");
+  TField& label = set_.Show(ftBCD, "1");
+  label.SetDisplayLabel("จำนวน"_th);
+  EXPECT_EQ(refused([&] { label.AsBoolean(); }), std::string("Set: Cannot access field '") +
+                                                     std::string("จำนวน"_th) + "' as type Boolean");
+}
+
+TEST_F(Field, Values) {
+  EXPECT_EQ(set_.Show(ftBCD, "1.5000").Value(), Variant(1.5_baht));
+  EXPECT_EQ(set_.Show(ftFMTBcd, "1.123456").Value(), Variant("1.123456")) << "nothing is lost";
+  EXPECT_EQ(set_.Show(ftDate, "2004-03-15").Value(), Variant(EncodeDate(2004, 3, 15)));
+  EXPECT_EQ(set_.Show(ftBoolean, std::int64_t{0}).Value(), Variant(false));
+  EXPECT_TRUE(set_.Show(ftDate, {}).Value().IsNull());
+}
+
+TEST_F(Field, NamesAreFoundInAnyLetterCase) {
+  set_.Show(ftBCD, "1");
+  EXPECT_EQ(set_.FindField("amt"), &set_.Fields(0));
+  EXPECT_EQ(set_.FindField("x"), nullptr);
+  EXPECT_EQ(MessageOf<EDatabaseError>([&] { set_.FieldByName("x"); }), "Set: Field 'x' not found");
+  EXPECT_THROW(set_.Fields(1), EListError);
+}
+
+}  // namespace
+}  // namespace kvshare

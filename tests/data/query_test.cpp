@@ -1,0 +1,174 @@
+#include "kvshare/data/sqlquery.h"
+
+#include <gmock/gmock.h>
+
+#include "kvshare/rtl/cp874.h"
+#include "kvshare/rtl/exceptions.h"
+#include "tests/data/sqlite.h"
+#include "tests/support.h"
+
+namespace kvshare {
+namespace {
+
+class Query : public testing::Test {
+ protected:
+  Query() {
+    UseSqlite(connection_, folder_.File("x.db"));
+    connection_.ExecuteDirect("CREATE TABLE T (ID INTEGER, NAME VARCHAR(20))");
+    connection_.ExecuteDirect("INSERT INTO T VALUES (1, 'a'), (2, 'b'), (3, NULL)");
+    query_.SetSQLConnection(&connection_);
+    query_.SQL().Add("SELECT ID, NAME FROM T ORDER BY ID");
+  }
+
+  std::string ErrorOf(const std::function<void()>& action) const {
+    return MessageOf<EDatabaseError>(action);
+  }
+
+  TemporaryFolder folder_;
+  TSQLConnection connection_;
+  TSQLQuery query_{nullptr, "Qry"};
+};
+
+TEST_F(Query, PlacesAndStates) {
+  EXPECT_EQ(query_.State(), TDataSetState::dsInactive);
+  query_.Open();
+  query_.Open();
+  EXPECT_EQ(query_.State(), TDataSetState::dsBrowse);
+  EXPECT_TRUE(query_.Bof() && !query_.Eof() && !query_.IsEmpty());
+  EXPECT_EQ(query_.RecordCount(), 1);
+  query_.First();
+  query_.Next();
+  EXPECT_FALSE(query_.Bof());
+  EXPECT_EQ(query_.FieldByName("id").AsInteger(), 2);
+  query_.First();
+  EXPECT_TRUE(query_.Bof());
+  EXPECT_EQ(query_.FieldByName("id").AsInteger(), 1) << "run again";
+  while (!query_.Eof()) query_.Next();
+  query_.Next();
+  EXPECT_EQ(query_.RecordCount(), 3);
+  EXPECT_TRUE(query_.FieldByName("ID").IsNull()) << "behind the last record";
+  query_.Close();
+  query_.Close();
+  EXPECT_EQ(query_.FieldCount(), 0);
+}
+
+TEST_F(Query, AnEmptySet) {
+  query_.SQL().SetText("SELECT ID FROM T WHERE ID > 9");
+  query_.Open();
+  EXPECT_TRUE(query_.Bof() && query_.Eof() && query_.IsEmpty());
+  EXPECT_EQ(query_.RecordCount(), 0);
+  query_.First();
+  query_.Next();
+  EXPECT_TRUE(query_.Fields(0).IsNull());
+  EXPECT_EQ(query_.Fields(0).AsInteger(), 0);
+}
+
+TEST_F(Query, WhatAUnidirectionalSetRefuses) {
+  EXPECT_EQ(ErrorOf([&] { query_.Next(); }),
+            "Qry: Cannot perform this operation on a closed dataset");
+  EXPECT_EQ(ErrorOf([&] { query_.Edit(); }),
+            "Qry: Cannot perform this operation on a closed dataset");
+  query_.Open();
+  const std::string oneWay = "Qry: Operation not allowed on a unidirectional dataset";
+  EXPECT_EQ(ErrorOf([&] { query_.Prior(); }), oneWay);
+  EXPECT_EQ(ErrorOf([&] { query_.Last(); }), oneWay);
+  EXPECT_EQ(ErrorOf([&] { query_.Locate("ID", 1); }), oneWay);
+  const std::string readOnly = "Qry: Cannot modify a read-only dataset";
+  EXPECT_EQ(ErrorOf([&] { query_.Edit(); }), readOnly);
+  EXPECT_EQ(ErrorOf([&] { query_.Append(); }), readOnly);
+  EXPECT_EQ(ErrorOf([&] { query_.Delete(); }), readOnly);
+  EXPECT_EQ(ErrorOf([&] { query_.Post(); }), "Qry: Dataset not in edit or insert mode");
+  query_.Cancel();
+  EXPECT_EQ(query_.Fields(0).AsInteger(), 1);
+}
+
+TEST_F(Query, WhatItNeedsToOpen) {
+  TSQLQuery none(nullptr, "Qry");
+  EXPECT_EQ(ErrorOf([&] { none.Open(); }), "Qry: Missing SQLConnection property");
+  query_.SQL().SetText("  \r\n ");
+  EXPECT_EQ(ErrorOf([&] { query_.Open(); }), "Qry: Missing query, table name or procedure name");
+  query_.SQL().SetText("DELETE FROM T WHERE ID = 9");
+  EXPECT_EQ(ErrorOf([&] { query_.Open(); }), "Qry: Cursor not returned from Query");
+  query_.SQL().SetText("SELECT * FROM NONE");
+  EXPECT_EQ(ErrorOf([&] { query_.Open(); }), "SQL Server Error: no such table: NONE");
+  EXPECT_EQ(query_.State(), TDataSetState::dsInactive);
+}
+
+TEST_F(Query, AChangeOfTheStatementCloses) {
+  const std::function<void()> changes[] = {
+      [&] { query_.SQL().Add("-- x"); }, [&] { query_.SQL().Put(0, "SELECT 1"); },
+      [&] { query_.SQL().Insert(0, "-- y"); }, [&] { query_.SQL().Delete(0); },
+      [&] { query_.SQL().SetText("SELECT 2"); }};
+  for (const auto& change : changes) {
+    query_.Open();
+    change();
+    EXPECT_FALSE(query_.Active());
+  }
+}
+
+TEST_F(Query, TheEndOfItsConnectionClosesIt) {
+  auto connection = std::make_unique<TSQLConnection>();
+  UseSqlite(*connection, folder_.File("x.db"));
+  query_.SetSQLConnection(connection.get());
+  query_.Open();
+  connection->Close();
+  EXPECT_FALSE(query_.Active());
+  query_.Open();
+  EXPECT_TRUE(connection->Connected());
+  connection.reset();
+  EXPECT_FALSE(query_.Active());
+  EXPECT_EQ(query_.SQLConnection(), nullptr);
+}
+
+TEST_F(Query, ParametersByNameAndPlace) {
+  query_.SQL().SetText("SELECT ID FROM T WHERE (ID = :A OR ID = ? OR NAME = :b) AND ID <> :a + 1");
+  ASSERT_EQ(query_.Params().Count(), 3);
+  query_.ParamByName("a").SetAsInteger(1);
+  query_.Params()[1].SetAsInteger(3);
+  query_.ParamByName("B").SetAsString("b");
+  std::string found;
+  for (query_.Open(); !query_.Eof(); query_.Next()) found += query_.Fields(0).AsString();
+  EXPECT_EQ(found, "13");
+  query_.SQL().Add("AND ID > :low");
+  EXPECT_FALSE(query_.ParamByName("a").IsNull()) << "values stay";
+  EXPECT_TRUE(query_.ParamByName("low").IsNull());
+  EXPECT_EQ(ErrorOf([&] { query_.ParamByName("none"); }), "Parameter 'none' not found");
+  EXPECT_THROW(query_.Params()[4], EListError);
+}
+
+TEST_F(Query, ExecSQL) {
+  query_.SQL().SetText("UPDATE T SET NAME = 'z'");
+  EXPECT_EQ(query_.ExecSQL(), 3);
+  query_.SQL().SetText("UPDATE T SET NAME = :N WHERE ID = 2");
+  query_.ParamByName("n").SetAsString("ก"_th);
+  EXPECT_EQ(query_.ExecSQL(), -1);
+  query_.SQL().SetText("SELECT NAME FROM T WHERE ID = 2");
+  query_.Open();
+  EXPECT_EQ(query_.Fields(0).AsString(), "ก"_th);
+}
+
+TEST(Statement, Parsed) {
+  using testing::ElementsAre;
+  struct Case {
+    std::string_view sql, text;
+    std::vector<std::string> names;
+  };
+  const Case cases[] = {
+      {"SELECT 1", "SELECT 1", {}},
+      {"a=:A,b=:b_2;", "a=?,b=?;", {"A", "b_2"}},
+      {"':x' \":y\" `:z` :w", "':x' \":y\" `:z` ?", {"w"}},
+      {"'it''s :x' :y", "'it''s :x' ?", {"y"}},
+      {"-- :x\n:y /* :z */ ?", "-- :x\n? /* :z */ ?", {"y", ""}},
+      {"x::text 12:30 :", "x::text 12:30 :", {}},
+      {"':open", "':open", {}},
+      {"/* open :x", "/* open :x", {}},
+  };
+  for (const Case& c : cases) {
+    const data::ParsedStatement parsed = data::ParseStatement(c.sql);
+    EXPECT_EQ(parsed.text, c.text);
+    EXPECT_EQ(parsed.names, c.names) << c.sql;
+  }
+}
+
+}  // namespace
+}  // namespace kvshare

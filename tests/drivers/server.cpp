@@ -1,0 +1,112 @@
+#include "tests/drivers/server.h"
+
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <stdexcept>
+
+namespace kvshare {
+namespace {
+
+ConnectionParameters LinesOf(const std::string& name) {
+  std::ifstream in(name);
+  ConnectionParameters lines;
+  for (std::string line; std::getline(in, line);) {
+    const std::size_t equals = line.find('=');
+    lines.emplace_back(line.substr(0, equals), line.substr(equals + 1));
+  }
+  return lines;
+}
+
+std::string CurrentFile() {
+  const char* name = std::getenv("KVSHARE_SERVER_PARAMETERS");
+  return name != nullptr ? name : "";
+}
+
+}  // namespace
+
+data::DriverEntry CurrentDriverEntry() {
+  const std::string file = std::string(KVSHARE_DRIVERS "/") + CurrentDialect().library;
+  void* library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (library == nullptr) throw std::runtime_error(dlerror());
+  void* entry = dlsym(library, CurrentDialect().entry);
+  if (entry == nullptr) throw std::runtime_error("no " + std::string(CurrentDialect().entry));
+  return reinterpret_cast<data::DriverEntry>(entry);
+}
+
+ConnectionParameters ParametersOfFile(const std::string& name) {
+  ConnectionParameters parameters = LinesOf(name);
+  std::erase_if(parameters, [](const auto& item) { return item.first == "ServerPid"; });
+  return parameters;
+}
+
+int PidOfFile(const std::string& name) {
+  for (const auto& [key, value] : LinesOf(name)) {
+    if (key == "ServerPid") return std::stoi(value);
+  }
+  throw std::runtime_error("no ServerPid in " + name);
+}
+
+ConnectionParameters ServerParameters() {
+  return ParametersOfFile(CurrentFile());
+}
+
+int ServerPid() {
+  return PidOfFile(CurrentFile());
+}
+
+ConnectionPointer MakeConnection() {
+  static const data::DriverEntry entry = CurrentDriverEntry();
+  return entry(data::kDriverContract)->MakeConnection();
+}
+
+ConnectionPointer Connected() {
+  ConnectionPointer connection = MakeConnection();
+  connection->Connect(ServerParameters());
+  return connection;
+}
+
+std::string TextOf(const data::Cursor& cursor, int column) {
+  if (cursor.IsNull(column)) return "NULL";
+  switch (cursor.Columns()[static_cast<std::size_t>(column)].kind) {
+    case data::ColumnKind::Integer:
+    case data::ColumnKind::Largeint:
+    case data::ColumnKind::Boolean:
+      return std::to_string(cursor.Integer(column));
+    case data::ColumnKind::Float: {
+      char text[64];
+      std::snprintf(text, sizeof text, "%.17g", cursor.Float(column));
+      return text;
+    }
+    default:
+      return std::string(cursor.Text(column));
+  }
+}
+
+std::vector<std::vector<std::string>> RowsOf(data::Connection& connection, const std::string& sql,
+                                             std::span<const data::ParameterValue> values) {
+  const auto cursor = connection.Query(sql, values);
+  if (!cursor) throw std::logic_error("no rows: " + sql);
+  std::vector<std::vector<std::string>> rows;
+  while (cursor->Next()) {
+    auto& row = rows.emplace_back();
+    for (std::size_t i = 0; i < cursor->Columns().size(); ++i) {
+      row.push_back(TextOf(*cursor, static_cast<int>(i)));
+    }
+  }
+  return rows;
+}
+
+void CreateTable(data::Connection& connection, const std::string& name,
+                 const std::string& columns) {
+  const std::vector<std::string> names = connection.TableNames(false);
+  const auto same = [&name](const std::string& known) {
+    return std::ranges::equal(known, name, {}, ::toupper, ::toupper);
+  };
+  if (std::ranges::any_of(names, same)) connection.Execute("DROP TABLE " + name);
+  connection.Execute("CREATE TABLE " + name + " (" + columns + ")");
+}
+
+}  // namespace kvshare
