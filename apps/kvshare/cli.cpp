@@ -51,6 +51,10 @@ void Declare(CLI::App& app, Plan& plan) {
   DeclareMessage(app, plan);
   DeclareDialect(app, plan);
   DeclareLog(app, plan);
+  DeclareConnect(app, plan);
+  DeclareSql(app, plan);
+  DeclareRights(app, plan);
+  DeclareReplication(app, plan);
   DeclareDoctor(app, plan);
   DeclareSettings(app, plan);
   DeclareVersion(app, plan);

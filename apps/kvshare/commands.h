@@ -41,6 +41,10 @@ void DeclareDialect(CLI::App& parent, Plan& plan);
 void DeclareLog(CLI::App& parent, Plan& plan);
 void DeclareReceipts(CLI::App& parent, Plan& plan);
 void DeclareVersion(CLI::App& parent, Plan& plan);
+void DeclareConnect(CLI::App& parent, Plan& plan);
+void DeclareSql(CLI::App& parent, Plan& plan);
+void DeclareRights(CLI::App& parent, Plan& plan);
+void DeclareReplication(CLI::App& parent, Plan& plan);
 
 // Adds a command with its `--json` and its worked examples.
 CLI::App* AddCommand(CLI::App& parent, Plan& plan, std::string_view name, std::string_view purpose,

@@ -2,6 +2,7 @@
 
 #include "apps/kvshare/commands.h"
 #include "apps/kvshare/explain.h"
+#include "apps/kvshare/legible.h"
 #include "apps/kvshare/moments.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/format.h"
@@ -22,15 +23,6 @@ std::string Iso(const Reading& reading) {
   return text;
 }
 
-// What is shown in a line of its own steers no terminal.
-std::string Legible(std::string_view text) {
-  std::string legible(text);
-  for (char& c : legible) {
-    if (static_cast<unsigned char>(c) < 32 || c == 127) c = '?';
-  }
-  return legible;
-}
-
 void FillMembers(Row& row, std::string_view text, const std::vector<Reading>& readings) {
   Json list = Json::array();
   for (const Reading& reading : readings) {
@@ -46,7 +38,7 @@ void FillMembers(Row& row, std::string_view text, const std::vector<Reading>& re
 
 void FillLines(Row& row, std::string_view text, const std::vector<Reading>& readings) {
   std::string& lines = row.Lines();
-  lines = Legible(text) + "\n";
+  lines = Legible(std::string(text)) + "\n";
   for (const Reading& reading : readings) {
     const std::string result = reading.moment ? Iso(reading) : "refused";
     lines += Format("  %-9s%-10s  %s\n", {reading.reader, result, Legible(reading.why)});

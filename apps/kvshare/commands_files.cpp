@@ -3,6 +3,7 @@
 #include <system_error>
 
 #include "apps/kvshare/commands.h"
+#include "apps/kvshare/legible.h"
 #include "kvshare/os/drives.h"
 #include "kvshare/os/files.h"
 #include "kvshare/os/paths.h"
@@ -102,14 +103,6 @@ class Folder {
   std::string windows_;
   std::string native_;
 };
-
-// Bytes that would steer the terminal or break the line.
-std::string Legible(std::string text) {
-  for (char& c : text) {
-    if (static_cast<unsigned char>(c) < 32 || c == 127) c = '?';
-  }
-  return text;
-}
 
 // One run of a command: lines on standard output, failures on standard error.
 class FilesRun {

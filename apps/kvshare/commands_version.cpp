@@ -2,6 +2,7 @@
 #include <nlohmann/json.hpp>
 
 #include "apps/kvshare/commands.h"
+#include "apps/kvshare/legible.h"
 #include "kvshare/os/versionresource.h"
 #include "kvshare/platform/fileinfo.h"
 #include "kvshare/rtl/cp874.h"
@@ -28,13 +29,8 @@ os::VersionResource ResourceOf(std::string_view file) {
   throw EConvertError("'" + std::string(file) + "' " + std::string(why));
 }
 
-// Texts come from a file of anybody and must neither break a line nor steer the terminal.
 std::string OneLine(std::string_view text) {
-  std::string line(text);
-  for (char& c : line) {
-    if (static_cast<unsigned char>(c) < 32 || c == 127) c = ' ';
-  }
-  return line;
+  return Legible(std::string(text), ' ');
 }
 
 void AddLine(std::string& lines, std::string_view name, std::string_view value) {

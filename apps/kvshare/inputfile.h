@@ -13,6 +13,17 @@
 
 namespace kvshare::app {
 
+// Appends what there is from here to the end. Throws StreamError.
+inline void AppendRest(std::string& bytes, int fd) {
+  constexpr std::size_t kBlock = std::size_t{1} << 16;
+  for (std::size_t n = kBlock; n != 0;) {
+    const std::size_t size = bytes.size();
+    bytes.resize(size + kBlock);
+    n = ReadSome(fd, bytes.data() + size, kBlock);
+    bytes.resize(size + n);
+  }
+}
+
 class InputFile {
  public:
   InputFile() = default;  // none
@@ -31,17 +42,6 @@ class InputFile {
 
   bool IsOpen() const { return fd_ >= 0; }
   int Fd() const { return fd_; }
-
-  // Appends what there is from here to the end. Throws StreamError.
-  void AppendRest(std::string& bytes) const {
-    constexpr std::size_t kBlock = std::size_t{1} << 16;
-    for (std::size_t n = kBlock; n != 0;) {
-      const std::size_t size = bytes.size();
-      bytes.resize(size + kBlock);
-      n = ReadSome(fd_, bytes.data() + size, kBlock);
-      bytes.resize(size + n);
-    }
-  }
 
  private:
   int fd_ = -1;

@@ -156,7 +156,7 @@ std::vector<LogProblem> VerifyLog(const std::string& log) {
 
 std::string ReadLogFile(const std::string& path) {
   std::string bytes;
-  InputFile(path).AppendRest(bytes);
+  AppendRest(bytes, InputFile(path).Fd());
   return bytes;
 }
 

@@ -24,7 +24,7 @@ void LogFollower::SkipToLast(std::size_t lines) {
   const off_t size = ::lseek(file_.Fd(), 0, SEEK_END);
   position_ = ::lseek(file_.Fd(), std::max<off_t>(size - kMostBytes, 0), SEEK_SET);
   std::string tail;
-  file_.AppendRest(tail);
+  AppendRest(tail, file_.Fd());
   std::size_t begin = tail.size();
   for (std::size_t n = 0; n <= lines && begin != std::string::npos; ++n) {
     begin = begin == 0 ? std::string::npos : tail.rfind('\n', begin - 1);
@@ -39,7 +39,7 @@ void LogFollower::TakeNew(std::string& lines) {
   if (::fstat(file_.Fd(), &facts) == 0) position_ = std::min(position_, facts.st_size);
   ::lseek(file_.Fd(), position_, SEEK_SET);
   unfinished_.clear();
-  file_.AppendRest(unfinished_);
+  AppendRest(unfinished_, file_.Fd());
   const std::size_t end = unfinished_.rfind('\n') + 1;  // npos + 1 is 0
   lines.append(unfinished_, 0, end);
   unfinished_.erase(0, end);

@@ -20,7 +20,7 @@ _kvshare_languages() {
 
 _kvshare_commands() {
   printf '%s\n' words round share qty format mask date encode decode key message receipts settings \
-    version files doctor dialect log
+    version files doctor connect sql dialect rights replication log
 }
 
 # The commands of a command that has such, as `kvshare date`; nothing for the others.
@@ -30,7 +30,15 @@ _kvshare_subcommands() {
     settings) printf '%s\n' list get set delete export import ;;
     files) printf '%s\n' count list copy delete ;;
     log) printf '%s\n' show follow verify ;;
+    connect) printf '%s\n' list test show tables ;;
+    rights) printf '%s\n' show check ;;
+    replication) printf '%s\n' show take update ;;
   esac
+}
+
+# The names of the connection file.
+_kvshare_connections() {
+  kvshare connect list 2>/dev/null | cut -f1
 }
 
 _kvshare_layouts() {
@@ -52,6 +60,8 @@ _kvshare_options() { # _kvshare_options COMMAND
     "files delete") printf '%s\n' --mask --recursive --yes ;;
     message) printf '%s\n' --language --list ;;
     dialect) printf '%s\n' --file --field --value --matchcase --date ;;
+    sql) printf '%s\n' --connect --batch --csv ;;
+    "rights "* | "replication "*) echo --connect ;;
     "log show") printf '%s\n' --file --day --user --computer ;;
     "log follow") printf '%s\n' --file --lines --once ;;
     "log verify") echo --file ;;
@@ -59,7 +69,7 @@ _kvshare_options() { # _kvshare_options COMMAND
       printf '%s\n' --round --vat-round --vat --discount --cash-step --era --price-includes-vat --width ;;
   esac
   case $1 in
-    date | settings | files | log) ;;
+    date | settings | files | log | connect | rights | replication) ;;
     "settings set" | "settings delete" | "settings export" | "settings import") ;;
     *) echo --json ;;
   esac
@@ -90,7 +100,8 @@ _kvshare_value() {
     "date show --layout") _kvshare_offer "$3" < <(_kvshare_layouts) ;;
     "date show --language") _kvshare_offer "$3" < <(printf '%s\n' th en) ;;
     "date show --era" | "date parse --era" | "receipts --era") _kvshare_offer "$3" < <(printf '%s\n' 543 0) ;;
-    "encode --key-file" | "decode --key-file" | "settings export --output" | "dialect --file" | "log "*" --file")
+    *" --connect") _kvshare_offer "$3" < <(_kvshare_connections) ;;
+    "sql --batch" | "encode --key-file" | "decode --key-file" | "settings export --output" | "dialect --file" | "log "*" --file")
       _kvshare_offer_files "$3" ;;
     "dialect --field" | "dialect --value" | "dialect --date") ;;
     "log show --day" | "log show --user" | "log show --computer" | "log follow --lines") ;;
@@ -110,8 +121,10 @@ _kvshare_first_operand() {
 
 _kvshare_operand() { # _kvshare_operand COMMAND WORD
   case $1 in
-    date | settings | files | log) _kvshare_offer "$2" < <(_kvshare_subcommands "$1") ;;
+    date | settings | files | log | connect | rights | replication) _kvshare_offer "$2" < <(_kvshare_subcommands "$1") ;;
     receipts | version | "settings import" | "files "*) _kvshare_offer_files "$2" ;;
+    "connect test" | "connect show" | "connect tables")
+      _kvshare_offer "$2" < <(_kvshare_connections) ;;
     dialect) _kvshare_offer "$2" < <(kvshare dialect 2>/dev/null) ;;
     message) _kvshare_offer "$2" < <(_kvshare_messages) ;;
     round) _kvshare_first_operand && _kvshare_offer "$2" < <(_kvshare_modes) ;;

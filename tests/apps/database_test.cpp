@@ -1,0 +1,202 @@
+// connect, sql, rights and replication, against a SQLite file.
+#include <fcntl.h>
+#include <gmock/gmock.h>
+
+#include <csignal>
+
+#include "tests/apps/shop.h"
+
+namespace kvshare::app {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+using ::testing::StartsWith;
+
+void ExpectDone(const Outcome& outcome) {
+  EXPECT_EQ(outcome.err, "");
+  EXPECT_EQ(outcome.status, 0);
+}
+
+class DatabaseCommands : public Shop {
+ protected:
+  // Values that a table, CSV and JSON must each write in their own way.
+  static void MakeItems() {
+    ExpectDone(
+        Batch("\xEF\xBB\xBF"
+              "CREATE TABLE ITEM (CODE VARCHAR(8) PRIMARY KEY, NAME TEXT,\r\n"
+              "  PRICE DECIMAL_TEXT(19,4) COLLATE DECIMAL, SOLD DATETIME, N INTEGER, P BLOB);\r\n"
+              "INSERT INTO ITEM VALUES ('A', 'ปากกา', '12.5', '2026-11-24', NULL, x'00ff');\n"
+              "INSERT INTO ITEM\nVALUES ('B', 'a,\"b\"', '900719925474099.3125',\n"
+              "  '2026-11-24 10:11:12', 5, NULL); -- in one transaction with the others\n"
+              "INSERT INTO ITEM VALUES ('C', '', NULL, NULL, -1, NULL)"));
+  }
+};
+
+TEST_F(DatabaseCommands, RowsAsTableCsvAndJson) {
+  MakeItems();
+  const struct {
+    std::vector<std::string> form;
+    std::string out;
+  } cases[] = {
+      {{},
+       "CODE  NAME                  PRICE  SOLD                  N  P\n"
+       "----  -----  --------------------  -------------------  --  ----\n"
+       "A     ปากกา                  12.5  2026-11-24               00FF\n"
+       "B     a,\"b\"  900719925474099.3125  2026-11-24T10:11:12   5  \n"
+       "C                                                       -1  \n"},
+      {{"--csv"},
+       "CODE,NAME,PRICE,SOLD,N,P\r\n"
+       "A,ปากกา,12.5,2026-11-24,,00FF\r\n"
+       "B,\"a,\"\"b\"\"\",900719925474099.3125,2026-11-24T10:11:12,5,\r\n"
+       "C,\"\",,,-1,\r\n"},
+      {{"--json"},
+       "{\"CODE\":\"A\",\"NAME\":\"ปากกา\",\"PRICE\":\"12.5\",\"SOLD\":\"2026-11-24\",\"N\":null,"
+       "\"P\":\"00FF\"}\n"
+       "{\"CODE\":\"B\",\"NAME\":\"a,\\\"b\\\"\",\"PRICE\":\"900719925474099.3125\","
+       "\"SOLD\":\"2026-11-24T10:11:12\",\"N\":5,\"P\":null}\n"
+       "{\"CODE\":\"C\",\"NAME\":\"\",\"PRICE\":null,\"SOLD\":null,\"N\":-1,\"P\":null}\n"},
+  };
+  for (const auto& c : cases) {
+    std::vector<std::string> arguments = {"sql", "--connect", "SHOP",
+                                          "SELECT * FROM ITEM ORDER BY CODE"};
+    arguments.insert(arguments.end(), c.form.begin(), c.form.end());
+    const Outcome got = Run(arguments);
+    EXPECT_EQ(got.out, c.out);
+    ExpectDone(got);
+  }
+}
+
+TEST_F(DatabaseCommands, ControlCharactersSteerNoTerminal) {
+  const Outcome got = Sql("SELECT 'a' || char(27) || '[2J' || char(10) AS X");
+  EXPECT_EQ(got.out, "X\n------\na [2J \n");
+}
+
+TEST_F(DatabaseCommands, StatementsTellWhatIsCutAndWhatFails) {
+  MakeItems();
+  ExpectDone(Sql("UPDATE ITEM SET N = 7 WHERE CODE = 'A'"));
+  ExpectDone(Sql("UPDATE ITEM SET N = 8 WHERE CODE = 'A'; -- a remark"));
+  const Outcome cut = Sql("UPDATE ITEM SET NAME = 'x;y' WHERE CODE = 'A'");
+  EXPECT_EQ(cut.status, 1);
+  EXPECT_EQ(cut.err,
+            "kvshare: note: what stands behind the first `;` is not run: y' WHERE CODE = 'A'\n"
+            "kvshare: พบข้อผิดพลาด\nSQL Server Error: unrecognized token: \"'x\"\nขณะทำคำสั่ง\n"
+            "UPDATE ITEM SET NAME = 'x;y' WHERE CODE = 'A'\n");
+  const Outcome missing = Sql("SELECT 1 FROM NOWHERE");
+  EXPECT_EQ(missing.err, "kvshare: SQL Server Error: no such table: NOWHERE\n");
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_EQ(Sql("SELECT 'a☃'").status, 2);
+  EXPECT_EQ(Sql("").status, 2);
+  EXPECT_EQ(Run({"sql", "--connect", "SHOP", "SELECT 1", "--batch", "-"}).status, 2);
+  EXPECT_THAT(Sql("SELECT NAME, N FROM ITEM WHERE CODE = 'A'").out, HasSubstr("ปากกา  8\n"));
+}
+
+TEST_F(DatabaseCommands, ABatchThatFailsNamesTheStatementAndWritesNothing) {
+  MakeItems();
+  const Outcome failed = Batch(
+      "DELETE FROM ITEM;\n\nINSERT INTO ITEM (CODE)\nVALUES ('D');\n"
+      "INSERT INTO ITEM (CODE) VALUES ('D'); SELECT 1");
+  EXPECT_EQ(failed.status, 1);
+  EXPECT_EQ(failed.err,
+            "kvshare: note: -, line 5: what stands behind the first `;` is not run: SELECT 1\n"
+            "kvshare: -: Statement 3 (line 5): SQL Server Error: UNIQUE constraint failed: "
+            "ITEM.CODE\nNothing was written.\n");
+  EXPECT_THAT(Sql("SELECT COUNT(*) AS N FROM ITEM").out, HasSubstr("\n3\n"));
+
+  const struct {
+    std::string_view text;
+    std::string_view err;
+  } refused[] = {
+      {std::string_view("DELETE FROM ITEM;\n\0", 19), "kvshare: -: a zero byte, at byte 19\n"},
+      {"DELETE FROM ITEM; -- \xFF", "kvshare: -: "},
+      {"DELETE FROM ITEM WHERE NAME = '☃'", "kvshare: -: No letter U+2603"},
+  };
+  for (const auto& r : refused) {
+    const Outcome got = Batch(r.text);
+    EXPECT_THAT(got.err, StartsWith(std::string(r.err)));
+    EXPECT_EQ(got.status, 1);
+  }
+  EXPECT_THAT(Run({"sql", "--connect", "SHOP", "--batch", "/no/such/file"}).err,
+              HasSubstr("/no/such/file: No such file"));
+  EXPECT_THAT(Sql("SELECT COUNT(*) AS N FROM ITEM").out, HasSubstr("\n3\n"));
+  ExpectDone(Batch(""));
+}
+
+TEST_F(DatabaseCommands, ConnectionsAreShownWithoutTheirSecrets) {
+  EXPECT_EQ(Run({"connect", "list"}).out,
+            "SHOP\tSQLITE\tkvshare-sqlite\nFARAWAY\tMYSQL\tkvshare-none\n");
+  EXPECT_THAT(Run({"connect", "test", "SHOP"}).out, StartsWith("SHOP\tSQLite 3."));
+  const Outcome shown = Run({"connect", "show", "FARAWAY", "--json"});
+  EXPECT_EQ(shown.out,
+            "{\"key\":\"LibraryName\",\"value\":\"kvshare-none\"}\n"
+            "{\"key\":\"User_Name\",\"value\":\"som\"}\n"
+            "{\"key\":\"password\",\"value\":\"***\"}\n"
+            "{\"key\":\"MasterPWD\",\"value\":\"***\"}\n"
+            "{\"key\":\"Database\",\"value\":\"Server=x;Pwd=***\"}\n");
+  const Outcome away = Run({"connect", "test", "FARAWAY"});
+  EXPECT_THAT(away.err, StartsWith("kvshare: Unable to Load kvshare-none\n"));
+  EXPECT_THAT(away.err, Not(HasSubstr("secret")));
+  EXPECT_EQ(away.status, 1);
+  EXPECT_EQ(Run({"connect", "show", "NONE"}).err,
+            "kvshare: no connection 'NONE' in C:\\ProgramData\\QXN\\Share\\DConnect.ini\n");
+  ExpectDone(Sql("CREATE TABLE ITEM (CODE TEXT)"));
+  EXPECT_EQ(Run({"connect", "tables", "SHOP"}).out, "ITEM\n");
+}
+
+TEST_F(DatabaseCommands, RightsAreShownAndChecked) {
+  ExpectDone(
+      Batch("CREATE TABLE SCTYTAB (SEC_TEMPDEF INTEGER, SEC_POSN INTEGER, SEC_READ CHAR(1),\n"
+            "SEC_WRITE CHAR(1), SEC_INSERT CHAR(1), SEC_DELETE CHAR(1), SEC_EXECUTE CHAR(1));\n"
+            "INSERT INTO SCTYTAB VALUES (10, 2, 'Y', 'y', 'N', NULL, 'Y');"));
+  EXPECT_EQ(Run({"rights", "show", "--connect", "SHOP"}).out, "10\t2\tY\ty\tN\t\tY\n");
+  EXPECT_EQ(Run({"rights", "check", "--connect", "SHOP", "2", "10"}).out,
+            "read\tY\nwrite\tN\ninsert\tN\ndelete\tN\nexecute\tY\n");
+  const auto status = [](const char* position, const char* screen, const char* right) {
+    return Run({"rights", "check", "--connect", "SHOP", position, screen, right}).status;
+  };
+  EXPECT_EQ(status("2", "10", "Read"), 0);
+  EXPECT_EQ(status("2", "10", "write"), 1);
+  EXPECT_EQ(status("10", "2", "read"), 1);
+  EXPECT_EQ(status("0", "10", "write"), 0);
+  EXPECT_EQ(status("2", "10", "print"), 2);
+}
+
+TEST_F(DatabaseCommands, TheSendNumberIsShownTakenAndMovedOn) {
+  ExpectDone(
+      Batch("CREATE TABLE KOVRASYNC (SYN_KEY INTEGER PRIMARY KEY, SYN_TABLENAME VARCHAR(20),\n"
+            "SYN_LASTSEND VARCHAR(17), SYN_LASTUPD VARCHAR(17));\n"
+            "CREATE TABLE KOVRAVERSION (VER_KEY INTEGER, VER_GUID TEXT, VER_DATA_ID TEXT);\n"
+            "INSERT INTO KOVRAVERSION VALUES (1, '{A}', 'D1');"));
+  const auto run = [](std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "replication");
+    arguments.insert(arguments.begin() + 2, {"--connect", "SHOP"});
+    return Run(arguments).out;
+  };
+  EXPECT_EQ(run({"show"}), "lastsend\t00000000000000000\nchanged\t\norigin\t{A}\ndata\tD1\n");
+  EXPECT_EQ(run({"take"}), "00000000000000001\n");
+  EXPECT_EQ(run({"update", "20"}), "00000000000000020\n");
+  EXPECT_EQ(run({"update", "7"}), "00000000000000021\n");
+  EXPECT_EQ(run({"take", "--json"}), "{\"number\":\"00000000000000022\"}\n");
+  EXPECT_THAT(run({"show"}), StartsWith("lastsend\t00000000000000022\nchanged\t20"));
+}
+
+TEST_F(DatabaseCommands, AReaderThatLeavesEndsTheRows) {
+  int ends[2];
+  ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+  ::close(ends[0]);
+  const auto before = std::signal(SIGPIPE, SIG_IGN);
+  const TempFile in;
+  const TempFile err;
+  const int status =
+      RunCommandLine({"sql", "--connect", "SHOP",
+                      "WITH RECURSIVE C(N) AS (VALUES (1) UNION ALL SELECT N + 1 FROM C) "
+                      "SELECT N FROM C"},
+                     {in.Fd(), ends[1], err.Fd()});
+  std::signal(SIGPIPE, before);
+  ::close(ends[1]);
+  EXPECT_EQ(status, 1);
+  EXPECT_EQ(err.Content(), "kvshare: standard output: Broken pipe\n");
+}
+
+}  // namespace
+}  // namespace kvshare::app
