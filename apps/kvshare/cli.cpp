@@ -53,6 +53,8 @@ void Declare(CLI::App& app, Plan& plan) {
   DeclareLog(app, plan);
   DeclareConnect(app, plan);
   DeclareSql(app, plan);
+  DeclareCompany(app, plan);
+  DeclarePost(app, plan);
   DeclareRights(app, plan);
   DeclareReplication(app, plan);
   DeclareDoctor(app, plan);

@@ -39,6 +39,8 @@ void DeclareDoctor(CLI::App& parent, Plan& plan);
 void DeclareSettings(CLI::App& parent, Plan& plan);
 void DeclareDialect(CLI::App& parent, Plan& plan);
 void DeclareLog(CLI::App& parent, Plan& plan);
+void DeclareCompany(CLI::App& parent, Plan& plan);
+void DeclarePost(CLI::App& parent, Plan& plan);
 void DeclareReceipts(CLI::App& parent, Plan& plan);
 void DeclareVersion(CLI::App& parent, Plan& plan);
 void DeclareConnect(CLI::App& parent, Plan& plan);

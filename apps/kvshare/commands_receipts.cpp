@@ -1,15 +1,8 @@
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cerrno>
 #include <memory>
-#include <system_error>
 
 #include "apps/kvshare/commands.h"
+#include "apps/kvshare/dayinput.h"
 #include "apps/kvshare/progress.h"
-#include "apps/kvshare/roundmodes.h"
-#include "apps/receipts/calc.h"
-#include "apps/receipts/dayreader.h"
 #include "apps/receipts/json.h"
 #include "apps/receipts/print.h"
 #include "kvshare/platform/verinfo.h"
@@ -36,25 +29,11 @@ constexpr std::string_view kExamples =
 
 struct Options {
   std::string file = "-";
-  std::string round = "mrTwoDigits";
-  std::string vatRound = "mrTwoDigits";
-  std::string vat = "document";
+  RuleOptions rules;
   std::string discount = "line";
-  std::string cashStep;
   std::string era;
-  bool priceIncludesVat = false;
   std::size_t width = 80;
 };
-
-receipts::Rules MakeRules(const Options& options) {
-  receipts::Rules rules;
-  rules.lineMode = UsageRoundMode("--round", options.round);
-  rules.vatMode = UsageRoundMode("--vat-round", options.vatRound);
-  if (!options.cashStep.empty()) rules.cashStep = UsageRoundMode("--cash-step", options.cashStep);
-  rules.vatPerLine = options.vat == "line";
-  rules.priceIncludesVat = options.priceIncludesVat;
-  return rules;
-}
 
 // The digits that the user has stored for this command.
 void ReadDigits() {
@@ -70,36 +49,16 @@ receipts::Layout MakeLayout(const Options& options) {
   receipts::Layout layout;
   layout.width = options.width;
   layout.discountPerLine = options.discount == "line";
-  layout.vatPerLine = options.vat == "line";
-  layout.priceIncludesVat = options.priceIncludesVat;
+  layout.vatPerLine = options.rules.vat == "line";
+  layout.priceIncludesVat = options.rules.priceIncludesVat;
   layout.yearOffset = UsageEra(options.era);
-  layout.cashStep = !options.cashStep.empty();
+  layout.cashStep = !options.rules.cashStep.empty();
   ReadDigits();
   layout.quantityDigits = QtyDigit;
   layout.priceDigits = UPrcDigit;
   layout.amountDigits = BahtDigit;
   return layout;
 }
-
-// The file, or standard input for `-`.
-class Input {
- public:
-  Input(const std::string& name, const Stdio& stdio)
-      : own_(name != "-"), fd_(own_ ? ::open(name.c_str(), O_RDONLY | O_CLOEXEC) : stdio.in) {
-    if (fd_ < 0) throw StreamError(name + ": " + std::generic_category().message(errno));
-  }
-  ~Input() {
-    if (own_) ::close(fd_);
-  }
-  Input(const Input&) = delete;
-  Input& operator=(const Input&) = delete;
-
-  int Fd() const { return fd_; }
-
- private:
-  bool own_;
-  int fd_;
-};
 
 class ReceiptsRun {
  public:
@@ -112,12 +71,8 @@ class ReceiptsRun {
         progress_(stdio, "documents"),
         reader_([this](const receipts::Problem& problem) { Report(problem); }) {}
 
-  int Run(const Input& input) {
-    std::string block(std::size_t{256} << 10, '\0');
-    for (;;) {
-      const std::size_t n = ReadSome(input.Fd(), block.data(), block.size());
-      if (n == 0 || !reader_.Feed({block.data(), n})) break;
-    }
+  int Run(const DayInput& input) {
+    input.FeedTo(reader_);
     for (const Document& document : reader_.Finish()) {
       document.complete ? Take(document) : static_cast<void>(++left_);
     }
@@ -202,9 +157,9 @@ class ReceiptsRun {
 };
 
 std::function<int(const Stdio&)> MakeReceipts(const Options& options, const Plan& plan) {
-  return [options, json = plan.json, rules = MakeRules(options),
+  return [options, json = plan.json, rules = UsageRules(options.rules),
           layout = MakeLayout(options)](const Stdio& stdio) {
-    const Input input(options.file, stdio);
+    const DayInput input(options.file, stdio);
     return ReceiptsRun(rules, layout, json, stdio).Run(input);
   };
 }
@@ -216,20 +171,11 @@ void DeclareReceipts(CLI::App& parent, Plan& plan) {
   CLI::App* command = AddCommand(parent, plan, "receipts",
                                  "A day's sales documents from a CSV file, as receipts", kExamples);
   command->add_option("FILE", options->file, "The file (default: standard input)");
-  command->add_option("--round", options->round, "Mode of quantity x price (default mrTwoDigits)")
-      ->type_name("MODE");
-  command->add_option("--vat-round", options->vatRound, "Mode of VAT amounts (default mrTwoDigits)")
-      ->type_name("MODE");
-  command->add_option("--vat", options->vat, "VAT is computed and shown per line or per document")
-      ->check(CLI::IsMember({"line", "document"}))
-      ->type_name("line|document");
+  AddRules(*command, options->rules);
   command->add_option("--discount", options->discount, "Discounts are shown per line or as one sum")
       ->check(CLI::IsMember({"line", "document"}))
       ->type_name("line|document");
-  command->add_option("--cash-step", options->cashStep, "Mode of the total, with a rounding line")
-      ->type_name("MODE");
   AddEra(*command, options->era);
-  command->add_flag("--price-includes-vat", options->priceIncludesVat, "Prices are with VAT");
   command->add_option("--width", options->width, "Columns of a receipt (default 80)")
       ->check(CLI::Range(40, 1000))
       ->type_name("N");

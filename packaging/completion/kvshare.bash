@@ -20,7 +20,8 @@ _kvshare_languages() {
 
 _kvshare_commands() {
   printf '%s\n' words round share qty format mask date encode decode key message receipts settings \
-    version files doctor connect sql dialect rights replication log
+    version files doctor connect sql company post dialect rights \
+    replication log
 }
 
 # The commands of a command that has such, as `kvshare date`; nothing for the others.
@@ -61,6 +62,9 @@ _kvshare_options() { # _kvshare_options COMMAND
     message) printf '%s\n' --language --list ;;
     dialect) printf '%s\n' --file --field --value --matchcase --date ;;
     sql) printf '%s\n' --connect --batch --csv ;;
+    company) echo --connect ;;
+    post)
+      printf '%s\n' --connect --position --round --vat-round --vat --cash-step --price-includes-vat ;;
     "rights "* | "replication "*) echo --connect ;;
     "log show") printf '%s\n' --file --day --user --computer ;;
     "log follow") printf '%s\n' --file --lines --once ;;
@@ -93,9 +97,10 @@ _kvshare_offer_files() {
 # no option that takes a value.
 _kvshare_value() {
   case "$1 $2" in
-    "receipts --round" | "receipts --vat-round" | "receipts --cash-step")
+    "receipts --round" | "receipts --vat-round" | "receipts --cash-step" | \
+      "post --round" | "post --vat-round" | "post --cash-step")
       _kvshare_offer "$3" < <(_kvshare_modes) ;;
-    "receipts --vat" | "receipts --discount") _kvshare_offer "$3" < <(printf '%s\n' line document) ;;
+    "receipts --vat" | "post --vat" | "receipts --discount") _kvshare_offer "$3" < <(printf '%s\n' line document) ;;
     "message --language") _kvshare_offer "$3" < <(_kvshare_languages) ;;
     "date show --layout") _kvshare_offer "$3" < <(_kvshare_layouts) ;;
     "date show --language") _kvshare_offer "$3" < <(printf '%s\n' th en) ;;
@@ -106,7 +111,7 @@ _kvshare_value() {
     "dialect --field" | "dialect --value" | "dialect --date") ;;
     "log show --day" | "log show --user" | "log show --computer" | "log follow --lines") ;;
     "encode --key" | "decode --key" | "words --currency" | "qty --sku" | "receipts --width") ;;
-    "files "*" --mask") ;;
+    "files "*" --mask" | "post --position") ;;
     *) return 1 ;;
   esac
 }
@@ -122,7 +127,7 @@ _kvshare_first_operand() {
 _kvshare_operand() { # _kvshare_operand COMMAND WORD
   case $1 in
     date | settings | files | log | connect | rights | replication) _kvshare_offer "$2" < <(_kvshare_subcommands "$1") ;;
-    receipts | version | "settings import" | "files "*) _kvshare_offer_files "$2" ;;
+    receipts | post | version | "settings import" | "files "*) _kvshare_offer_files "$2" ;;
     "connect test" | "connect show" | "connect tables")
       _kvshare_offer "$2" < <(_kvshare_connections) ;;
     dialect) _kvshare_offer "$2" < <(kvshare dialect 2>/dev/null) ;;

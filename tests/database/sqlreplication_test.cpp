@@ -75,53 +75,6 @@ TEST_F(Replication, OddCounters) {
   EXPECT_THROW(TakeNextRpl(connection_), EDatabaseError);
 }
 
-// Processes that take numbers at one moment: every number once, none left out.
-TEST_F(Replication, NobodyTakesANumberTwice) {
-  const auto count = [](const char* name, int usual) {
-    const char* asked = std::getenv(name);
-    return asked == nullptr ? usual : std::atoi(asked);
-  };
-  const int processes = 8;
-  const int takes = count("KVSHARE_TEST_TAKES", 60);
-  connection_.Close();
-  std::vector<pid_t> children;
-  for (int i = 0; i < processes; ++i) {
-    const pid_t child = fork();
-    ASSERT_NE(child, -1);
-    if (child != 0) {
-      children.push_back(child);
-      continue;
-    }
-    int status = 0;
-    try {
-      TSQLConnection own;
-      UseSqlite(own, "C:\\Data\\shop.db");
-      std::ofstream out(home_.Path() / ("taken" + std::to_string(i)));
-      for (int n = 0; n < takes; ++n) out << TakeNextRpl(own) << "\n";
-    } catch (const Exception& e) {
-      std::fprintf(stderr, "%s\n", e.Message().c_str());
-      status = 1;
-    }
-    _exit(status);
-  }
-  for (const pid_t child : children) {
-    int status = 0;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(status, 0);
-  }
-  std::vector<long> taken;
-  for (int i = 0; i < processes; ++i) {
-    std::ifstream in(home_.Path() / ("taken" + std::to_string(i)));
-    std::string number;
-    while (in >> number) taken.push_back(std::stol(number));
-  }
-  std::ranges::sort(taken);
-  ASSERT_EQ(taken.size(), static_cast<std::size_t>(processes) * static_cast<std::size_t>(takes));
-  for (std::size_t i = 0; i < taken.size(); ++i) {
-    ASSERT_EQ(taken[i], static_cast<long>(i) + 1);
-  }
-}
-
 TEST_F(Replication, Identities) {
   EXPECT_EQ(OriginID(connection_), "");
   EXPECT_EQ(Boxes().size(), 1u) << "no table";

@@ -1,0 +1,43 @@
+// A day's documents as command lines name and compute them.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+#include "apps/kvshare/inputfile.h"
+#include "apps/kvshare/stream.h"
+#include "apps/receipts/calc.h"
+#include "apps/receipts/dayreader.h"
+
+namespace kvshare::app {
+
+// How documents are computed, as typed.
+struct RuleOptions {
+  std::string round = "mrTwoDigits";
+  std::string vatRound = "mrTwoDigits";
+  std::string vat = "document";
+  std::string cashStep;
+  bool priceIncludesVat = false;
+};
+
+// Adds `--round`, `--vat-round`, `--vat`, `--cash-step` and `--price-includes-vat`.
+void AddRules(CLI::App& command, RuleOptions& options);
+
+// Refuses the usage of a mode that there is not.
+receipts::Rules UsageRules(const RuleOptions& options);
+
+// The file, or standard input for `-`. Throws StreamError.
+class DayInput {
+ public:
+  DayInput(const std::string& name, const Stdio& stdio)
+      : file_(name == "-" ? InputFile() : InputFile(name)), in_(stdio.in) {}
+
+  // Feeds the reader to the end.
+  void FeedTo(receipts::DayReader& reader) const;
+
+ private:
+  InputFile file_;
+  int in_;
+};
+
+}  // namespace kvshare::app

@@ -1,0 +1,157 @@
+#include "apps/posting/poster.h"
+
+#include "apps/posting/company.h"
+#include "kvshare/database/dblog.h"
+#include "kvshare/database/sqlfunc.h"
+#include "kvshare/database/sqlreplication.h"
+#include "kvshare/database/sqlrights.h"
+#include "kvshare/rtl/convert.h"
+#include "kvshare/rtl/format.h"
+#include "kvshare/settings/globals.h"
+#include "kvshare/settings/sqldialect.h"
+
+namespace kvshare::posting {
+
+namespace {
+
+using receipts::Document;
+using receipts::Receipt;
+
+// All of a document or nothing of it.
+class Transaction {
+ public:
+  explicit Transaction(TSQLConnection& connection) : connection_(connection) {
+    description_.TransactionID = static_cast<std::uint32_t>(++KovraTranactionId);
+    connection_.StartTransaction(description_);
+  }
+  ~Transaction() {
+    if (!done_) TryRollback();
+  }
+  Transaction(const Transaction&) = delete;
+  Transaction& operator=(const Transaction&) = delete;
+
+  void Commit() {
+    connection_.Commit(description_);
+    done_ = true;
+  }
+
+ private:
+  void TryRollback() noexcept {
+    try {
+      if (connection_.InTransaction()) connection_.Rollback(description_);
+    } catch (const Exception&) {  // NOLINT(bugprone-empty-catch): the first error is on its way
+    }
+  }
+
+  TSQLConnection& connection_;
+  TTransactionDesc description_;
+  bool done_ = false;
+};
+
+// A number stands in conditions as a literal, whose quotes and escapes are each server's own; a
+// number that needs none is the same on all.
+void RequirePlainNumber(std::string_view number) {
+  if (number.size() > kLongestNumber) {
+    throw EPosting(
+        Format("document %s: the number is longer than %d bytes", {number, kLongestNumber}));
+  }
+  if (number.find_first_of("'\"\\;`") != std::string_view::npos) {
+    throw EPosting(Format("document %s: a number has no quotes, `\\` or `;`", {number}));
+  }
+}
+
+// By the plain column the server finds its index, by the dialect's it respects letter case.
+std::string IsNumber(std::string_view number) {
+  const std::string literal = "'" + SQLCharFormat(number, true) + "'";
+  return "DOC_NO = " + literal + " AND " + SQLFieldFormat("DOC_NO", true) + " = " + literal;
+}
+
+std::string HasContent(const Document& document, const Receipt& receipt) {
+  return Format("DOC_DATE = %s AND DOC_LINES = %d AND %s AND %s AND %s",
+                {DateTimeToSQLDate(document.date), static_cast<int>(document.lines.size()),
+                 SQLNumEqual("DOC_NET", CurrToStr(receipt.net)),
+                 SQLNumEqual("DOC_VAT", CurrToStr(receipt.vat)),
+                 SQLNumEqual("DOC_TOTAL", CurrToStr(receipt.total))});
+}
+
+}  // namespace
+
+// Texts and amounts travel as parameters: a customer's name may have quotes, and `;`, at which the
+// runners of statements cut a line.
+Poster::Poster(TSQLConnection& connection) : connection_(connection) {
+  document_.SetSQLConnection(&connection);
+  document_.SQL().Add(
+      "INSERT INTO DOCUMENT (DOC_NO, DOC_DATE, DOC_CUSTOMER, DOC_LINES, DOC_NET, DOC_VAT,"
+      " DOC_ROUNDING, DOC_TOTAL, DOC_POSTED, DOC_SENDNO)"
+      " VALUES (:NO, :DAY, :CUSTOMER, :LINES, :NET, :VAT, :ROUNDING, :TOTAL, :POSTED, :SENDNO)");
+  line_.SetSQLConnection(&connection);
+  line_.SQL().Add(
+      "INSERT INTO DOCLINE (LIN_DOC, LIN_NO, LIN_ITEM, LIN_QTY, LIN_PRICE, LIN_DISCOUNT,"
+      " LIN_VATRATE, LIN_NET, LIN_VAT)"
+      " VALUES (:DOC, :NO, :ITEM, :QTY, :PRICE, :DISCOUNT, :VATRATE, :NET, :VAT)");
+}
+
+bool Poster::MayPost(std::int32_t position) {
+  return MayICanInsert(connection_, position, kPostingTemplate);
+}
+
+bool Poster::IsThere(std::string_view condition) {
+  return AnyData(connection_,
+                 Format("SELECT COUNT(*) AS RECORDCOUNT FROM DOCUMENT WHERE %s", {condition}));
+}
+
+Outcome Poster::Post(const Document& document, const Receipt& receipt) {
+  RequirePlainNumber(document.number);
+  const std::string number = IsNumber(document.number);
+  if (IsThere(number)) {
+    if (IsThere(number + " AND " + HasContent(document, receipt))) return Outcome::WasThere;
+    throw EPosting(
+        Format("document %s is posted already, with another content", {document.number}));
+  }
+
+  const std::string sendNumber = TakeNextRpl(connection_);
+  Transaction transaction(connection_);
+  WriteDocument(document, receipt, sendNumber);
+  for (std::size_t i = 0; i < document.lines.size(); ++i) WriteLine(document, receipt, i);
+  transaction.Commit();
+
+  TKovraDbLog::WriteLogFile(
+      nullptr, "Posting", "Post", document.number,
+      Format("%d lines, total %s, send number %s",
+             {static_cast<int>(document.lines.size()), CurrToStr(receipt.total), sendNumber}));
+  return Outcome::Posted;
+}
+
+void Poster::WriteDocument(const Document& document, const Receipt& receipt,
+                           std::string_view sendNumber) {
+  TParams& values = document_.Params();
+  values.ParamByName("NO").SetAsString(document.number);
+  values.ParamByName("DAY").SetAsDate(document.date);
+  values.ParamByName("CUSTOMER").SetAsString(document.customer);
+  values.ParamByName("LINES").SetAsInteger(static_cast<std::int64_t>(document.lines.size()));
+  values.ParamByName("NET").SetAsCurrency(receipt.net);
+  values.ParamByName("VAT").SetAsCurrency(receipt.vat);
+  values.ParamByName("ROUNDING").SetAsCurrency(receipt.rounding);
+  values.ParamByName("TOTAL").SetAsCurrency(receipt.total);
+  values.ParamByName("POSTED").SetAsDateTime(ServerDateTime(connection_, SQLServerDateTime));
+  values.ParamByName("SENDNO").SetAsString(sendNumber);
+  document_.ExecSQL();
+}
+
+void Poster::WriteLine(const Document& document, const Receipt& receipt, std::size_t index) {
+  const receipts::Line& line = document.lines[index];
+  const receipts::LineAmounts& amounts = receipt.lines[index];
+  TParams& values = line_.Params();
+  values.ParamByName("DOC").SetAsString(document.number);
+  values.ParamByName("NO").SetAsInteger(static_cast<std::int64_t>(index) + 1);
+  values.ParamByName("ITEM").SetAsString(line.item);
+  values.ParamByName("QTY").SetAsCurrency(line.quantity);
+  values.ParamByName("PRICE").SetAsCurrency(line.price);
+  values.ParamByName("DISCOUNT").SetAsCurrency(line.discount);
+  values.ParamByName("VATRATE").SetAsCurrency(line.vatRate);
+  values.ParamByName("NET").SetAsCurrency(amounts.net);
+  values.ParamByName("VAT").SetAsCurrency(amounts.vat);
+  line_.ExecSQL();
+}
+
+}  // namespace kvshare::posting

@@ -1,0 +1,68 @@
+// Processes that take send numbers at one moment: every number once, none left out.
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+
+#include "kvshare/database/sqlreplication.h"
+#include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/format.h"
+#include "tests/company/company.h"
+
+namespace kvshare {
+namespace {
+
+using Counter = ServerCompany;
+
+int Asked(const char* name, int usual) {
+  const char* asked = std::getenv(name);
+  return asked == nullptr ? usual : std::atoi(asked);
+}
+
+TEST_F(Counter, NobodyTakesANumberTwice) {
+  const int processes = 8;
+  const int takes = Asked("KVSHARE_TEST_TAKES", 40);
+  MakeTable("KOVRASYNC",
+            "SYN_KEY INTEGER NOT NULL PRIMARY KEY, SYN_TABLENAME VARCHAR(40),"
+            " SYN_LASTSEND VARCHAR(17), SYN_LASTUPD VARCHAR(17)");
+  connection_.reset();
+  std::vector<pid_t> children;
+  for (int i = 0; i < processes; ++i) {
+    const pid_t child = fork();
+    ASSERT_NE(child, -1);
+    if (child == 0) {
+      int status = 1;
+      try {
+        std::ofstream out(home_.Path() / std::to_string(i));
+        const auto connection = Connected();
+        for (int n = 0; n < takes; ++n) out << TakeNextRpl(*connection) << '\n';
+        connection->Close();
+        status = out.good() ? 0 : 1;
+      } catch (const Exception& e) {
+        std::fputs(e.Message().c_str(), stderr);
+      }
+      std::_Exit(status);
+    }
+    children.push_back(child);
+  }
+  for (const pid_t child : children) {
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+  }
+  std::vector<std::string> numbers;
+  for (int i = 0; i < processes; ++i) {
+    std::ifstream in(home_.Path() / std::to_string(i));
+    for (std::string line; std::getline(in, line);) numbers.push_back(line);
+  }
+  std::ranges::sort(numbers);
+  ASSERT_EQ(numbers.size(), static_cast<std::size_t>(processes * takes));
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
+    ASSERT_EQ(numbers[i], Format("0%16.16d", {static_cast<std::int64_t>(i) + 1}));
+  }
+}
+
+}  // namespace
+}  // namespace kvshare

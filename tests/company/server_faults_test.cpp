@@ -1,0 +1,74 @@
+// What goes wrong between a program and a server.
+#include <chrono>
+#include <csignal>
+#include <thread>
+
+#include "kvshare/database/dbxconf.h"
+#include "kvshare/database/sqlbatch.h"
+#include "kvshare/database/sqlfunc.h"
+#include "kvshare/rtl/inifile.h"
+#include "tests/company/faults.h"
+
+namespace kvshare {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::Not;
+using ::testing::SizeIs;
+
+TEST_F(Faults, ThePasswordIsNowhere) {
+  SetParameter("Password", "Wr0ng-Secret");
+  TSQLConnection connection;
+  ConnectDBMS(connection, kAlias, true);
+  EXPECT_FALSE(connection.Connected());
+  EXPECT_FALSE(CanConnectDBMS(connection, kAlias));
+  const auto boxes = Boxes();
+  ASSERT_THAT(boxes, SizeIs(2));
+  for (const std::string& text : boxes) {
+    EXPECT_THAT(text, HasSubstr("SQL Server Error: "));
+    EXPECT_THAT(text, Not(HasSubstr("Secret")));
+  }
+  EXPECT_THAT(Log(), Not(HasSubstr("Secret")));
+}
+
+// The address is a parameter of its own, or stands in the connection string.
+TEST_F(Faults, NobodyListens) {
+  const TIniFile file(GetDbxConnectFileName());
+  std::string text = file.ReadString(kAlias, "Database", "");
+  if (const std::size_t port = text.find("Port="); port != std::string::npos) {
+    text.replace(port, text.find(';', port) - port, "Port=1");
+    SetParameter("Database", text);
+  } else {
+    SetParameter("HostName", "127.0.0.1:1");
+  }
+  TSQLConnection connection;
+  ConnectDBMS(connection, kAlias, true);
+  EXPECT_FALSE(connection.Connected());
+  EXPECT_THAT(Boxes(), SizeIs(1));
+}
+
+// Run alone, on a server of its own.
+TEST_F(Faults, TheServerIsKilledInTheMiddleOfABatch) {
+  const int pid = TIniFile(GetDbxConnectFileName()).ReadInteger(kAlias, "ServerPid", 0);
+  ASSERT_GT(pid, 1);
+  TStringList batch;
+  constexpr int kMoreThanItGetsThrough = 500'000;
+  for (int i = 0; i < kMoreThanItGetsThrough; ++i) {
+    batch.Add("INSERT INTO T VALUES (" + std::to_string(i) + ", 'a');");
+  }
+  std::thread killer([pid] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    ::kill(pid, SIGKILL);
+  });
+  const TSQLBatchReport report = RunSQLBatch(*connection_, batch);
+  killer.join();
+  EXPECT_FALSE(report.Committed || report.InDoubt);
+  EXPECT_GT(report.Statement, 1);
+  EXPECT_THAT(report.Text(), HasSubstr("Nothing was written."));
+  connection_->Close();
+  EXPECT_FALSE(RunExecSQL(*connection_, "DELETE FROM T", true)) << "nobody there";
+  EXPECT_THAT(Boxes(), SizeIs(1));
+}
+
+}  // namespace
+}  // namespace kvshare

@@ -1,0 +1,55 @@
+// The suite of all drivers on the server that this program runs beside.
+#include "kvshare/database/dbxconf.h"
+#include "kvshare/database/sqlfunc.h"
+#include "tests/company/company.h"
+#include "tests/data/driver_suite.h"
+
+namespace kvshare {
+namespace {
+
+// A connection file for the suite, which has no fixture of ours.
+class Connections : public ServerCompany {
+ public:
+  void TestBody() override {}
+  static void Configure(TSQLConnection& connection) {
+    static const auto company = std::make_unique<Connections>();
+    connection.SetDriverName(GetdbxTradeName(kAlias));
+    connection.LibraryName = GetdbxLibraryName(kAlias);
+    connection.GetDriverFunc = GetdbxDriverFunc(kAlias);
+    GetdbxParams(kAlias, connection.Params);
+  }
+};
+
+DriverCase OnServer() {
+  DriverCase test;
+  test.name = "Server";
+  test.configure = Connections::Configure;
+  const std::string server = ServerName();
+  if (OnMariaDB()) {
+    test.memo = "LONGTEXT";
+    test.blob = "LONGBLOB";
+    test.real = "DOUBLE";
+    test.time = "TIME(3)";
+    test.moment = "DATETIME(3)";
+    test.foreignLetter = "CHAR(0x4E2D USING utf16)";
+    test.ddlRollsBack = false;
+  } else if (server.ends_with("postgres")) {
+    test.blob = "BYTEA";
+    test.foreignLetter = "chr(20013)";
+  } else if (server == "firebird") {
+    test.money = "NUMERIC(18,4)";
+    test.memo = "BLOB SUB_TYPE TEXT";
+    test.foreignLetter =
+        "(SELECT CAST(x'E4B8AD' AS VARCHAR(1) CHARACTER SET UTF8) FROM RDB$DATABASE)";
+  } else {
+    test.money = "DECIMAL_TEXT(19,4) COLLATE DECIMAL";
+    test.foreignLetter = "char(20013)";
+  }
+  return test;
+}
+
+INSTANTIATE_TEST_SUITE_P(Server, DriverSuite, testing::Values(OnServer()),
+                         [](const auto& test) { return test.param.name; });
+
+}  // namespace
+}  // namespace kvshare
