@@ -8,6 +8,7 @@
 #include <string>
 
 #include "drivers/common/cursors.h"
+#include "drivers/common/entry.h"
 #include "drivers/common/forms.h"
 #include "drivers/common/parameters.h"
 #include "drivers/firebird/handles.h"
@@ -231,17 +232,10 @@ std::string FirebirdConnection::ServerVersion() {
   return "Firebird " + std::string(row->Text(0));
 }
 
-class FirebirdDriver final : public data::Driver {
- public:
-  std::unique_ptr<data::Connection> MakeConnection() override {
-    return std::make_unique<FirebirdConnection>();
-  }
-};
-
 }  // namespace
 }  // namespace kvshare::firebird
 
 extern "C" KVSHARE_API kvshare::data::Driver* getSQLDriverINTERBASE(std::int32_t contract) {
-  static kvshare::firebird::FirebirdDriver driver;
-  return contract == kvshare::data::kDriverContract ? &driver : nullptr;
+  using Driver = kvshare::drivers::DriverOf<kvshare::firebird::FirebirdConnection>;
+  return kvshare::drivers::DriverFor<Driver>(contract);
 }

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "drivers/common/cursors.h"
+#include "drivers/common/entry.h"
 #include "drivers/common/parameters.h"
 #include "drivers/mysql/errors.h"
 #include "drivers/mysql/rows.h"
@@ -178,17 +179,10 @@ std::string MySqlConnection::ServerVersion() {
   return (maria ? "MariaDB " : "MySQL ") + version.substr(0, version.find('-'));
 }
 
-class MySqlDriver final : public data::Driver {
- public:
-  std::unique_ptr<data::Connection> MakeConnection() override {
-    return std::make_unique<MySqlConnection>();
-  }
-};
-
 }  // namespace
 }  // namespace kvshare::mysql
 
 extern "C" KVSHARE_API kvshare::data::Driver* getSQLDriverMYSQL(std::int32_t contract) {
-  static kvshare::mysql::MySqlDriver driver;
-  return contract == kvshare::data::kDriverContract ? &driver : nullptr;
+  using Driver = kvshare::drivers::DriverOf<kvshare::mysql::MySqlConnection>;
+  return kvshare::drivers::DriverFor<Driver>(contract);
 }

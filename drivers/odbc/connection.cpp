@@ -4,6 +4,7 @@
 #include <string>
 
 #include "drivers/common/cursors.h"
+#include "drivers/common/entry.h"
 #include "drivers/common/parameters.h"
 #include "drivers/odbc/handles.h"
 #include "drivers/odbc/parameters.h"
@@ -271,17 +272,10 @@ void OdbcConnection::SetLockTimeout(std::int32_t milliseconds) {
   }
 }
 
-class OdbcDriver final : public data::Driver {
- public:
-  std::unique_ptr<data::Connection> MakeConnection() override {
-    return std::make_unique<OdbcConnection>();
-  }
-};
-
 }  // namespace
 }  // namespace kvshare::odbc
 
 extern "C" KVSHARE_API kvshare::data::Driver* getSQLDriverODBC(std::int32_t contract) {
-  static kvshare::odbc::OdbcDriver driver;
-  return contract == kvshare::data::kDriverContract ? &driver : nullptr;
+  using Driver = kvshare::drivers::DriverOf<kvshare::odbc::OdbcConnection>;
+  return kvshare::drivers::DriverFor<Driver>(contract);
 }

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "drivers/common/cursors.h"
+#include "drivers/common/entry.h"
 #include "drivers/common/forms.h"
 #include "drivers/common/parameters.h"
 #include "drivers/common/placeholders.h"
@@ -266,17 +267,10 @@ std::string PostgresConnection::ServerVersion() {
   return "PostgreSQL " + version.substr(0, version.find(' '));
 }
 
-class PostgresDriver final : public data::Driver {
- public:
-  std::unique_ptr<data::Connection> MakeConnection() override {
-    return std::make_unique<PostgresConnection>();
-  }
-};
-
 }  // namespace
 }  // namespace kvshare::postgres
 
 extern "C" KVSHARE_API kvshare::data::Driver* getSQLDriverPOSTGRES(std::int32_t contract) {
-  static kvshare::postgres::PostgresDriver driver;
-  return contract == kvshare::data::kDriverContract ? &driver : nullptr;
+  using Driver = kvshare::drivers::DriverOf<kvshare::postgres::PostgresConnection>;
+  return kvshare::drivers::DriverFor<Driver>(contract);
 }

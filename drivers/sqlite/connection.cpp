@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <charconv>
 
+#include "drivers/common/entry.h"
 #include "drivers/sqlite/decimals.h"
 #include "drivers/sqlite/handles.h"
 #include "drivers/sqlite/rows.h"
@@ -223,11 +224,8 @@ std::string SqliteConnection::ServerVersion() {
   return std::string("SQLite ") + sqlite3_libversion();
 }
 
-class SqliteDriver : public data::Driver {
+class SqliteDriver : public DriverOf<SqliteConnection> {
  public:
-  std::unique_ptr<data::Connection> MakeConnection() override {
-    return std::make_unique<SqliteConnection>();
-  }
   bool DatabaseIsFile() const override { return true; }
 };
 
@@ -252,6 +250,5 @@ Statement Prepare(sqlite3* database, std::string_view sql) {
 extern "C" KVSHARE_API kvshare::data::Driver* getSQLDriverSQLITE(std::int32_t contract);
 
 extern "C" kvshare::data::Driver* getSQLDriverSQLITE(std::int32_t contract) {
-  static kvshare::drivers::sqlite::SqliteDriver driver;
-  return contract == kvshare::data::kDriverContract ? &driver : nullptr;
+  return kvshare::drivers::DriverFor<kvshare::drivers::sqlite::SqliteDriver>(contract);
 }
