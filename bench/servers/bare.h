@@ -30,4 +30,11 @@ std::size_t ReadByPostgres(const ConnectionParameters& parameters, const std::st
 std::size_t ReadByFirebird(const ConnectionParameters& parameters, const std::string& sql);
 std::size_t ReadByOdbc(const ConnectionParameters& parameters, const std::string& sql);
 
+// Runs the statements in one transaction on a connection that it keeps; false when one fails.
+using BareBatch = bool (*)(const ConnectionParameters& parameters,
+                           const std::vector<std::string>& statements);
+bool RunByMySql(const ConnectionParameters& parameters, const std::vector<std::string>& statements);
+bool RunByPostgres(const ConnectionParameters& parameters,
+                   const std::vector<std::string>& statements);
+
 }  // namespace kvshare::bench

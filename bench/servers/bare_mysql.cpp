@@ -6,14 +6,22 @@
 
 namespace kvshare::bench {
 
-std::size_t ReadByMySql(const ConnectionParameters& parameters, const std::string& sql) {
+namespace {
+
+MYSQL* Connect(const ConnectionParameters& parameters) {
   MYSQL* mysql = mysql_init(nullptr);
   mysql_options(mysql, MYSQL_SET_CHARSET_NAME, "utf8mb4");
-  if (mysql_real_connect(mysql, "127.0.0.1", Value(parameters, "User_Name").c_str(),
-                         Value(parameters, "Password").c_str(), "ledger",
-                         static_cast<unsigned>(std::stoul(Port(parameters))), nullptr,
-                         0) == nullptr ||
-      mysql_real_query(mysql, sql.data(), sql.size()) != 0) {
+  mysql_real_connect(mysql, "127.0.0.1", Value(parameters, "User_Name").c_str(),
+                     Value(parameters, "Password").c_str(), "ledger",
+                     static_cast<unsigned>(std::stoul(Port(parameters))), nullptr, 0);
+  return mysql;
+}
+
+}  // namespace
+
+std::size_t ReadByMySql(const ConnectionParameters& parameters, const std::string& sql) {
+  MYSQL* mysql = Connect(parameters);
+  if (mysql_real_query(mysql, sql.data(), sql.size()) != 0) {
     mysql_close(mysql);
     return 0;
   }
@@ -28,6 +36,16 @@ std::size_t ReadByMySql(const ConnectionParameters& parameters, const std::strin
   mysql_free_result(result);
   mysql_close(mysql);
   return sum;
+}
+
+bool RunByMySql(const ConnectionParameters& parameters,
+                const std::vector<std::string>& statements) {
+  static MYSQL* const mysql = Connect(parameters);
+  bool done = mysql_query(mysql, "START TRANSACTION") == 0;
+  for (const std::string& statement : statements) {
+    done = done && mysql_real_query(mysql, statement.data(), statement.size()) == 0;
+  }
+  return mysql_query(mysql, "COMMIT") == 0 && done;
 }
 
 }  // namespace kvshare::bench

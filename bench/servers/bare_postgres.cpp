@@ -6,11 +6,26 @@
 
 namespace kvshare::bench {
 
-std::size_t ReadByPostgres(const ConnectionParameters& parameters, const std::string& sql) {
+namespace {
+
+PGconn* Connect(const ConnectionParameters& parameters) {
   const std::string where = "host=127.0.0.1 dbname=ledger port=" + Port(parameters) +
                             " user=" + Value(parameters, "User_Name") +
                             " password=" + Value(parameters, "Password");
-  PGconn* connection = PQconnectdb(where.c_str());
+  return PQconnectdb(where.c_str());
+}
+
+bool Run(PGconn* connection, const char* statement) {
+  PGresult* result = PQexec(connection, statement);
+  const bool done = PQresultStatus(result) == PGRES_COMMAND_OK;
+  PQclear(result);
+  return done;
+}
+
+}  // namespace
+
+std::size_t ReadByPostgres(const ConnectionParameters& parameters, const std::string& sql) {
+  PGconn* connection = Connect(parameters);
   std::size_t sum = 0;
   if (PQsendQuery(connection, sql.c_str()) == 1 && PQsetSingleRowMode(connection) == 1) {
     while (PGresult* row = PQgetResult(connection)) {
@@ -26,6 +41,16 @@ std::size_t ReadByPostgres(const ConnectionParameters& parameters, const std::st
   }
   PQfinish(connection);
   return sum;
+}
+
+bool RunByPostgres(const ConnectionParameters& parameters,
+                   const std::vector<std::string>& statements) {
+  static PGconn* const connection = Connect(parameters);
+  bool done = Run(connection, "BEGIN");
+  for (const std::string& statement : statements) {
+    done = done && Run(connection, statement.c_str());
+  }
+  return Run(connection, "COMMIT") && done;
 }
 
 }  // namespace kvshare::bench
