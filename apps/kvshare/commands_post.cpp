@@ -1,15 +1,20 @@
 #include <cstdint>
 #include <memory>
-#include <utility>
+#include <optional>
+#include <string>
+#include <vector>
 
+#include "apps/kvshare/amounts.h"
 #include "apps/kvshare/commands.h"
 #include "apps/kvshare/connections.h"
 #include "apps/kvshare/dayinput.h"
 #include "apps/kvshare/progress.h"
 #include "apps/posting/company.h"
 #include "apps/posting/poster.h"
+#include "apps/receipts/json.h"
+#include "apps/receipts/print.h"
 #include "kvshare/database/dbxconf.h"
-#include "kvshare/rtl/convert.h"
+#include "kvshare/database/sqlreplication.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/format.h"
@@ -22,7 +27,6 @@ namespace kvshare::app {
 
 namespace {
 
-using posting::Outcome;
 using receipts::Document;
 using receipts::Receipt;
 
@@ -30,14 +34,30 @@ constexpr std::string_view kCompanyExamples =
     "  kvshare company --connect SHOP            the tables of a company, in an empty database\n";
 constexpr std::string_view kPostExamples =
     "  kvshare post --connect SHOP day.csv       each document whole or not at all\n"
-    "  kvshare post --connect SHOP day.csv       again: posts what is missing, doubles nothing\n";
+    "  kvshare post --connect SHOP day.csv       again: posts what is missing, doubles nothing\n"
+    "  kvshare post --connect SHOP --print day.csv | less\n"
+    "                                            with the receipts of what is posted\n";
 
 struct Options {
   std::string connect;
   std::string file = "-";
   RuleOptions rules;
+  LayoutOptions layout;
+  bool print = false;
   std::int32_t position = 1;
 };
+
+struct Settings {
+  receipts::Rules rules;
+  std::optional<receipts::Layout> layout;  // of the receipts, where they are printed
+  bool json = false;
+};
+
+Settings UsageSettings(const Options& options, bool json) {
+  Settings settings{UsageRules(options.rules), std::nullopt, json};
+  if (options.print) settings.layout = UsageLayout(options.layout, options.rules);
+  return settings;
+}
 
 // The library as a program of the suite starts and ends it, with the company's globals: its
 // connection, its server's dialect and its log.
@@ -76,34 +96,59 @@ int MakeCompany(const std::string& connect) {
   if (posting::IsCompany(company.Connection())) {
     throw Exception("there is a company already in this database");
   }
-  const TSQLBatchReport report = posting::CreateCompany(company.Connection());
+  TSQLBatchReport report;
+  WithoutBoxes([&] { report = posting::CreateCompany(company.Connection()); });
   if (!report.Committed) throw Exception(report.Message);
   return kDone;
 }
 
+// What was posted so far. The sum is missing where it is out of range.
+struct Tally {
+  std::uint64_t documents = 0;
+  std::uint64_t lines = 0;
+  std::uint64_t wasThere = 0;
+  std::optional<Currency> total = Currency();
+  std::string lastSend;
+
+  void Add(const Document& document, const Receipt& receipt, std::string_view sendNumber) {
+    ++documents;
+    lines += document.lines.size();
+    lastSend = sendNumber;
+    try {
+      if (total) *total += receipt.total;
+    } catch (const EIntOverflow&) {
+      total.reset();
+    }
+  }
+};
+
+// A run ends early, with everything that it has posted told, when the next document cannot be
+// posted either or would be posted unseen.
+class EEndOfRun : public Exception {
+ public:
+  using Exception::Exception;
+};
+
 class PostRun {
  public:
-  PostRun(TSQLConnection& connection, const receipts::Rules& rules, bool json, const Stdio& stdio)
-      : poster_(connection),
-        rules_(rules),
-        row_(json),
+  PostRun(TSQLConnection& connection, const Settings& settings, const Stdio& stdio)
+      : connection_(connection),
+        poster_(connection),
+        settings_(settings),
         out_(stdio.out, "standard output"),
         err_(stdio.err, "standard error"),
         progress_(stdio, "documents"),
         reader_([this](const receipts::Problem& problem) { Report(problem); }) {}
 
-  void RequireRight(std::int32_t position) {
-    bool granted = false;
-    WithoutBoxes([&] { granted = poster_.MayPost(position); });
-    if (!granted) {
-      throw Exception(LoadStr(rstrEGrantInsert01).append(LoadStr(rstrEGrantInsert02)));
-    }
-  }
-
   int Run(const DayInput& input) {
     input.FeedTo(reader_);
-    for (const Document& document : reader_.Finish()) Take(document);
-    Summarize();
+    const std::vector<Document> documents = reader_.Finish();
+    try {
+      for (const Document& document : documents) Take(document);
+    } catch (const EEndOfRun& e) {
+      Report({0, 0, "", Cp874ToUtf8Lossy(e.Message()), false});
+    }
+    Summarize(documents.size() - tally_.documents - tally_.wasThere);
     return failed_ ? kBadInput : kDone;
   }
 
@@ -118,77 +163,123 @@ class PostRun {
   void Take(const Document& document) {
     try {
       if (!document.complete) throw posting::EPosting("a row of it cannot be read");
-      const Receipt receipt = Calculate(document, rules_);
-      Outcome outcome = Outcome::WasThere;
-      WithoutBoxes([&] { outcome = poster_.Post(document, receipt); });
-      Count(document, receipt, outcome);
+      const Receipt receipt = Calculate(document, settings_.rules);
+      std::optional<std::string> sendNumber;
+      WithoutBoxes([&] { sendNumber = poster_.Post(document, receipt); });
+      if (sendNumber) {
+        TakePosted(document, receipt, *sendNumber);
+      } else {
+        ++tally_.wasThere;
+      }
     } catch (const receipts::UnprintableDocument& e) {
       Leave(document, reader_.ProblemIn(e.Column(), e.Row(), e.what()).Message());
+    } catch (const EEndOfRun&) {
+      throw;
     } catch (const EServerError& e) {
-      if (e.ConnectionLost()) throw;
+      if (e.ConnectionLost()) throw EEndOfRun(e.Message());
       Leave(document, Cp874ToUtf8Lossy(e.Message()));
-    } catch (const posting::EPosting& e) {
+    } catch (const Exception& e) {
       Leave(document, Cp874ToUtf8Lossy(e.Message()));
     }
   }
 
-  void Count(const Document& document, const Receipt& receipt, Outcome outcome) {
-    if (outcome == Outcome::WasThere) {
-      ++wasThere_;
-      return;
+  // Nothing that goes wrong from here on takes the document out of the books again.
+  void TakePosted(const Document& document, const Receipt& receipt, const std::string& sendNumber) {
+    tally_.Add(document, receipt, sendNumber);
+    Print(document, receipt);
+    progress_.Show(tally_.documents);
+    try {
+      WithoutBoxes([&] { posting::Poster::Log(document, receipt, sendNumber); });
+    } catch (const Exception& e) {
+      throw EEndOfRun("document " + document.number +
+                      " is posted, but not in the log: " + e.Message());
     }
-    lines_ += document.lines.size();
-    total_ += receipt.total;
-    progress_.Show(++posted_);
+  }
+
+  void Print(const Document& document, const Receipt& receipt) {
+    if (!settings_.layout) return;
+    if (settings_.json) {
+      AppendJson(out_.Buffer(), document, receipt);
+      out_.EndLine();
+    } else {
+      AppendReceipt(out_.Buffer(), document, receipt, *settings_.layout);
+      out_.EndBlock();
+    }
   }
 
   void Leave(const Document& document, const std::string& why) {
-    ++left_;
     Report({document.row, 0, "",
             "document " + Cp874ToUtf8Lossy(document.number) + " is not posted: " + why, false});
   }
 
-  void Summarize() {
+  std::string LastSend() {
+    return tally_.lastSend.empty() ? SQLReadRpl(connection_) : tally_.lastSend;
+  }
+
+  void Summarize(std::uint64_t left) {
     progress_.Erase();
-    const auto number = [](std::uint64_t count) { return static_cast<std::int64_t>(count); };
-    if (row_.Json()) {
-      row_.Number("posted", number(posted_));
-      row_.Number("lines", number(lines_));
-      row_.Member("total") = CurrToStr(total_);
-      row_.Number("there", number(wasThere_));
-      row_.Number("left", number(left_));
-    } else {
-      row_.Cell("summary") =
-          Format("%d documents with %d lines posted, %.2n baht; %d were there already, %d are left",
-                 {number(posted_), number(lines_), total_, number(wasThere_), number(left_)});
-    }
-    row_.AppendTo(out_.Buffer());
+    Row row(settings_.json);
+    settings_.json ? FillMembers(row, left) : FillSentence(row, left);
+    row.AppendTo(out_.Buffer());
     out_.EndLine();
     out_.Flush();
     err_.Flush();
   }
 
+  void FillMembers(Row& row, std::uint64_t left) {
+    row.Number("posted", Whole(tally_.documents));
+    row.Number("lines", Whole(tally_.lines));
+    if (tally_.total) {
+      AppendDecimals(row.Member("total"), *tally_.total);
+    } else {
+      row.JsonMember("total") = "null";
+    }
+    row.Number("there", Whole(tally_.wasThere));
+    row.Number("left", Whole(left));
+    row.Member("send") = LastSend();
+  }
+
+  void FillSentence(Row& row, std::uint64_t left) {
+    const std::string total =
+        tally_.total ? Format("%.2n baht", {*tally_.total}) : "a sum that is out of range";
+    row.Cell("summary") = Format(
+        "%d documents with %d lines posted, %s; %d were there already, %d are left; "
+        "last send number %s",
+        {Whole(tally_.documents), Whole(tally_.lines), total, Whole(tally_.wasThere), Whole(left),
+         LastSend()});
+  }
+
+  static std::int64_t Whole(std::uint64_t count) { return static_cast<std::int64_t>(count); }
+
+  TSQLConnection& connection_;
   posting::Poster poster_;
-  receipts::Rules rules_;
-  Row row_;
+  const Settings& settings_;
   BlockWriter out_;
   BlockWriter err_;
   Progress progress_;
   receipts::DayReader reader_;
-  std::uint64_t posted_ = 0;
-  std::uint64_t lines_ = 0;
-  std::uint64_t wasThere_ = 0;
-  std::uint64_t left_ = 0;
-  Currency total_;
+  Tally tally_;
   bool failed_ = false;
 };
 
-int Post(const Options& options, const receipts::Rules& rules, bool json, const Stdio& stdio) {
+void RequireCompany(TSQLConnection& connection, const std::string& connect) {
+  if (posting::IsCompany(connection)) return;
+  throw Exception("there is no company in this database; `kvshare company --connect " +
+                  UsageText("--connect", connect) + "` makes one");
+}
+
+void RequireRight(TSQLConnection& connection, std::int32_t position) {
+  bool granted = false;
+  WithoutBoxes([&] { granted = posting::Poster(connection).MayPost(position); });
+  if (!granted) throw Exception(LoadStr(rstrEGrantInsert01).append(LoadStr(rstrEGrantInsert02)));
+}
+
+int Post(const Options& options, const Settings& settings, const Stdio& stdio) {
   const DayInput input(options.file, stdio);
   OpenCompany company(options.connect);
-  PostRun run(company.Connection(), rules, json, stdio);
-  run.RequireRight(options.position);
-  return run.Run(input);
+  RequireCompany(company.Connection(), options.connect);
+  RequireRight(company.Connection(), options.position);
+  return PostRun(company.Connection(), settings, stdio).Run(input);
 }
 
 }  // namespace
@@ -211,10 +302,13 @@ void DeclarePost(CLI::App& parent, Plan& plan) {
   command->add_option("--position", options->position, "Who posts, as the rights know him")
       ->type_name("N");
   AddRules(*command, options->rules);
+  command->add_flag("--print", options->print, "Print the receipt of each document posted");
+  AddLayout(*command, options->layout);
   command->add_option("FILE", options->file, "The file (default: standard input)");
   command->callback([options, &plan] {
-    plan.action = [options, rules = UsageRules(options->rules), json = plan.json](
-                      const Stdio& stdio) { return Post(*options, rules, json, stdio); };
+    plan.action = [options, settings = UsageSettings(*options, plan.json)](const Stdio& stdio) {
+      return Post(*options, settings, stdio);
+    };
   });
 }
 

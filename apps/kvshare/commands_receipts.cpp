@@ -5,12 +5,9 @@
 #include "apps/kvshare/progress.h"
 #include "apps/receipts/json.h"
 #include "apps/receipts/print.h"
-#include "kvshare/platform/verinfo.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/format.h"
-#include "kvshare/settings/globals.h"
-#include "kvshare/settings/programsettings.h"
 
 namespace kvshare::app {
 
@@ -30,35 +27,8 @@ constexpr std::string_view kExamples =
 struct Options {
   std::string file = "-";
   RuleOptions rules;
-  std::string discount = "line";
-  std::string era;
-  std::size_t width = 80;
+  LayoutOptions layout;
 };
-
-// The digits that the user has stored for this command.
-void ReadDigits() {
-  try {
-    ReadNumberSettings(TKovraRegistry());
-  } catch (const EConvertError& e) {
-    throw EConvertError("the stored digits cannot be used: " + e.Message() +
-                        "; `kvshare doctor` tells which");
-  }
-}
-
-receipts::Layout MakeLayout(const Options& options) {
-  receipts::Layout layout;
-  layout.width = options.width;
-  layout.discountPerLine = options.discount == "line";
-  layout.vatPerLine = options.rules.vat == "line";
-  layout.priceIncludesVat = options.rules.priceIncludesVat;
-  layout.yearOffset = UsageEra(options.era);
-  layout.cashStep = !options.rules.cashStep.empty();
-  ReadDigits();
-  layout.quantityDigits = QtyDigit;
-  layout.priceDigits = UPrcDigit;
-  layout.amountDigits = BahtDigit;
-  return layout;
-}
 
 class ReceiptsRun {
  public:
@@ -158,7 +128,7 @@ class ReceiptsRun {
 
 std::function<int(const Stdio&)> MakeReceipts(const Options& options, const Plan& plan) {
   return [options, json = plan.json, rules = UsageRules(options.rules),
-          layout = MakeLayout(options)](const Stdio& stdio) {
+          layout = UsageLayout(options.layout, options.rules)](const Stdio& stdio) {
     const DayInput input(options.file, stdio);
     return ReceiptsRun(rules, layout, json, stdio).Run(input);
   };
@@ -172,13 +142,7 @@ void DeclareReceipts(CLI::App& parent, Plan& plan) {
                                  "A day's sales documents from a CSV file, as receipts", kExamples);
   command->add_option("FILE", options->file, "The file (default: standard input)");
   AddRules(*command, options->rules);
-  command->add_option("--discount", options->discount, "Discounts are shown per line or as one sum")
-      ->check(CLI::IsMember({"line", "document"}))
-      ->type_name("line|document");
-  AddEra(*command, options->era);
-  command->add_option("--width", options->width, "Columns of a receipt (default 80)")
-      ->check(CLI::Range(40, 1000))
-      ->type_name("N");
+  AddLayout(*command, options->layout);
   command->callback([options, &plan] { plan.action = MakeReceipts(*options, plan); });
 }
 

@@ -1,6 +1,11 @@
 #include "apps/kvshare/dayinput.h"
 
+#include "apps/kvshare/commands.h"
 #include "apps/kvshare/roundmodes.h"
+#include "kvshare/platform/verinfo.h"
+#include "kvshare/rtl/exceptions.h"
+#include "kvshare/settings/globals.h"
+#include "kvshare/settings/programsettings.h"
 
 namespace kvshare::app {
 
@@ -25,6 +30,44 @@ receipts::Rules UsageRules(const RuleOptions& options) {
   rules.vatPerLine = options.vat == "line";
   rules.priceIncludesVat = options.priceIncludesVat;
   return rules;
+}
+
+namespace {
+
+void ReadDigits() {
+  try {
+    ReadNumberSettings(TKovraRegistry());
+  } catch (const EConvertError& e) {
+    throw EConvertError("the stored digits cannot be used: " + e.Message() +
+                        "; `kvshare doctor` tells which");
+  }
+}
+
+}  // namespace
+
+void AddLayout(CLI::App& command, LayoutOptions& options) {
+  command.add_option("--discount", options.discount, "Discounts are shown per line or as one sum")
+      ->check(CLI::IsMember({"line", "document"}))
+      ->type_name("line|document");
+  AddEra(command, options.era);
+  command.add_option("--width", options.width, "Columns of a receipt (default 80)")
+      ->check(CLI::Range(40, 1000))
+      ->type_name("N");
+}
+
+receipts::Layout UsageLayout(const LayoutOptions& options, const RuleOptions& rules) {
+  receipts::Layout layout;
+  layout.width = options.width;
+  layout.discountPerLine = options.discount == "line";
+  layout.vatPerLine = rules.vat == "line";
+  layout.priceIncludesVat = rules.priceIncludesVat;
+  layout.yearOffset = UsageEra(options.era);
+  layout.cashStep = !rules.cashStep.empty();
+  ReadDigits();
+  layout.quantityDigits = QtyDigit;
+  layout.priceDigits = UPrcDigit;
+  layout.amountDigits = BahtDigit;
+  return layout;
 }
 
 void DayInput::FeedTo(receipts::DayReader& reader) const {

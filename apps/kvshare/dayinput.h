@@ -8,6 +8,7 @@
 #include "apps/kvshare/stream.h"
 #include "apps/receipts/calc.h"
 #include "apps/receipts/dayreader.h"
+#include "apps/receipts/print.h"
 
 namespace kvshare::app {
 
@@ -25,6 +26,20 @@ void AddRules(CLI::App& command, RuleOptions& options);
 
 // Refuses the usage of a mode that there is not.
 receipts::Rules UsageRules(const RuleOptions& options);
+
+// How receipts are set, as typed.
+struct LayoutOptions {
+  std::string discount = "line";
+  std::string era;
+  std::size_t width = 80;
+};
+
+// Adds `--discount`, `--era` and `--width`.
+void AddLayout(CLI::App& command, LayoutOptions& options);
+
+// In the digits that the user has stored for this command. Refuses the usage of an era that there
+// is not; throws EConvertError for digits that cannot be used.
+receipts::Layout UsageLayout(const LayoutOptions& options, const RuleOptions& rules);
 
 // The file, or standard input for `-`. Throws StreamError.
 class DayInput {

@@ -1,5 +1,6 @@
 #include "apps/posting/poster.h"
 
+#include "apps/posting/books.h"
 #include "apps/posting/company.h"
 #include "kvshare/database/dblog.h"
 #include "kvshare/database/sqlfunc.h"
@@ -8,7 +9,6 @@
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/settings/globals.h"
-#include "kvshare/settings/sqldialect.h"
 
 namespace kvshare::posting {
 
@@ -48,36 +48,16 @@ class Transaction {
   bool done_ = false;
 };
 
-// A number stands in conditions as a literal, whose quotes and escapes are each server's own; a
-// number that needs none is the same on all.
-void RequirePlainNumber(std::string_view number) {
-  if (number.size() > kLongestNumber) {
-    throw EPosting(
-        Format("document %s: the number is longer than %d bytes", {number, kLongestNumber}));
-  }
-  if (number.find_first_of("'\"\\;`") != std::string_view::npos) {
-    throw EPosting(Format("document %s: a number has no quotes, `\\` or `;`", {number}));
-  }
-}
-
-// By the plain column the server finds its index, by the dialect's it respects letter case.
-std::string IsNumber(std::string_view number) {
-  const std::string literal = "'" + SQLCharFormat(number, true) + "'";
-  return "DOC_NO = " + literal + " AND " + SQLFieldFormat("DOC_NO", true) + " = " + literal;
-}
-
-std::string HasContent(const Document& document, const Receipt& receipt) {
-  return Format("DOC_DATE = %s AND DOC_LINES = %d AND %s AND %s AND %s",
-                {DateTimeToSQLDate(document.date), static_cast<int>(document.lines.size()),
-                 SQLNumEqual("DOC_NET", CurrToStr(receipt.net)),
-                 SQLNumEqual("DOC_VAT", CurrToStr(receipt.vat)),
-                 SQLNumEqual("DOC_TOTAL", CurrToStr(receipt.total))});
+void RequireNumberThatFits(std::string_view number) {
+  if (number.size() <= kLongestNumber) return;
+  throw EPosting(Format("its number is longer than %d letters", {kLongestNumber}));
 }
 
 }  // namespace
 
-// Texts and amounts travel as parameters: a customer's name may have quotes, and `;`, at which the
-// runners of statements cut a line.
+// Texts and amounts travel as parameters. The runners of statements cut a line at its first `;` and
+// take a line break for the end of one, in quotes too; a customer's name may have both, and quotes
+// and backslashes, which each server spells its own way.
 Poster::Poster(TSQLConnection& connection) : connection_(connection) {
   document_.SetSQLConnection(&connection);
   document_.SQL().Add(
@@ -95,35 +75,42 @@ bool Poster::MayPost(std::int32_t position) {
   return MayICanInsert(connection_, position, kPostingTemplate);
 }
 
-bool Poster::IsThere(std::string_view condition) {
-  return AnyData(connection_,
-                 Format("SELECT COUNT(*) AS RECORDCOUNT FROM DOCUMENT WHERE %s", {condition}));
+bool Poster::IsPosted(const Document& document, const Receipt& receipt) {
+  const Stored stored = FindInBooks(connection_, document, receipt);
+  if (stored == Stored::Other) throw EPosting("it is posted already, with another content");
+  return stored == Stored::Same;
 }
 
-Outcome Poster::Post(const Document& document, const Receipt& receipt) {
-  RequirePlainNumber(document.number);
-  const std::string number = IsNumber(document.number);
-  if (IsThere(number)) {
-    if (IsThere(number + " AND " + HasContent(document, receipt))) return Outcome::WasThere;
-    throw EPosting(
-        Format("document %s is posted already, with another content", {document.number}));
+std::optional<std::string> Poster::Post(const Document& document, const Receipt& receipt) {
+  RequireNumberThatFits(document.number);
+  if (IsPosted(document, receipt)) return std::nullopt;
+  std::string sendNumber = TakeNextRpl(connection_);
+  try {
+    Write(document, receipt, sendNumber);
+  } catch (const EServerError& e) {
+    // Another program may have posted it in the meantime: its document, not the refusal, counts.
+    if (e.ConnectionLost() || !IsPosted(document, receipt)) throw;
+    return std::nullopt;
   }
+  return sendNumber;
+}
 
-  const std::string sendNumber = TakeNextRpl(connection_);
-  Transaction transaction(connection_);
-  WriteDocument(document, receipt, sendNumber);
-  for (std::size_t i = 0; i < document.lines.size(); ++i) WriteLine(document, receipt, i);
-  transaction.Commit();
-
+void Poster::Log(const Document& document, const Receipt& receipt, std::string_view sendNumber) {
   TKovraDbLog::WriteLogFile(
       nullptr, "Posting", "Post", document.number,
       Format("%d lines, total %s, send number %s",
              {static_cast<int>(document.lines.size()), CurrToStr(receipt.total), sendNumber}));
-  return Outcome::Posted;
 }
 
-void Poster::WriteDocument(const Document& document, const Receipt& receipt,
-                           std::string_view sendNumber) {
+void Poster::Write(const Document& document, const Receipt& receipt, std::string_view sendNumber) {
+  Transaction transaction(connection_);
+  WriteHead(document, receipt, sendNumber);
+  for (std::size_t i = 0; i < document.lines.size(); ++i) WriteLine(document, receipt, i);
+  transaction.Commit();
+}
+
+void Poster::WriteHead(const Document& document, const Receipt& receipt,
+                       std::string_view sendNumber) {
   TParams& values = document_.Params();
   values.ParamByName("NO").SetAsString(document.number);
   values.ParamByName("DAY").SetAsDate(document.date);

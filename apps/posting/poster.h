@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -12,8 +13,6 @@
 #include "kvshare/rtl/exceptions.h"
 
 namespace kvshare::posting {
-
-enum class Outcome : std::uint8_t { Posted, WasThere };
 
 // A document that cannot be posted; the others can. The message is code page 874.
 class EPosting : public Exception {
@@ -29,16 +28,24 @@ class Poster {
   // Whether the holder of the position may post.
   bool MayPost(std::int32_t position);
 
-  // Writes the document with all its lines in one transaction, and then a line of the event log.
-  // What is there already with the same date, lines and amounts is left alone. The number takes the
-  // next send number, which is lost where the writing fails. Throws EPosting for a number that the
-  // tables cannot keep and for one that is there with another content, EServerError.
-  Outcome Post(const receipts::Document& document, const receipts::Receipt& receipt);
+  // Writes the document with all its lines in one transaction; the send number that it took, or
+  // nothing for a document that is there already with the same content (books.h), whoever wrote it.
+  // A number that is taken for a document that then cannot be written is lost. Throws EPosting for
+  // a document number that the tables cannot keep and for one that is there with another content,
+  // EDatabaseError.
+  std::optional<std::string> Post(const receipts::Document& document,
+                                  const receipts::Receipt& receipt);
+
+  // The document's line in the event log.
+  static void Log(const receipts::Document& document, const receipts::Receipt& receipt,
+                  std::string_view sendNumber);
 
  private:
-  bool IsThere(std::string_view condition);
-  void WriteDocument(const receipts::Document& document, const receipts::Receipt& receipt,
-                     std::string_view sendNumber);
+  bool IsPosted(const receipts::Document& document, const receipts::Receipt& receipt);
+  void Write(const receipts::Document& document, const receipts::Receipt& receipt,
+             std::string_view sendNumber);
+  void WriteHead(const receipts::Document& document, const receipts::Receipt& receipt,
+                 std::string_view sendNumber);
   void WriteLine(const receipts::Document& document, const receipts::Receipt& receipt,
                  std::size_t index);
 

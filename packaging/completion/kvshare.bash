@@ -64,7 +64,8 @@ _kvshare_options() { # _kvshare_options COMMAND
     sql) printf '%s\n' --connect --batch --csv ;;
     company) echo --connect ;;
     post)
-      printf '%s\n' --connect --position --round --vat-round --vat --cash-step --price-includes-vat ;;
+      printf '%s\n' --connect --position --round --vat-round --vat --cash-step --price-includes-vat \
+        --print --discount --era --width ;;
     "rights "* | "replication "*) echo --connect ;;
     "log show") printf '%s\n' --file --day --user --computer ;;
     "log follow") printf '%s\n' --file --lines --once ;;
@@ -100,17 +101,18 @@ _kvshare_value() {
     "receipts --round" | "receipts --vat-round" | "receipts --cash-step" | \
       "post --round" | "post --vat-round" | "post --cash-step")
       _kvshare_offer "$3" < <(_kvshare_modes) ;;
-    "receipts --vat" | "post --vat" | "receipts --discount") _kvshare_offer "$3" < <(printf '%s\n' line document) ;;
+    "receipts --vat" | "post --vat" | "receipts --discount" | "post --discount")
+      _kvshare_offer "$3" < <(printf '%s\n' line document) ;;
     "message --language") _kvshare_offer "$3" < <(_kvshare_languages) ;;
     "date show --layout") _kvshare_offer "$3" < <(_kvshare_layouts) ;;
     "date show --language") _kvshare_offer "$3" < <(printf '%s\n' th en) ;;
-    "date show --era" | "date parse --era" | "receipts --era") _kvshare_offer "$3" < <(printf '%s\n' 543 0) ;;
+    "date show --era" | "date parse --era" | "receipts --era" | "post --era") _kvshare_offer "$3" < <(printf '%s\n' 543 0) ;;
     *" --connect") _kvshare_offer "$3" < <(_kvshare_connections) ;;
     "sql --batch" | "encode --key-file" | "decode --key-file" | "settings export --output" | "dialect --file" | "log "*" --file")
       _kvshare_offer_files "$3" ;;
     "dialect --field" | "dialect --value" | "dialect --date") ;;
     "log show --day" | "log show --user" | "log show --computer" | "log follow --lines") ;;
-    "encode --key" | "decode --key" | "words --currency" | "qty --sku" | "receipts --width") ;;
+    "encode --key" | "decode --key" | "words --currency" | "qty --sku" | "receipts --width" | "post --width") ;;
     "files "*" --mask" | "post --position") ;;
     *) return 1 ;;
   esac

@@ -1,0 +1,21 @@
+// What a company's books have of a document.
+#pragma once
+
+#include <cstdint>
+
+#include "apps/receipts/calc.h"
+#include "apps/receipts/model.h"
+#include "kvshare/data/sqlconnection.h"
+
+namespace kvshare::posting {
+
+enum class Stored : std::uint8_t { Missing, Same, Other };
+
+// Looks for the document by its number, letter case respected, through the dialect that is loaded.
+// Same is the very document: date, customer and amounts, and each line with its item, quantity,
+// price, discount, VAT rate and amounts; texts byte for byte, numbers to the last digit. A document
+// that differs in anything is Other. Throws EDatabaseError.
+Stored FindInBooks(TSQLConnection& connection, const receipts::Document& document,
+                   const receipts::Receipt& receipt);
+
+}  // namespace kvshare::posting
