@@ -9,6 +9,7 @@ install(TARGETS kvshare EXPORT KvShareTargets
 set(internal_headers
   data/driverlibrary.h
   data/named.h
+  data/secrets.h
   data/wireforms.h
   data/wiretexts.h
   database/sqlsplit.h

@@ -1,10 +1,9 @@
-#include <algorithm>
 #include <memory>
 
 #include "apps/kvshare/commands.h"
 #include "apps/kvshare/connections.h"
+#include "kvshare/data/secrets.h"
 #include "kvshare/database/dbxconf.h"
-#include "kvshare/rtl/strutils.h"
 
 namespace kvshare::app {
 
@@ -18,37 +17,6 @@ constexpr std::string_view kShowExamples =
     "  kvshare connect show LEDGER               what the connection file has, no password\n";
 constexpr std::string_view kTablesExamples =
     "  kvshare connect tables LEDGER             tables and views\n";
-
-constexpr std::string_view kHidden = "***";
-
-bool IsSecret(std::string_view key) {
-  const std::string upper = UpperCase(key);
-  return upper.find("PASSWORD") != std::string::npos || upper.find("PWD") != std::string::npos;
-}
-
-// One `key=value` of a connection string, without its value where that is a secret.
-std::string WithoutSecret(std::string_view part) {
-  const std::size_t equals = part.find('=');
-  if (equals == std::string_view::npos || !IsSecret(part.substr(0, equals))) {
-    return std::string(part);
-  }
-  return std::string(part.substr(0, equals + 1)).append(kHidden);
-}
-
-// A value may be a connection string of its own: `Data Source=x;PWD=y`. From a password in it on,
-// which may have a `;` in quotes or braces, nothing is shown.
-std::string ShownValue(std::string_view key, std::string_view value) {
-  if (IsSecret(key)) return std::string(kHidden);
-  std::string shown;
-  for (std::string_view rest = value;;) {
-    const std::size_t end = std::min(rest.find(';'), rest.size());
-    const std::string_view part = rest.substr(0, end);
-    shown += WithoutSecret(part);
-    if (shown.ends_with(kHidden) || end == rest.size()) return shown;
-    shown += ';';
-    rest.remove_prefix(end + 1);
-  }
-}
 
 void PrintList(const std::function<void(const Row&)>& print, Row& row) {
   TStringList names;
@@ -85,7 +53,7 @@ RowPrinter PrintParameters(const std::string& name) {
       if (key.empty()) continue;
       row.Clear();
       row.Cell("key") = key;
-      row.Cell("value") = ShownValue(key, params.ValueFromIndex(i));
+      row.Cell("value") = data::WithoutSecrets(key, params.ValueFromIndex(i));
       print(row);
     }
   };

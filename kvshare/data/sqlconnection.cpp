@@ -4,6 +4,7 @@
 
 #include "kvshare/data/driverlibrary.h"
 #include "kvshare/data/named.h"
+#include "kvshare/data/secrets.h"
 #include "kvshare/data/sqlquery.h"
 #include "kvshare/data/wiretexts.h"
 #include "kvshare/os/paths.h"
@@ -69,8 +70,10 @@ void TSQLConnection::SetDriverName(std::string_view name) {
 }
 
 std::string TSQLConnection::WithoutPassword(std::string text) const {
-  const std::string_view password = Params.Values("Password");
-  return password.empty() ? text : StringReplace(text, password, "***", {.ReplaceAll = true});
+  for (const std::string& secret : data::SecretsOf(Params)) {
+    text = StringReplace(text, secret, "***", {.ReplaceAll = true});
+  }
+  return text;
 }
 
 void TSQLConnection::RefuseByServer(const data::DriverError& error) {

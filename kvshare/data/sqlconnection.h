@@ -32,8 +32,8 @@ struct TTransactionDesc {
 };
 
 // Texts are code page 874. A failure throws EDatabaseError, one that the server reports
-// EServerError; `Name: ` stands in front where the connection has a name. No message holds the
-// password.
+// EServerError; `Name: ` stands in front where the connection has a name. No message holds a
+// password of Params, one in a connection string neither.
 class KVSHARE_API TSQLConnection : public TComponent {
  public:
   explicit TSQLConnection(TComponent* owner = nullptr, std::string_view name = "");

@@ -132,7 +132,7 @@ TEST_F(DatabaseCommands, ConnectionsAreShownWithoutTheirSecrets) {
             "{\"key\":\"User_Name\",\"value\":\"som\"}\n"
             "{\"key\":\"password\",\"value\":\"***\"}\n"
             "{\"key\":\"MasterPWD\",\"value\":\"***\"}\n"
-            "{\"key\":\"Database\",\"value\":\"Server=x;Pwd=***\"}\n");
+            "{\"key\":\"Database\",\"value\":\"Server=x;Pwd=***;Port=1\"}\n");
   const Outcome away = Run({"connect", "test", "FARAWAY"});
   EXPECT_THAT(away.err, StartsWith("kvshare: Unable to Load kvshare-none\n"));
   EXPECT_THAT(away.err, Not(HasSubstr("secret")));

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "kvshare/data/errors.h"
+#include "kvshare/data/secrets.h"
 #include "kvshare/data/sqlconnection.h"
 #include "kvshare/data/sqlquery.h"
 #include "kvshare/rtl/cp874.h"
@@ -60,6 +61,39 @@ TEST(Connection, ThePasswordIsInNoMessage) {
   connection.Params.SetValue("Password", "secret");
   EXPECT_EQ(ErrorOf(connection),
             "SQL Server Error: unable to open database file: " + folder.File("***/x.db"));
+}
+
+TEST(Connection, SecretsAreNotShown) {
+  const struct {
+    std::string_view name, value, shown;
+    const char* why;
+  } cases[] = {
+      {"Password", "s3cret", "***", "the key of the file"},
+      {"pwd", "s3cret", "***", "as some drivers call it"},
+      {"EncryptPwd", "s3cret", "***", "part of a name"},
+      {"Client_Secret", "s3cret", "***", "another word"},
+      {"Password", "", "", "none is none"},
+      {"Database", "Driver={X};UID=a;Password=s3cret", "Driver={X};UID=a;Password=***",
+       "in a connection string"},
+      {"Database", "PWD=s3cret;Server=db", "PWD=***;Server=db", "not at its end"},
+      {"Database", "A=b; pwd = {s3;c}}ret} ;C=d", "A=b; pwd = *** ;C=d", "in braces"},
+      {"Database", "A;Pwd=\"s3;cret\";C=d", "A;Pwd=***;C=d", "in quotes"},
+      {"Database", "PWD={s3cret;C=d", "PWD=***", "braces without an end"},
+      {"Database", "host=db password=s3cret dbname=x", "host=db password=***",
+       "blanks between: too much rather than too little"},
+      {"Database", "postgres://ann:s3@cret@db/x", "postgres://ann:***@db/x", "an address"},
+      {"HostName", "db:5432", "db:5432", "no secret"},
+      {"Database", "C:\\a=b;c@d.db", "C:\\a=b;c@d.db", "no secret"},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(data::WithoutSecrets(c.name, c.value), c.shown) << c.why;
+  }
+  TStringList params;
+  params.Add("Database=Server=db;PWD={a}");
+  params.Add("Password=a long one");
+  params.Add("EncryptPwd=a long one");
+  EXPECT_EQ(data::SecretsOf(params), (std::vector<std::string>{"a long one", "{a}", "a"}))
+      << "the longest first, so that no piece of it is left";
 }
 
 TEST(Connection, LockTimeoutIsANumber) {
