@@ -2,6 +2,7 @@
 
 #include "apps/kvshare/amounts.h"
 #include "kvshare/dates/date.h"
+#include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 
@@ -52,6 +53,15 @@ std::string UsageText(std::string_view option, std::string_view utf8) {
     return Utf8ToCp874(utf8);
   } catch (const EConvertError& e) {
     RefuseUsage(option, e.Message());
+  }
+}
+
+// The option parser would read 010 as eight.
+std::int64_t UsageInteger(std::string_view option, std::string_view utf8) {
+  try {
+    return StrToInt64(UsageText(option, utf8));
+  } catch (const EConvertError& e) {
+    RefuseUsage(option, Cp874ToUtf8Lossy(e.Message()));
   }
 }
 

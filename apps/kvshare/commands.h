@@ -2,6 +2,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -67,6 +68,7 @@ std::function<int(const Stdio&)> PrintRows(const Plan& plan, RowPrinter make);
 
 // An option's or operand's value in code page 874, and as an amount. They refuse the usage.
 std::string UsageText(std::string_view option, std::string_view utf8);
+std::int64_t UsageInteger(std::string_view option, std::string_view utf8);  // decimal
 Currency UsageAmount(std::string_view option, std::string_view utf8);
 
 // Adds `--era` to a command.

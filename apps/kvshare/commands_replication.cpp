@@ -78,7 +78,7 @@ void DeclareTake(CLI::App& replication, Plan& plan) {
 void DeclareUpdate(CLI::App& replication, Plan& plan) {
   struct Options {
     std::string connect;
-    std::int64_t least = 0;
+    std::string least;
   };
   const auto options = std::make_shared<Options>();
   CLI::App* command =
@@ -87,10 +87,11 @@ void DeclareUpdate(CLI::App& replication, Plan& plan) {
   AddConnect(*command, options->connect);
   command->add_option("NUMBER", options->least, "The peer's number")->required();
   command->callback([options, &plan] {
-    plan.action = PrintRows(
-        plan, PrintNumber(options->connect, [least = options->least](TSQLConnection& connection) {
-          return UpdateNextRpl(connection, least);
-        }));
+    const std::int64_t least = UsageInteger("NUMBER", options->least);
+    plan.action =
+        PrintRows(plan, PrintNumber(options->connect, [least](TSQLConnection& connection) {
+                    return UpdateNextRpl(connection, least);
+                  }));
   });
 }
 

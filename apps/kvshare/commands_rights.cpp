@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <iterator>
 #include <memory>
+#include <utility>
 
 #include "apps/kvshare/commands.h"
 #include "apps/kvshare/connections.h"
@@ -37,9 +38,21 @@ constexpr RightRow kRights[] = {
 
 struct Options {
   std::string connect;
+  std::string position;
+  std::string screen;
+  std::string right;
+};
+
+std::int32_t UsageNumber(std::string_view operand, std::string_view typed) {
+  const std::int64_t number = UsageInteger(operand, typed);
+  if (!std::in_range<std::int32_t>(number)) RefuseUsage(operand, "is out of range");
+  return static_cast<std::int32_t>(number);
+}
+
+struct Question {
+  std::string connect;
   std::int32_t position = 0;
   std::int32_t screen = 0;
-  std::string right;
 };
 
 const RightRow& RightNamed(std::string_view name) {
@@ -49,9 +62,9 @@ const RightRow& RightNamed(std::string_view name) {
   return *row;
 }
 
-bool IsGranted(const RightRow& right, TSQLConnection& connection, const Options& options) {
+bool IsGranted(const RightRow& right, TSQLConnection& connection, const Question& question) {
   bool granted = false;
-  WithoutBoxes([&] { granted = right.granted(connection, options.position, options.screen); });
+  WithoutBoxes([&] { granted = right.granted(connection, question.position, question.screen); });
   return granted;
 }
 
@@ -80,24 +93,24 @@ RowPrinter PrintTable(const std::string& connect) {
   };
 }
 
-RowPrinter PrintRights(const Options& options) {
-  return [options](const auto& print, Row& row) {
+RowPrinter PrintRights(const Question& question) {
+  return [question](const auto& print, Row& row) {
     TSQLConnection connection;
-    OpenConnection(connection, options.connect);
+    OpenConnection(connection, question.connect);
     for (const RightRow& right : kRights) {
       row.Clear();
       row.Cell("right") = right.name;
-      row.Cell("granted") = YesOrNo(IsGranted(right, connection, options));
+      row.Cell("granted") = YesOrNo(IsGranted(right, connection, question));
       print(row);
     }
   };
 }
 
-RowPrinter PrintOneRight(const Options& options, const RightRow& right) {
-  return [options, &right](const auto& print, Row& row) {
+RowPrinter PrintOneRight(const Question& question, const RightRow& right) {
+  return [question, &right](const auto& print, Row& row) {
     TSQLConnection connection;
-    OpenConnection(connection, options.connect);
-    const bool granted = IsGranted(right, connection, options);
+    OpenConnection(connection, question.connect);
+    const bool granted = IsGranted(right, connection, question);
     row.Cell("right") = right.name;
     row.Cell("granted") = YesOrNo(granted);
     print(row);
@@ -124,9 +137,11 @@ void DeclareCheck(CLI::App& rights, Plan& plan) {
       ->required();
   command->add_option("RIGHT", options->right, "read, write, insert, delete or execute");
   command->callback([options, &plan] {
+    const Question question{options->connect, UsageNumber("POSITION", options->position),
+                            UsageNumber("TEMPLATE", options->screen)};
     plan.action = PrintRows(plan, options->right.empty()
-                                      ? PrintRights(*options)
-                                      : PrintOneRight(*options, RightNamed(options->right)));
+                                      ? PrintRights(question)
+                                      : PrintOneRight(question, RightNamed(options->right)));
   });
 }
 

@@ -33,10 +33,23 @@ struct Options {
   bool csv = false;
 };
 
+// Behind blanks and comments.
+std::string_view FirstWord(std::string_view sql) {
+  for (;;) {
+    sql = Trim(sql);
+    const bool block = sql.starts_with("/*");
+    if (!block && !sql.starts_with("--")) return sql;
+    const std::string_view close = block ? "*/" : "\n";
+    const std::size_t end = sql.find(close);
+    if (end == std::string_view::npos) return {};
+    sql.remove_prefix(end + close.size());
+  }
+}
+
 bool GivesRows(std::string_view sql) {
   constexpr std::array<std::string_view, 8> kWords = {"SELECT", "WITH",    "VALUES",   "PRAGMA",
                                                       "SHOW",   "EXPLAIN", "DESCRIBE", "("};
-  const std::string_view text = Trim(sql);
+  const std::string_view text = FirstWord(sql);
   for (const std::string_view word : kWords) {
     if (SameText(text.substr(0, word.size()), word)) return true;
   }

@@ -114,8 +114,7 @@ std::vector<std::string> SecretsOf(const TStrings& params) {
   std::ranges::sort(secrets, [](const std::string& a, const std::string& b) {
     return a.size() != b.size() ? a.size() > b.size() : a < b;
   });
-  const auto doubles = std::ranges::unique(secrets);
-  secrets.erase(doubles.begin(), doubles.end());
+  secrets.erase(std::unique(secrets.begin(), secrets.end()), secrets.end());
   return secrets;
 }
 

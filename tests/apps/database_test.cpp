@@ -70,6 +70,7 @@ TEST_F(DatabaseCommands, RowsAsTableCsvAndJson) {
 TEST_F(DatabaseCommands, ControlCharactersSteerNoTerminal) {
   const Outcome got = Sql("SELECT 'a' || char(27) || '[2J' || char(10) AS X");
   EXPECT_EQ(got.out, "X\n------\na [2J \n");
+  EXPECT_EQ(Sql("-- a remark\n/* and\n another */ SELECT 5 AS X").out, "X\n-\n5\n");
 }
 
 TEST_F(DatabaseCommands, StatementsTellWhatIsCutAndWhatFails) {
@@ -174,7 +175,7 @@ TEST_F(DatabaseCommands, TheSendNumberIsShownTakenAndMovedOn) {
   };
   EXPECT_EQ(run({"show"}), "lastsend\t00000000000000000\nchanged\t\norigin\t{A}\ndata\tD1\n");
   EXPECT_EQ(run({"take"}), "00000000000000001\n");
-  EXPECT_EQ(run({"update", "20"}), "00000000000000020\n");
+  EXPECT_EQ(run({"update", "00000000000000020"}), "00000000000000020\n");
   EXPECT_EQ(run({"update", "7"}), "00000000000000021\n");
   EXPECT_EQ(run({"take", "--json"}), "{\"number\":\"00000000000000022\"}\n");
   EXPECT_THAT(run({"show"}), StartsWith("lastsend\t00000000000000022\nchanged\t20"));
