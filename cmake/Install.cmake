@@ -13,7 +13,6 @@ set(internal_headers
   data/wireforms.h
   data/wiretexts.h
   database/sqlsplit.h
-  database/sqltransaction.h
   money/words.h
   os/appendfile.h
   os/commandline.h

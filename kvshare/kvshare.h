@@ -81,3 +81,4 @@
 #include "kvshare/database/sqlfunc.h"
 #include "kvshare/database/sqlreplication.h"
 #include "kvshare/database/sqlrights.h"
+#include "kvshare/database/sqltransaction.h"

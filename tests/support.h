@@ -49,6 +49,12 @@ class WithVariable {
   std::optional<std::string> earlier_;
 };
 
+// A number that whoever runs the tests gives by a variable, to make a test longer.
+inline int Asked(const char* name, int usual) {
+  const char* asked = std::getenv(name);
+  return asked == nullptr ? usual : std::atoi(asked);
+}
+
 // A file at `path` that is there and that nobody, the superuser neither, can open: a socket. Its
 // open fails with "No such device or address".
 inline void MakeUnreadableFile(const std::string& path) {

@@ -1,6 +1,6 @@
 #include "apps/kvshare/commands.h"
 
-#include "apps/kvshare/amounts.h"
+#include "apps/receipts/amounts.h"
 #include "kvshare/dates/date.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/cp874.h"
@@ -24,8 +24,8 @@ void AddItems(CLI::App& command, Plan& plan, std::string_view name, std::string_
 
 Transform OnAmounts(std::string_view member, std::function<void(Currency, Row&)> make) {
   return [member, make = std::move(make)](std::string_view item, Row& row) {
-    const Currency amount = ParseAmount(item);
-    if (row.Json()) AppendFourDecimals(row.Member(member), amount);
+    const Currency amount = receipts::ParseAmount(item);
+    if (row.Json()) receipts::AppendFourDecimals(row.Member(member), amount);
     make(amount, row);
   };
 }
@@ -67,7 +67,7 @@ std::int64_t UsageInteger(std::string_view option, std::string_view utf8) {
 
 Currency UsageAmount(std::string_view option, std::string_view utf8) {
   try {
-    return ParseAmount(UsageText(option, utf8));
+    return receipts::ParseAmount(UsageText(option, utf8));
   } catch (const EConvertError& e) {
     RefuseUsage(option, Cp874ToUtf8Lossy(e.Message()));
   }

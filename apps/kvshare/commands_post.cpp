@@ -4,15 +4,13 @@
 #include <string>
 #include <vector>
 
-#include "apps/kvshare/amounts.h"
 #include "apps/kvshare/commands.h"
 #include "apps/kvshare/connections.h"
 #include "apps/kvshare/dayinput.h"
-#include "apps/kvshare/progress.h"
+#include "apps/kvshare/dayoutput.h"
 #include "apps/posting/company.h"
 #include "apps/posting/poster.h"
-#include "apps/receipts/json.h"
-#include "apps/receipts/print.h"
+#include "apps/receipts/amounts.h"
 #include "kvshare/database/dbxconf.h"
 #include "kvshare/database/sqlreplication.h"
 #include "kvshare/rtl/cp874.h"
@@ -135,10 +133,8 @@ class PostRun {
       : connection_(connection),
         poster_(connection),
         settings_(settings),
-        out_(stdio.out, "standard output"),
-        err_(stdio.err, "standard error"),
-        progress_(stdio, "documents"),
-        reader_([this](const receipts::Problem& problem) { Report(problem); }) {}
+        output_(stdio, settings.json),
+        reader_([this](const receipts::Problem& problem) { output_.Report(problem); }) {}
 
   int Run(const DayInput& input) {
     input.FeedTo(reader_);
@@ -146,20 +142,13 @@ class PostRun {
     try {
       for (const Document& document : documents) Take(document);
     } catch (const EEndOfRun& e) {
-      Report({0, 0, "", Cp874ToUtf8Lossy(e.Message()), false});
+      output_.Report({0, 0, "", Cp874ToUtf8Lossy(e.Message()), false});
     }
     Summarize(documents.size() - tally_.documents - tally_.wasThere);
-    return failed_ ? kBadInput : kDone;
+    return output_.Failed() ? kBadInput : kDone;
   }
 
  private:
-  void Report(const receipts::Problem& problem) {
-    failed_ = failed_ || !problem.warning;
-    progress_.Erase();
-    err_.Buffer() += problem.Message();
-    err_.EndLine();
-  }
-
   void Take(const Document& document) {
     try {
       if (!document.complete) throw posting::EPosting("a row of it cannot be read");
@@ -186,8 +175,8 @@ class PostRun {
   // Nothing that goes wrong from here on takes the document out of the books again.
   void TakePosted(const Document& document, const Receipt& receipt, const std::string& sendNumber) {
     tally_.Add(document, receipt, sendNumber);
-    Print(document, receipt);
-    progress_.Show(tally_.documents);
+    if (settings_.layout) output_.Print(document, receipt, *settings_.layout);
+    output_.ShowProgress(tally_.documents);
     try {
       WithoutBoxes([&] { posting::Poster::Log(document, receipt, sendNumber); });
     } catch (const Exception& e) {
@@ -196,20 +185,8 @@ class PostRun {
     }
   }
 
-  void Print(const Document& document, const Receipt& receipt) {
-    if (!settings_.layout) return;
-    if (settings_.json) {
-      AppendJson(out_.Buffer(), document, receipt);
-      out_.EndLine();
-    } else {
-      AppendReceipt(out_.Buffer(), document, receipt, *settings_.layout);
-      out_.EndBlock();
-    }
-  }
-
   void Leave(const Document& document, const std::string& why) {
-    Report({document.row, 0, "",
-            "document " + Cp874ToUtf8Lossy(document.number) + " is not posted: " + why, false});
+    output_.ReportDocument(document, " is not posted: " + why);
   }
 
   std::string LastSend() {
@@ -217,20 +194,18 @@ class PostRun {
   }
 
   void Summarize(std::uint64_t left) {
-    progress_.Erase();
     Row row(settings_.json);
     settings_.json ? FillMembers(row, left) : FillSentence(row, left);
-    row.AppendTo(out_.Buffer());
-    out_.EndLine();
-    out_.Flush();
-    err_.Flush();
+    row.AppendTo(output_.Out().Buffer());
+    output_.Out().EndLine();
+    output_.Finish();
   }
 
   void FillMembers(Row& row, std::uint64_t left) {
     row.Number("posted", Whole(tally_.documents));
     row.Number("lines", Whole(tally_.lines));
     if (tally_.total) {
-      AppendDecimals(row.Member("total"), *tally_.total);
+      receipts::AppendDecimals(row.Member("total"), *tally_.total);
     } else {
       row.JsonMember("total") = "null";
     }
@@ -254,12 +229,9 @@ class PostRun {
   TSQLConnection& connection_;
   posting::Poster poster_;
   const Settings& settings_;
-  BlockWriter out_;
-  BlockWriter err_;
-  Progress progress_;
+  DayOutput output_;
   receipts::DayReader reader_;
   Tally tally_;
-  bool failed_ = false;
 };
 
 void RequireCompany(TSQLConnection& connection, const std::string& connect) {

@@ -2,10 +2,7 @@
 
 #include "apps/kvshare/commands.h"
 #include "apps/kvshare/dayinput.h"
-#include "apps/kvshare/progress.h"
-#include "apps/receipts/json.h"
-#include "apps/receipts/print.h"
-#include "kvshare/rtl/cp874.h"
+#include "apps/kvshare/dayoutput.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/format.h"
 
@@ -35,11 +32,8 @@ class ReceiptsRun {
   ReceiptsRun(receipts::Rules rules, receipts::Layout layout, bool json, const Stdio& stdio)
       : rules_(rules),
         layout_(layout),
-        json_(json),
-        out_(stdio.out, "standard output"),
-        err_(stdio.err, "standard error"),
-        progress_(stdio, "documents"),
-        reader_([this](const receipts::Problem& problem) { Report(problem); }) {}
+        output_(stdio, json),
+        reader_([this](const receipts::Problem& problem) { output_.Report(problem); }) {}
 
   int Run(const DayInput& input) {
     input.FeedTo(reader_);
@@ -47,36 +41,21 @@ class ReceiptsRun {
       document.complete ? Take(document) : static_cast<void>(++left_);
     }
     Finish();
-    return failed_ ? kBadInput : kDone;
+    return output_.Failed() ? kBadInput : kDone;
   }
 
  private:
-  void Report(const receipts::Problem& problem) {
-    failed_ = failed_ || !problem.warning;
-    progress_.Erase();
-    err_.Buffer() += problem.Message();
-    err_.EndLine();
-  }
-
   void Take(const Document& document) {
     try {
       const Receipt receipt = Calculate(document, rules_);
       AddToDay(receipt);
       WarnOfWords(document, receipt.total);
-      std::string& out = out_.Buffer();
-      if (json_) {
-        AppendJson(out, document, receipt);
-        out_.EndLine();
-      } else {
-        AppendReceipt(out, document, receipt, layout_);
-        out_.EndBlock();
-      }
-      progress_.Show(++printed_);
+      output_.Print(document, receipt, layout_);
+      output_.ShowProgress(++printed_);
     } catch (const receipts::UnprintableDocument& e) {
       ++left_;
-      Report(reader_.ProblemIn(e.Column(), e.Row(), e.what()));
-      Report({document.row, 0, "",
-              "document " + Cp874ToUtf8Lossy(document.number) + " is not printed", false});
+      output_.Report(reader_.ProblemIn(e.Column(), e.Row(), e.what()));
+      output_.ReportDocument(document, " is not printed");
     }
   }
 
@@ -93,37 +72,28 @@ class ReceiptsRun {
     const bool english = TKovraMoney::EngNoteIsSafe(total);
     if (thai && english) return;
     const std::string_view lacking = thai ? "English" : english ? "Thai" : "Thai and English";
-    Report({document.row, 0, "",
-            "document " + Cp874ToUtf8Lossy(document.number) + ": no " + std::string(lacking) +
-                " words for " + Format("%.2n", {total}) + ", the figures stand alone",
-            true});
+    output_.ReportDocument(
+        document, Format(": no %s words for %.2n, the figures stand alone", {lacking, total}),
+        true);
   }
 
   void Finish() {
-    progress_.Erase();
-    if (!json_ && printed_ != 0 && dayFits_) {
-      AppendDayTotal(out_.Buffer(), day_, left_, layout_);
-    }
-    out_.Flush();
     if (!dayFits_) {
-      failed_ = true;
-      err_.Buffer() += "the day's total is out of range and not printed\n";
+      output_.Report({0, 0, "", "the day's total is out of range and not printed", false});
+    } else if (!output_.Json() && printed_ != 0) {
+      AppendDayTotal(output_.Out().Buffer(), day_, left_, layout_);
     }
-    err_.Flush();
+    output_.Finish();
   }
 
   receipts::Rules rules_;
   receipts::Layout layout_;
-  bool json_;
-  BlockWriter out_;
-  BlockWriter err_;
-  Progress progress_;
+  DayOutput output_;
   receipts::DayReader reader_;
   receipts::DayTotal day_;
   std::uint64_t printed_ = 0;
   std::uint64_t left_ = 0;
   bool dayFits_ = true;
-  bool failed_ = false;
 };
 
 std::function<int(const Stdio&)> MakeReceipts(const Options& options, const Plan& plan) {

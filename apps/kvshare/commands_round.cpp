@@ -1,8 +1,8 @@
 #include <memory>
 
-#include "apps/kvshare/amounts.h"
 #include "apps/kvshare/commands.h"
 #include "apps/kvshare/roundmodes.h"
+#include "apps/receipts/amounts.h"
 #include "kvshare/money/money.h"
 #include "kvshare/settings/catalogue.h"
 
@@ -51,7 +51,7 @@ Transform MakeRound(const RoundOptions& options) {
   }
   const bool unlisted = IsUnlistedCode(options.mode, options.Codes());
   return OnAmounts("amount", [mode = *mode, unlisted](Currency amount, Row& row) {
-    AppendFourDecimals(row.Cell("rounded"), TKovraMoney::Round_Baht(amount, mode));
+    receipts::AppendFourDecimals(row.Cell("rounded"), TKovraMoney::Round_Baht(amount, mode));
     if (unlisted) row.Warn("the code is in no list: the amount stays as it is");
   });
 }
@@ -73,8 +73,8 @@ Transform MakeShare(const std::string& percent) {
                      Currency share;
                      Currency rest;
                      TKovraMoney::ShareValue(amount, percent, share, rest);
-                     AppendFourDecimals(row.Cell("share"), share);
-                     AppendFourDecimals(row.Cell("rest"), rest);
+                     receipts::AppendFourDecimals(row.Cell("share"), share);
+                     receipts::AppendFourDecimals(row.Cell("rest"), rest);
                    });
 }
 

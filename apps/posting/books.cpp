@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "apps/kvshare/amounts.h"
+#include "apps/receipts/amounts.h"
 #include "kvshare/data/sqlquery.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/settings/sqldialect.h"
@@ -25,7 +25,7 @@ std::string IsNumber(std::string_view column) {
 // With a point, whatever separator the user's locale has.
 std::string Literal(Currency amount) {
   std::string text;
-  app::AppendFourDecimals(text, amount);
+  receipts::AppendFourDecimals(text, amount);
   return text;
 }
 

@@ -6,9 +6,9 @@
 #include "kvshare/database/sqlfunc.h"
 #include "kvshare/database/sqlreplication.h"
 #include "kvshare/database/sqlrights.h"
+#include "kvshare/database/sqltransaction.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/format.h"
-#include "kvshare/settings/globals.h"
 
 namespace kvshare::posting {
 
@@ -16,37 +16,6 @@ namespace {
 
 using receipts::Document;
 using receipts::Receipt;
-
-// All of a document or nothing of it.
-class Transaction {
- public:
-  explicit Transaction(TSQLConnection& connection) : connection_(connection) {
-    description_.TransactionID = static_cast<std::uint32_t>(++KovraTranactionId);
-    connection_.StartTransaction(description_);
-  }
-  ~Transaction() {
-    if (!done_) TryRollback();
-  }
-  Transaction(const Transaction&) = delete;
-  Transaction& operator=(const Transaction&) = delete;
-
-  void Commit() {
-    connection_.Commit(description_);
-    done_ = true;
-  }
-
- private:
-  void TryRollback() noexcept {
-    try {
-      if (connection_.InTransaction()) connection_.Rollback(description_);
-    } catch (const Exception&) {  // NOLINT(bugprone-empty-catch): the first error is on its way
-    }
-  }
-
-  TSQLConnection& connection_;
-  TTransactionDesc description_;
-  bool done_ = false;
-};
 
 void RequireNumberThatFits(std::string_view number) {
   if (number.size() <= kLongestNumber) return;
@@ -103,7 +72,7 @@ void Poster::Log(const Document& document, const Receipt& receipt, std::string_v
 }
 
 void Poster::Write(const Document& document, const Receipt& receipt, std::string_view sendNumber) {
-  Transaction transaction(connection_);
+  StatementTransaction transaction(connection_);  // all of a document or nothing of it
   WriteHead(document, receipt, sendNumber);
   for (std::size_t i = 0; i < document.lines.size(); ++i) WriteLine(document, receipt, i);
   transaction.Commit();

@@ -2,7 +2,7 @@
 
 #include <charconv>
 
-#include "apps/kvshare/amounts.h"
+#include "apps/receipts/amounts.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/strutils.h"
@@ -66,20 +66,20 @@ TDateTime ParseDate(std::string_view cell) {
 
 Currency ParseVatRate(std::string_view cell) {
   const bool sign = cell.ends_with('%');
-  const Currency rate = app::ParseAmount(sign ? cell.substr(0, cell.size() - 1) : cell);
+  const Currency rate = ParseAmount(sign ? cell.substr(0, cell.size() - 1) : cell);
   if (rate < 0_baht || rate > 100_baht) Refuse(cell, "is no VAT rate: 0 to 100 per cent");
   return rate;
 }
 
 Currency ParsePrice(std::string_view cell) {
-  const Currency price = app::ParseAmount(cell);
+  const Currency price = ParseAmount(cell);
   if (price < 0_baht) Refuse(cell, "is negative: a credit note has negative quantities");
   return price;
 }
 
 Currency ParseDiscount(std::string_view cell, Currency quantity) {
   if (cell.empty()) return {};
-  const Currency discount = app::ParseAmount(cell);
+  const Currency discount = ParseAmount(cell);
   if (discount < 0_baht && quantity >= 0_baht) Refuse(cell, "is negative: no discount");
   return quantity < 0_baht && discount > 0_baht ? -discount : discount;
 }

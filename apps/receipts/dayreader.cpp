@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "apps/kvshare/amounts.h"
+#include "apps/receipts/amounts.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/strutils.h"
@@ -189,7 +189,7 @@ void DayReader::TakeLine(std::uint64_t line, Cells cells, Document& document) {
     if (cell.empty()) throw EConvertError("the item has no name");
     out.item = cell;
   });
-  read(Column::Quantity, [&](std::string_view cell) { out.quantity = app::ParseAmount(cell); });
+  read(Column::Quantity, [&](std::string_view cell) { out.quantity = ParseAmount(cell); });
   read(Column::Price, [&](std::string_view cell) { out.price = ParsePrice(cell); });
   read(Column::Discount,
        [&](std::string_view cell) { out.discount = ParseDiscount(cell, out.quantity); });

@@ -2,7 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "apps/kvshare/amounts.h"
+#include "apps/receipts/amounts.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/formatdatetime.h"
 #include "kvshare/rtl/formatfloat.h"
@@ -15,7 +15,7 @@ using Json = nlohmann::ordered_json;
 
 std::string Decimals(Currency amount) {
   std::string text;
-  app::AppendDecimals(text, amount);
+  AppendDecimals(text, amount);
   return text;
 }
 

@@ -4,6 +4,7 @@
 
 #include "kvshare/os/appendfile.h"
 #include "kvshare/os/files.h"
+#include "kvshare/os/registry.h"
 #include "kvshare/platform/verinfo.h"
 #include "kvshare/platform/win32.h"
 #include "kvshare/rtl/datetime.h"
@@ -49,20 +50,26 @@ void Archive(const std::string& logFile, const std::string& month) {
   }
 }
 
-// Gives the moment of the write, which lies in the log's month. Two programs may see the month
-// change at once: the second one waits for the first, and looks again.
+// The month is stored before the rename and stands only when the rename does, so that no store that
+// cannot be written lets each line make an archive. While one program is in here the user's others
+// wait at the transaction, and then see that it is done.
+TDateTime BeginMonth(const std::string& logFile) {
+  TDateTime moment;
+  os::InOneRegistryTransaction([&] {
+    moment = Now();
+    const std::string stored = StoredMonth();
+    const std::string month = MonthOf(moment);
+    if (stored == month) return;
+    MyKovraRegistry->WriteRegistryString("", MonthSection(), kMonthValue, month);
+    if (FileExists(logFile)) Archive(logFile, stored);
+  });
+  return moment;
+}
+
+// Gives the moment of the write, which lies in the log's month.
 TDateTime RollOver(const std::string& logFile) {
   const TDateTime moment = Now();
-  if (StoredMonth() == MonthOf(moment)) return moment;
-
-  const os::FileHold hold(logFile);
-  const TDateTime later = Now();
-  const std::string stored = StoredMonth();
-  const std::string month = MonthOf(later);
-  if (stored == month) return later;
-  if (FileExists(logFile)) Archive(logFile, stored);
-  MyKovraRegistry->WriteRegistryString("", MonthSection(), kMonthValue, month);
-  return later;
+  return StoredMonth() == MonthOf(moment) ? moment : BeginMonth(logFile);
 }
 
 std::string InOneLine(std::string_view text) {

@@ -16,6 +16,8 @@ namespace kvshare {
 std::int32_t KovraTranactionId = 0;
 std::string KovraSQLEMessage;
 
+namespace {
+
 void ShowSQLError(std::string_view message) {
   MessageDlg(message, TMsgDlgType::mtError, {TMsgDlgBtn::mbOK}, 0);
 }
@@ -23,36 +25,6 @@ void ShowSQLError(std::string_view message) {
 void ShowStatementError(std::string_view message, std::string_view statement) {
   ShowSQLError(Format("พบข้อผิดพลาด\r\n%s\r\nขณะทำคำสั่ง\r\n%s"_th, {message, statement}));
 }
-
-StatementTransaction::StatementTransaction(TSQLConnection& connection) : connection_(connection) {
-  const std::uint32_t id = static_cast<std::uint32_t>(KovraTranactionId) + 1;
-  KovraTranactionId = static_cast<std::int32_t>(id);
-  description_.TransactionID = id;
-  try {
-    connection_.StartTransaction(description_);
-  } catch (...) {
-    TryRollback();
-    throw;
-  }
-}
-
-StatementTransaction::~StatementTransaction() {
-  if (!done_) TryRollback();
-}
-
-void StatementTransaction::Commit() {
-  connection_.Commit(description_);
-  done_ = true;
-}
-
-void StatementTransaction::TryRollback() noexcept {
-  try {
-    if (connection_.InTransaction()) connection_.Rollback(description_);
-  } catch (const Exception&) {  // NOLINT(bugprone-empty-catch): the first error is on its way
-  }
-}
-
-namespace {
 
 void Configure(TSQLConnection& connection, std::string_view name) {
   connection.SetConnectionName(name);

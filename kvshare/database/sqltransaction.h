@@ -1,13 +1,16 @@
-// The transaction of one run of statements. Internal.
+// Several statements as one.
 #pragma once
 
 #include "kvshare/data/sqlconnection.h"
+#include "kvshare/export.h"
 
 namespace kvshare {
 
-// Begins under the next KovraTranactionId, read committed. Ends with a rollback unless it was
-// committed; what goes wrong with the rollback stays behind the error that led to it.
-class StatementTransaction {
+// Begins a transaction under the next KovraTranactionId, read committed, and ends it with a
+// rollback unless it was committed; what goes wrong with the rollback stays behind the error that
+// led to it. Throws what TSQLConnection throws; one that cannot begin, because the program has
+// begun one itself, rolls that back as the runners of statements do.
+class KVSHARE_API StatementTransaction {
  public:
   explicit StatementTransaction(TSQLConnection& connection);
   ~StatementTransaction();
@@ -23,9 +26,5 @@ class StatementTransaction {
   TTransactionDesc description_;
   bool done_ = false;
 };
-
-// The error box of the SQL helpers, and that of a statement.
-void ShowSQLError(std::string_view message);
-void ShowStatementError(std::string_view message, std::string_view statement);
 
 }  // namespace kvshare

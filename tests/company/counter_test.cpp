@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <fstream>
 
 #include "kvshare/database/sqlreplication.h"
@@ -15,11 +14,6 @@ namespace kvshare {
 namespace {
 
 using Counter = ServerCompany;
-
-int Asked(const char* name, int usual) {
-  const char* asked = std::getenv(name);
-  return asked == nullptr ? usual : std::atoi(asked);
-}
 
 TEST_F(Counter, NobodyTakesANumberTwice) {
   const int processes = 8;

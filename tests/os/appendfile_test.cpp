@@ -127,27 +127,5 @@ TEST(AppendToFile, ManyProcessesKeepTheirLinesWhole) {
   for (int process = 0; process < kProcesses; ++process) EXPECT_EQ(next[process], kLines);
 }
 
-TEST(FileHold, MakesAppendsWaitWhereverTheNameGoes) {
-  const TemporaryFolder folder;
-  const std::string file = folder.File("log");
-  os::AppendToFile(file, "old\r\n");
-  Pipe opened;
-  std::optional<ChildProcess> writer;
-  {
-    const os::FileHold hold(file);
-    writer.emplace([&] {
-      os::AppendToFile(file, "late\r\n");
-      return opened.Write(1);
-    });
-    ::usleep(50'000);
-    EXPECT_EQ(ReadFileBytes(file), "old\r\n");
-  }
-  EXPECT_TRUE(writer->Held());
-  EXPECT_EQ(ReadFileBytes(file), "old\r\nlate\r\n");
-
-  const os::FileHold missing(folder.File("none"));
-  EXPECT_FALSE(FileExists(folder.File("none")));
-}
-
 }  // namespace
 }  // namespace kvshare

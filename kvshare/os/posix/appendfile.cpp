@@ -110,19 +110,4 @@ void AppendToFile(std::string_view name, std::string_view bytes) {
   if (const int error = file.Close(); error != 0) posix::Fail(path, error);
 }
 
-struct FileHold::Handle {
-  posix::Descriptor file;
-};
-
-FileHold::FileHold(std::string_view name) {
-  try {
-    handle_ = std::make_unique<Handle>(Handle{posix::OpenForAppending(NativePath(name), 0)});
-    if (handle_->file.IsOpen()) posix::Lock(handle_->file);
-  } catch (const EInOutError&) {
-    return;  // a name that no file can have
-  }
-}
-
-FileHold::~FileHold() = default;
-
 }  // namespace kvshare::os

@@ -1,4 +1,4 @@
-#include "apps/kvshare/amounts.h"
+#include "apps/receipts/amounts.h"
 
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/format.h"
@@ -6,7 +6,7 @@
 #include "kvshare/rtl/strutils.h"
 #include "kvshare/text/strings.h"
 
-namespace kvshare::app {
+namespace kvshare::receipts {
 
 Currency ParseAmount(std::string_view text) {
   const std::string_view trimmed = Trim(text);
@@ -29,4 +29,4 @@ void AppendDecimals(std::string& out, Currency amount) {
   AppendFormatFloat(out, "0.00##", amount);
 }
 
-}  // namespace kvshare::app
+}  // namespace kvshare::receipts

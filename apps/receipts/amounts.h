@@ -6,7 +6,7 @@
 
 #include "kvshare/rtl/currency.h"
 
-namespace kvshare::app {
+namespace kvshare::receipts {
 
 // The amount of a text (code page 874): blanks around it and thousands commas are dropped, the rest
 // is read as StrToCurr does. Throws EConvertError with the text as it was given.
@@ -18,4 +18,4 @@ void AppendFourDecimals(std::string& out, Currency amount);
 // At least two decimals, up to four where they are not zero, no thousands: 1234.50, 0.3333. Exact.
 void AppendDecimals(std::string& out, Currency amount);
 
-}  // namespace kvshare::app
+}  // namespace kvshare::receipts
