@@ -10,7 +10,6 @@
 #include "kvshare/database/sqlfunc.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
-#include "kvshare/rtl/formatsettings.h"
 #include "kvshare/rtl/strutils.h"
 
 namespace kvshare::app {
@@ -63,14 +62,11 @@ RowForm FormAsked(const Options& options, bool json) {
 
 void PrintQuery(TSQLConnection& connection, const std::string& sql, RowForm form,
                 const Stdio& stdio) {
-  FormatSettings = TFormatSettings::UsEnglish();
-  FormatSettings.LongTimeFormat = "hh:nn:ss";
   TSQLQuery query;
   query.SetSQLConnection(&connection);
   WithoutBoxes([&] { RunSQL(query, sql, true); });
   BlockWriter out(stdio.out, "standard output");
   WriteRows(query, form, out);
-  out.Flush();
 }
 
 constexpr std::string_view kStandardInput = "-";

@@ -1,195 +1,231 @@
 #include "apps/kvshare/rowset.h"
-#include "apps/kvshare/legible.h"
 
 #include <algorithm>
+#include <cmath>
+#include <memory>
 #include <string>
 #include <vector>
 
-#include "apps/kvshare/moments.h"
+#include "apps/kvshare/fieldtext.h"
+#include "apps/kvshare/legible.h"
 #include "apps/kvshare/row.h"
 #include "kvshare/rtl/cp874.h"
+#include "kvshare/rtl/exceptions.h"
 
 namespace kvshare::app {
 
 namespace {
 
-void AppendHex(std::string& out, std::string_view bytes) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  for (const char c : bytes) {
-    const auto byte = static_cast<unsigned char>(c);
-    out.push_back(kDigits[byte >> 4]);
-    out.push_back(kDigits[byte & 15]);
-  }
-}
-
-// A value in code page 874; "" for Null.
-std::string TextOf(const TField& field) {
-  std::string text;
-  switch (FormOf(field.DataType())) {
-    case TFieldForm::Bytes:
-      AppendHex(text, field.AsString());
-      break;
-    case TFieldForm::Date:
-    case TFieldForm::Moment:
-      if (!field.IsNull()) AppendIso(text, field.AsDateTime());
-      break;
-    default:
-      field.AppendString(text);
-  }
-  return text;
-}
-
-class Table {
+// One way to print rows. What is printed is appended as UTF-8.
+class RowPrinter {
  public:
-  Table(TSQLQuery& query, BlockWriter& out) : query_(query), out_(out) {}
+  explicit RowPrinter(const TSQLQuery& query) {
+    for (int i = 0; i < query.FieldCount(); ++i) fields_.push_back(&query.Fields(i));
+  }
+  virtual ~RowPrinter() = default;
+  RowPrinter(const RowPrinter&) = delete;
+  RowPrinter& operator=(const RowPrinter&) = delete;
 
-  void Write() {
-    std::vector<std::vector<std::string>> first = TakeFirst();
-    WriteHeading();
-    for (const auto& cells : first) WriteCells(cells);
-    for (; !query_.Eof(); query_.Next()) WriteCells(Cells());
+  virtual void Begin(std::string& /*out*/) {}
+  virtual void Print(std::string& out) = 0;  // the current row
+  virtual void End(std::string& /*out*/) {}
+
+ protected:
+  const std::vector<const TField*>& Fields() const { return fields_; }
+
+  // In code page 874, valid until the next call.
+  const std::string& Value(const TField& field) {
+    value_.clear();
+    AppendField(value_, field);
+    return value_;
   }
 
  private:
-  static constexpr std::size_t kMeasured = 500;
-
-  std::vector<std::string> Cells() const {
-    std::vector<std::string> cells;
-    cells.reserve(names_.size());
-    for (int i = 0; i < query_.FieldCount(); ++i) {
-      cells.push_back(Legible(TextOf(query_.Fields(i)), ' '));
-    }
-    return cells;
-  }
-
-  std::vector<std::vector<std::string>> TakeFirst() {
-    for (int i = 0; i < query_.FieldCount(); ++i) {
-      names_.push_back(Legible(query_.Fields(i).FieldName(), ' '));
-      widths_.push_back(DisplayWidth(names_.back()));
-      numeric_.push_back(IsNumeric(query_.Fields(i).DataType()));
-    }
-    std::vector<std::vector<std::string>> rows;
-    for (; !query_.Eof() && rows.size() < kMeasured; query_.Next()) {
-      rows.push_back(Cells());
-      for (std::size_t i = 0; i < widths_.size(); ++i) {
-        widths_[i] = std::max(widths_[i], DisplayWidth(rows.back()[i]));
-      }
-    }
-    return rows;
-  }
-
-  void WriteHeading() {
-    WriteCells(names_);
-    std::string& line = out_.Buffer();
-    for (std::size_t i = 0; i < widths_.size(); ++i) {
-      line.append(i == 0 ? "" : "  ").append(widths_[i], '-');
-    }
-    out_.EndLine();
-  }
-
-  void WriteCells(const std::vector<std::string>& cells) {
-    std::string& line = out_.Buffer();
-    for (std::size_t i = 0; i < cells.size(); ++i) {
-      const std::size_t width = DisplayWidth(cells[i]);
-      const std::size_t blanks = widths_[i] - std::min(width, widths_[i]);
-      const bool last = i + 1 == cells.size();
-      line.append(i == 0 ? "" : "  ");
-      if (numeric_[i]) line.append(blanks, ' ');
-      line += Cp874ToUtf8Lossy(cells[i]);
-      if (!numeric_[i] && !last) line.append(blanks, ' ');
-    }
-    out_.EndLine();
-  }
-
-  TSQLQuery& query_;
-  BlockWriter& out_;
-  std::vector<std::string> names_;
-  std::vector<std::size_t> widths_;
-  std::vector<bool> numeric_;
+  std::vector<const TField*> fields_;
+  std::string value_;
 };
 
-void AppendCsv(std::string& out, std::string_view text, bool quoted) {
-  if (!quoted && text.find_first_of(",\"\r\n") == std::string_view::npos) {
-    AppendUtf8(out, text);
-    return;
-  }
-  out.push_back('"');
-  for (std::size_t from = 0;;) {
-    const std::size_t quote = text.find('"', from);
-    AppendUtf8(out, text.substr(from, quote - from));
-    if (quote == std::string_view::npos) break;
-    out.append("\"\"");
-    from = quote + 1;
-  }
-  out.push_back('"');
-}
-
-void WriteCsv(TSQLQuery& query, BlockWriter& out) {
-  const int count = query.FieldCount();
-  std::string& line = out.Buffer();
-  for (int i = 0; i < count; ++i) {
-    if (i != 0) line.push_back(',');
-    AppendCsv(line, query.Fields(i).FieldName(), false);
-  }
-  line.append("\r\n");
-  for (; !query.Eof(); query.Next()) {
-    for (int i = 0; i < count; ++i) {
-      if (i != 0) line.push_back(',');
-      const TField& field = query.Fields(i);
-      const std::string text = TextOf(field);
-      if (!field.IsNull()) AppendCsv(line, text, text.empty());
+class TablePrinter : public RowPrinter {
+ public:
+  explicit TablePrinter(const TSQLQuery& query) : RowPrinter(query) {
+    Cells names;
+    for (const TField* field : Fields()) {
+      names.push_back(Legible(field->FieldName(), ' '));
+      widths_.push_back(DisplayWidth(names.back()));
     }
-    line.append("\r\n");
-    out.EndBlock();
+    first_.push_back(std::move(names));
   }
-  out.EndBlock();
-}
 
-void AppendJsonValue(std::string& out, const TField& field) {
-  if (field.IsNull()) {
-    out += "null";
-    return;
-  }
-  switch (FormOf(field.DataType())) {
-    case TFieldForm::Integer:
-      field.AppendString(out);
-      break;
-    case TFieldForm::Boolean:
-      out += field.AsBoolean() ? "true" : "false";
-      break;
-    default:
-      AppendJsonString(out, Cp874ToUtf8(TextOf(field)));
-  }
-}
-
-void WriteJson(TSQLQuery& query, BlockWriter& out) {
-  for (; !query.Eof(); query.Next()) {
-    std::string& line = out.Buffer();
-    line.push_back('{');
-    for (int i = 0; i < query.FieldCount(); ++i) {
-      if (i != 0) line.push_back(',');
-      AppendJsonString(line, Cp874ToUtf8(query.Fields(i).FieldName()));
-      line.push_back(':');
-      AppendJsonValue(line, query.Fields(i));
+  void Print(std::string& out) override {
+    Cells cells;
+    for (const TField* field : Fields()) cells.push_back(Legible(Value(*field), ' '));
+    if (!measuring_) return PrintCells(out, cells);
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+      widths_[i] = std::max(widths_[i], DisplayWidth(cells[i]));
     }
-    line.push_back('}');
-    out.EndLine();
+    first_.push_back(std::move(cells));
+    if (first_.size() > kMeasured) PrintFirst(out);
   }
+
+  void End(std::string& out) override {
+    if (measuring_) PrintFirst(out);
+  }
+
+ private:
+  using Cells = std::vector<std::string>;
+  static constexpr std::size_t kMeasured = 500;
+
+  // The names, a line, and the rows that were measured.
+  void PrintFirst(std::string& out) {
+    measuring_ = false;
+    PrintCells(out, first_.front());
+    for (std::size_t i = 0; i < widths_.size(); ++i) {
+      out.append(i == 0 ? "" : "  ").append(widths_[i], '-');
+    }
+    out += '\n';
+    for (std::size_t i = 1; i < first_.size(); ++i) PrintCells(out, first_[i]);
+    first_.clear();
+  }
+
+  void PrintCells(std::string& out, const Cells& cells) const {
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+      const std::size_t blanks = widths_[i] - std::min(DisplayWidth(cells[i]), widths_[i]);
+      const bool toTheRight = IsNumeric(Fields()[i]->DataType());
+      const bool last = i + 1 == cells.size();
+      if (i != 0) out += "  ";
+      if (toTheRight) out.append(blanks, ' ');
+      AppendUtf8(out, cells[i]);
+      if (!toTheRight && !last) out.append(blanks, ' ');
+    }
+    out += '\n';
+  }
+
+  bool measuring_ = true;
+  std::vector<Cells> first_;
+  std::vector<std::size_t> widths_;
+};
+
+class CsvPrinter : public RowPrinter {
+ public:
+  using RowPrinter::RowPrinter;
+
+  void Begin(std::string& out) override {
+    PrintLine(out, [this](std::string& line, const TField& field) {
+      AppendText(line, field.FieldName());
+    });
+  }
+
+  void Print(std::string& out) override {
+    PrintLine(out, [this](std::string& line, const TField& field) {
+      if (!field.IsNull()) AppendText(line, Value(field));
+    });
+  }
+
+ private:
+  template <typename AppendCell>
+  void PrintLine(std::string& out, AppendCell append) {
+    bool first = true;
+    for (const TField* field : Fields()) {
+      if (!first) out += ',';
+      first = false;
+      append(out, *field);
+    }
+    out += "\r\n";
+  }
+
+  void AppendText(std::string& out, std::string_view text) {
+    if (!text.empty() && text.find_first_of(",\"\r\n") == std::string_view::npos) {
+      AppendUtf8(out, text);
+      return;
+    }
+    quoted_ = '"';
+    for (const char c : text) quoted_.append(c == '"' ? 2 : 1, c);
+    quoted_ += '"';
+    AppendUtf8(out, quoted_);
+  }
+
+  std::string quoted_;
+};
+
+class JsonPrinter : public RowPrinter {
+ public:
+  explicit JsonPrinter(const TSQLQuery& query) : RowPrinter(query) {
+    for (const TField* field : Fields()) {
+      names_.emplace_back(names_.empty() ? "{" : ",");
+      AppendJsonString(names_.back(), Cp874ToUtf8(field->FieldName()));
+      names_.back() += ':';
+    }
+  }
+
+  void Print(std::string& out) override {
+    for (std::size_t i = 0; i < names_.size(); ++i) {
+      out += names_[i];
+      AppendValue(out, *Fields()[i]);
+    }
+    out += "}\n";
+  }
+
+ private:
+  static bool IsBare(const TField& field) {
+    switch (FormOf(field.DataType())) {
+      case TFieldForm::Integer:
+      case TFieldForm::Boolean:
+        return true;
+      case TFieldForm::Real:
+        return std::isfinite(field.AsFloat());
+      default:
+        return false;
+    }
+  }
+
+  void AppendValue(std::string& out, const TField& field) {
+    if (field.IsNull()) {
+      out += "null";
+    } else if (IsBare(field)) {
+      out += Value(field);
+    } else {
+      AppendJsonString(out, Cp874ToUtf8(Value(field)));
+    }
+  }
+
+  std::vector<std::string> names_;  // with what stands around them
+};
+
+std::unique_ptr<RowPrinter> PrinterOf(RowForm form, const TSQLQuery& query) {
+  switch (form) {
+    case RowForm::Csv:
+      return std::make_unique<CsvPrinter>(query);
+    case RowForm::Json:
+      return std::make_unique<JsonPrinter>(query);
+    case RowForm::Table:
+      break;
+  }
+  return std::make_unique<TablePrinter>(query);
 }
 
 }  // namespace
 
 void WriteRows(TSQLQuery& query, RowForm form, BlockWriter& out) {
-  switch (form) {
-    case RowForm::Table:
-      Table(query, out).Write();
-      break;
-    case RowForm::Csv:
-      WriteCsv(query, out);
-      break;
-    case RowForm::Json:
-      WriteJson(query, out);
-      break;
+  const std::unique_ptr<RowPrinter> printer = PrinterOf(form, query);
+  std::uint64_t row = 1;
+  std::size_t whole = 0;  // how much of the buffer is complete lines
+  const auto keep = [&] {
+    out.EndBlock();
+    whole = out.Buffer().size();
+  };
+  try {
+    printer->Begin(out.Buffer());
+    for (keep(); !query.Eof(); ++row, query.Next()) {
+      printer->Print(out.Buffer());
+      keep();
+    }
+    printer->End(out.Buffer());
+    out.Flush();
+  } catch (const Exception& e) {
+    out.Buffer().resize(whole);
+    printer->End(out.Buffer());
+    out.Flush();
+    throw Exception("row " + std::to_string(row) + ": " + e.Message());
   }
 }
 

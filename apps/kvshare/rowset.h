@@ -10,8 +10,8 @@ namespace kvshare::app {
 
 enum class RowForm : std::uint8_t { Table, Csv, Json };
 
-// Writes an open query from its current row on. Numbers have all their digits and a point, dates
-// are yyyy-mm-ddThh:mm:ss, bytes hexadecimal.
+// Writes an open query from its current row on, values as AppendField does. What cannot be read or
+// converted throws with the row's number, after the rows before it were written.
 //   Table  columns as wide as the first rows need, numbers to the right; Null and "" both blank
 //   Csv    a heading, CR LF, Null is nothing and "" is `""`
 //   Json   an object a line; decimals are strings, so that no reader makes them floats

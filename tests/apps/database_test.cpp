@@ -4,6 +4,7 @@
 
 #include <csignal>
 
+#include "kvshare/rtl/formatsettings.h"
 #include "tests/apps/shop.h"
 
 namespace kvshare::app {
@@ -25,11 +26,14 @@ class DatabaseCommands : public Shop {
     ExpectDone(
         Batch("\xEF\xBB\xBF"
               "CREATE TABLE ITEM (CODE VARCHAR(8) PRIMARY KEY, NAME TEXT,\r\n"
-              "  PRICE DECIMAL_TEXT(19,4) COLLATE DECIMAL, SOLD DATETIME, N INTEGER, P BLOB);\r\n"
-              "INSERT INTO ITEM VALUES ('A', 'ปากกา', '12.5', '2026-11-24', NULL, x'00ff');\n"
-              "INSERT INTO ITEM\nVALUES ('B', 'a,\"b\"', '900719925474099.3125',\n"
-              "  '2026-11-24 10:11:12', 5, NULL); -- in one transaction with the others\n"
-              "INSERT INTO ITEM VALUES ('C', '', NULL, NULL, -1, NULL)"));
+              "  PRICE DECIMAL_TEXT(19,4) COLLATE DECIMAL, RATE DOUBLE, SOLD DATETIME, DAY DATE,\n"
+              "  AT TIME, OPEN BOOLEAN, N INTEGER, P BLOB);\r\n"
+              "INSERT INTO ITEM VALUES ('A', 'ปากกา', '12.5', 0.1, '2026-11-24', '2026-11-24',\n"
+              "  '09:07:00.250', 1, NULL, x'00ff');\n"
+              "INSERT INTO ITEM (CODE, NAME, PRICE, SOLD, N)\n"
+              "VALUES ('B', 'a,\"b\"', '900719925474099.3125', '2026-11-24 10:11:12', 5)\n"
+              "; -- in one transaction with the others\n"
+              "INSERT INTO ITEM (CODE, NAME, N) VALUES ('C', '', -1)"));
   }
 };
 
@@ -37,34 +41,59 @@ TEST_F(DatabaseCommands, RowsAsTableCsvAndJson) {
   MakeItems();
   const struct {
     std::vector<std::string> form;
-    std::string out;
+    std::string columns, out;
   } cases[] = {
       {{},
-       "CODE  NAME                  PRICE  SOLD                  N  P\n"
-       "----  -----  --------------------  -------------------  --  ----\n"
-       "A     ปากกา                  12.5  2026-11-24               00FF\n"
-       "B     a,\"b\"  900719925474099.3125  2026-11-24T10:11:12   5  \n"
-       "C                                                       -1  \n"},
+       "CODE, NAME, PRICE, SOLD, N",
+       "CODE  NAME                  PRICE  SOLD                  N\n"
+       "----  -----  --------------------  -------------------  --\n"
+       "A     ปากกา               12.5000  2026-11-24T00:00:00    \n"
+       "B     a,\"b\"  900719925474099.3125  2026-11-24T10:11:12   5\n"
+       "C                                                       -1\n"},
       {{"--csv"},
-       "CODE,NAME,PRICE,SOLD,N,P\r\n"
-       "A,ปากกา,12.5,2026-11-24,,00FF\r\n"
-       "B,\"a,\"\"b\"\"\",900719925474099.3125,2026-11-24T10:11:12,5,\r\n"
-       "C,\"\",,,-1,\r\n"},
+       "*",
+       "CODE,NAME,PRICE,RATE,SOLD,DAY,AT,OPEN,N,P\r\n"
+       "A,ปากกา,12.5000,0.1,2026-11-24T00:00:00,2026-11-24,09:07:00.250,true,,00FF\r\n"
+       "B,\"a,\"\"b\"\"\",900719925474099.3125,,2026-11-24T10:11:12,,,,5,\r\n"
+       "C,\"\",,,,,,,-1,\r\n"},
       {{"--json"},
-       "{\"CODE\":\"A\",\"NAME\":\"ปากกา\",\"PRICE\":\"12.5\",\"SOLD\":\"2026-11-24\",\"N\":null,"
-       "\"P\":\"00FF\"}\n"
-       "{\"CODE\":\"B\",\"NAME\":\"a,\\\"b\\\"\",\"PRICE\":\"900719925474099.3125\","
-       "\"SOLD\":\"2026-11-24T10:11:12\",\"N\":5,\"P\":null}\n"
-       "{\"CODE\":\"C\",\"NAME\":\"\",\"PRICE\":null,\"SOLD\":null,\"N\":-1,\"P\":null}\n"},
+       "NAME, PRICE, RATE, SOLD, AT, OPEN, N, P",
+       R"({"NAME":"ปากกา","PRICE":"12.5000","RATE":0.1,"SOLD":"2026-11-24T00:00:00",)"
+       R"("AT":"09:07:00.250","OPEN":true,"N":null,"P":"00FF"})"
+       "\n"
+       R"({"NAME":"a,\"b\"","PRICE":"900719925474099.3125","RATE":null,)"
+       R"("SOLD":"2026-11-24T10:11:12","AT":null,"OPEN":null,"N":5,"P":null})"
+       "\n"
+       R"({"NAME":"","PRICE":null,"RATE":null,"SOLD":null,"AT":null,"OPEN":null,"N":-1,"P":null})"
+       "\n"},
   };
+  const TFormatSettings before = FormatSettings;
+  FormatSettings.DecimalSeparator = ',';
+  FormatSettings.TimeSeparator = '.';
   for (const auto& c : cases) {
     std::vector<std::string> arguments = {"sql", "--connect", "SHOP",
-                                          "SELECT * FROM ITEM ORDER BY CODE"};
+                                          "SELECT " + c.columns + " FROM ITEM ORDER BY CODE"};
     arguments.insert(arguments.end(), c.form.begin(), c.form.end());
     const Outcome got = Run(arguments);
     EXPECT_EQ(got.out, c.out);
     ExpectDone(got);
   }
+  FormatSettings = before;
+}
+
+TEST_F(DatabaseCommands, RowsBeforeABadOneAreWritten) {
+  ExpectDone(
+      Batch("CREATE TABLE T (A TEXT);\nINSERT INTO T VALUES ('ok');\n"
+            "INSERT INTO T VALUES (char(128512));\n"));
+  const std::pair<const char*, const char*> cases[] = {{"--csv", "A\r\nok\r\n"},
+                                                       {"--json", "{\"A\":\"ok\"}\n"}};
+  for (const auto& [form, out] : cases) {
+    const Outcome got = Run({"sql", "--connect", "SHOP", form, "SELECT A FROM T"});
+    EXPECT_EQ(got.out, out);
+    EXPECT_THAT(got.err, StartsWith("kvshare: row 2: Field 'A': No letter U+1F600"));
+    EXPECT_EQ(got.status, 1);
+  }
+  EXPECT_EQ(Sql("SELECT A FROM T").out, "A\n--\nok\n");
 }
 
 TEST_F(DatabaseCommands, ControlCharactersSteerNoTerminal) {

@@ -1,6 +1,5 @@
 // What goes wrong between a program and a server.
 #include <chrono>
-#include <csignal>
 #include <thread>
 
 #include "kvshare/database/dbxconf.h"
@@ -8,6 +7,7 @@
 #include "kvshare/database/sqlfunc.h"
 #include "kvshare/rtl/inifile.h"
 #include "tests/company/faults.h"
+#include "tests/servers/serverprocess.h"
 
 namespace kvshare {
 namespace {
@@ -47,18 +47,15 @@ TEST_F(Faults, NobodyListens) {
   EXPECT_THAT(Boxes(), SizeIs(1));
 }
 
-// Run alone, on a server of its own.
 TEST_F(Faults, TheServerIsKilledInTheMiddleOfABatch) {
-  const int pid = TIniFile(GetDbxConnectFileName()).ReadInteger(kAlias, "ServerPid", 0);
-  ASSERT_GT(pid, 1);
   TStringList batch;
   constexpr int kMoreThanItGetsThrough = 500'000;
   for (int i = 0; i < kMoreThanItGetsThrough; ++i) {
     batch.Add("INSERT INTO T VALUES (" + std::to_string(i) + ", 'a');");
   }
-  std::thread killer([pid] {
+  std::thread killer([] {
     std::this_thread::sleep_for(std::chrono::milliseconds(200));
-    ::kill(pid, SIGKILL);
+    KillServer();
   });
   const TSQLBatchReport report = RunSQLBatch(*connection_, batch);
   killer.join();
@@ -68,6 +65,10 @@ TEST_F(Faults, TheServerIsKilledInTheMiddleOfABatch) {
   connection_->Close();
   EXPECT_FALSE(RunExecSQL(*connection_, "DELETE FROM T", true)) << "nobody there";
   EXPECT_THAT(Boxes(), SizeIs(1));
+
+  RunServerAgain();
+  EXPECT_EQ(Ask("SELECT COUNT(*) FROM T"), "0");
+  EXPECT_TRUE(RunExecSQL(*connection_, "INSERT INTO T VALUES (1, 'a')", true));
 }
 
 }  // namespace

@@ -2,13 +2,18 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <thread>
 
+#include "kvshare/data/sqlconnection.h"
+#include "kvshare/database/sqlreplication.h"
 #include "tests/drivers/server.h"
+#include "tests/os/childprocess.h"
+#include "tests/servers/serverprocess.h"
 
 namespace kvshare {
 namespace {
@@ -46,6 +51,48 @@ TEST(Cluster, OfTwoWhoWriteOneRowTheSecondGetsAConflict) {
   EXPECT_EQ(KindOfFailure([&second] { second->Commit(); }), Kind::Conflict);
   second->Rollback();
   EXPECT_THAT(RowsOf(*second, "SELECT v FROM kv_balance"), ElementsAre(ElementsAre("11")));
+}
+
+// Each node has its own copy of the counter: of two who take a number at once one is told so at its
+// commit, and takes another one.
+TEST(Cluster, NoSendNumberIsGivenTwice) {
+  constexpr int kTakes = 100;
+  constexpr int kNodes[] = {1, 2, 3, 1};
+  CreateTable(*ConnectedTo(1), "KOVRASYNC",
+              "SYN_KEY INTEGER NOT NULL PRIMARY KEY, SYN_TABLENAME VARCHAR(20),"
+              " SYN_LASTSEND VARCHAR(17), SYN_LASTUPD VARCHAR(17)");
+  RowsOf(*ConnectedTo(2), "SELECT COUNT(*) FROM KOVRASYNC");
+  RowsOf(*ConnectedTo(3), "SELECT COUNT(*) FROM KOVRASYNC");
+  Pipe taken;
+  std::vector<ChildProcess> children;
+  for (const int node : kNodes) {
+    children.emplace_back([node, &taken] {
+      TSQLConnection own;
+      own.SetDriverName("MYSQL");
+      own.LibraryName = KVSHARE_DRIVERS "/" + std::string(CurrentDialect().library);
+      own.GetDriverFunc = CurrentDialect().entry;
+      for (const auto& [key, value] : ParametersOfFile(NodeFile(node))) {
+        own.Params.SetValue(key, value);
+      }
+      for (int i = 0; i < kTakes; ++i) {
+        if (!taken.Write(std::stol(TakeNextRpl(own)))) return false;
+      }
+      return true;
+    });
+  }
+  taken.CloseWriter();  // the end comes when the last child is gone
+  std::vector<long> numbers;
+  for (std::size_t i = 0; i < std::size(kNodes) * kTakes; ++i) {
+    long number = 0;
+    if (!taken.Read(number)) break;
+    numbers.push_back(number);
+  }
+  for (ChildProcess& child : children) EXPECT_TRUE(child.Held());
+  std::ranges::sort(numbers);
+  ASSERT_EQ(numbers.size(), std::size(kNodes) * kTakes);
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
+    ASSERT_EQ(numbers[i], static_cast<long>(i) + 1);
+  }
 }
 
 // A program that posts documents, each of several lines in one transaction, through any node that

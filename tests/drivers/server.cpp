@@ -3,29 +3,11 @@
 #include <dlfcn.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <fstream>
 #include <stdexcept>
 
+#include "tests/servers/serverprocess.h"
+
 namespace kvshare {
-namespace {
-
-ConnectionParameters LinesOf(const std::string& name) {
-  std::ifstream in(name);
-  ConnectionParameters lines;
-  for (std::string line; std::getline(in, line);) {
-    const std::size_t equals = line.find('=');
-    lines.emplace_back(line.substr(0, equals), line.substr(equals + 1));
-  }
-  return lines;
-}
-
-std::string CurrentFile() {
-  const char* name = std::getenv("KVSHARE_SERVER_PARAMETERS");
-  return name != nullptr ? name : "";
-}
-
-}  // namespace
 
 data::DriverEntry CurrentDriverEntry() {
   const std::string file = std::string(KVSHARE_DRIVERS "/") + CurrentDialect().library;
@@ -37,24 +19,13 @@ data::DriverEntry CurrentDriverEntry() {
 }
 
 ConnectionParameters ParametersOfFile(const std::string& name) {
-  ConnectionParameters parameters = LinesOf(name);
+  ConnectionParameters parameters = ServerLines(name);
   std::erase_if(parameters, [](const auto& item) { return item.first == "ServerPid"; });
   return parameters;
 }
 
-int PidOfFile(const std::string& name) {
-  for (const auto& [key, value] : LinesOf(name)) {
-    if (key == "ServerPid") return std::stoi(value);
-  }
-  throw std::runtime_error("no ServerPid in " + name);
-}
-
 ConnectionParameters ServerParameters() {
-  return ParametersOfFile(CurrentFile());
-}
-
-int ServerPid() {
-  return PidOfFile(CurrentFile());
+  return ParametersOfFile(ServerFile());
 }
 
 ConnectionPointer MakeConnection() {

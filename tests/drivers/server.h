@@ -19,11 +19,9 @@ data::DriverEntry CurrentDriverEntry();
 
 // Of a file that tests/servers/with-server or scripts/check-cluster has written.
 ConnectionParameters ParametersOfFile(const std::string& name);
-int PidOfFile(const std::string& name);
 
 // Of the server that this program runs beside.
 ConnectionParameters ServerParameters();
-int ServerPid();
 
 ConnectionPointer MakeConnection();  // closed
 ConnectionPointer Connected();
