@@ -101,42 +101,41 @@ bool Rows::Next() {
   return !done_;
 }
 
-int Rows::Type(int column) const {
-  return detached_ ? sqlite3_value_type(Kept(column))
-                   : sqlite3_column_type(statement_.get(), column);
+// Asked for as a value, a column costs one look into the statement, however it is read then.
+sqlite3_value* Rows::Current(int column) const {
+  return detached_ ? kept_.front()[static_cast<std::size_t>(column)].get()
+                   : sqlite3_column_value(statement_.get(), column);
 }
 
 bool Rows::IsNull(int column) const {
-  return Type(column) == SQLITE_NULL;
+  return sqlite3_value_type(Current(column)) == SQLITE_NULL;
 }
 
 std::int64_t Rows::Integer(int column) const {
-  return detached_ ? sqlite3_value_int64(Kept(column))
-                   : sqlite3_column_int64(statement_.get(), column);
+  return sqlite3_value_int64(Current(column));
 }
 
 double Rows::Float(int column) const {
-  return detached_ ? sqlite3_value_double(Kept(column))
-                   : sqlite3_column_double(statement_.get(), column);
+  return sqlite3_value_double(Current(column));
+}
+
+std::string_view Rows::DigitsOf(double value) const {
+  std::array<char, 400> text;  // 309 digits before the point at most
+  const auto end =
+      std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed);
+  digits_.assign(text.data(), end.ptr);
+  return digits_;
 }
 
 std::string_view Rows::Text(int column) const {
+  sqlite3_value* value = Current(column);
   const data::ColumnKind kind = columns_[static_cast<std::size_t>(column)].kind;
-  if (kind == data::ColumnKind::Decimal && Type(column) == SQLITE_FLOAT) {
-    std::array<char, 400> text{};  // 309 digits before the point at most
-    const auto end = std::to_chars(text.data(), text.data() + text.size(), Float(column),
-                                   std::chars_format::fixed);
-    digits_.assign(text.data(), end.ptr);
-    return digits_;
+  if (kind == data::ColumnKind::Decimal && sqlite3_value_type(value) == SQLITE_FLOAT) {
+    return DigitsOf(sqlite3_value_double(value));
   }
   // As bytes where it is a text or bytes already: both are UTF-8 then. The length comes last.
-  if (detached_) {
-    const void* bytes = sqlite3_value_blob(Kept(column));
-    const int size = sqlite3_value_bytes(Kept(column));
-    return {static_cast<const char*>(bytes), static_cast<std::size_t>(size)};
-  }
-  const void* bytes = sqlite3_column_blob(statement_.get(), column);
-  const int size = sqlite3_column_bytes(statement_.get(), column);
+  const void* bytes = sqlite3_value_blob(value);
+  const int size = sqlite3_value_bytes(value);
   return {static_cast<const char*>(bytes), static_cast<std::size_t>(size)};
 }
 

@@ -44,10 +44,8 @@ class Rows : public data::Cursor {
   bool Step();
   void Describe(int column, bool row);
   void Keep();
-  sqlite3_value* Kept(int column) const {
-    return kept_.front()[static_cast<std::size_t>(column)].get();
-  }
-  int Type(int column) const;
+  sqlite3_value* Current(int column) const;
+  std::string_view DigitsOf(double value) const;
 
   sqlite3* database_;
   Statement statement_;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "kvshare/rtl/format.h"
+#include "kvshare/rtl/digits.h"
 #include "kvshare/rtl/types.h"
 
 namespace kvshare::data {
@@ -36,23 +36,31 @@ std::optional<Digits> TakeApart(std::string_view text) {
   return sound ? std::optional(digits) : std::nullopt;
 }
 
-// The number times 10^places, rounded half to even; nothing past 2^64.
-std::optional<Int128> Scaled(const Digits& digits, std::size_t places) {
-  constexpr Int128 kMost = Int128{1} << 64;
-  Int128 value = 0;
-  for (const char c : digits.whole) {
-    value = value * 10 + (c - '0');
-    if (value > kMost) return std::nullopt;
-  }
+// The digits times 10^places, rounded half to even, where Int has room for all of them.
+template <typename Int>
+Int Magnitude(const Digits& digits, std::size_t places) {
+  Int value = 0;
+  for (const char c : digits.whole) value = value * 10 + (c - '0');
   for (std::size_t i = 0; i < places; ++i) {
     value = value * 10 + (i < digits.decimals.size() ? digits.decimals[i] - '0' : 0);
-    if (value > kMost) return std::nullopt;
   }
   if (digits.decimals.size() > places) {
     const std::string_view rest = digits.decimals.substr(places);
     const bool tail = rest.find_first_not_of('0', 1) != std::string_view::npos;
     if (rest[0] > '5' || (rest[0] == '5' && (tail || value % 2 != 0))) ++value;
   }
+  return value;
+}
+
+// Nothing for numbers that are far past every range that is asked for.
+std::optional<Int128> Scaled(Digits digits, std::size_t places) {
+  constexpr std::size_t kDigitsOfInt64 = 18;
+  constexpr std::size_t kMostDigits = 30;
+  digits.whole.remove_prefix(std::min(digits.whole.find_first_not_of('0'), digits.whole.size()));
+  const std::size_t count = digits.whole.size() + places;
+  if (count > kMostDigits) return std::nullopt;
+  const Int128 value = count <= kDigitsOfInt64 ? Magnitude<std::int64_t>(digits, places)
+                                               : Magnitude<Int128>(digits, places);
   return digits.negative ? -value : value;
 }
 
@@ -156,20 +164,53 @@ std::optional<TDateTime> MomentOfText(std::string_view text) {
   return time ? std::optional(JoinDateTime(*date, *time)) : std::nullopt;
 }
 
-std::string TextOfDate(TDateTime moment) {
+namespace {
+
+// yyyy-mm-dd
+void AppendDateDigits(std::string& out, TDateTime moment) {
   const TDateParts date = DecodeDate(moment);
-  return Format("%.4d-%.2d-%.2d", {int{date.Year}, int{date.Month}, int{date.Day}});
+  char text[] = "0000-00-00";
+  digits::PutPair(text, date.Year / 100U);
+  digits::PutPair(text + 2, date.Year % 100U);
+  digits::PutPair(text + 5, date.Month);
+  digits::PutPair(text + 8, date.Day);
+  out.append(text, sizeof text - 1);
+}
+
+// hh:mm:ss[.fff]
+void AppendTimeDigits(std::string& out, TDateTime moment) {
+  const TTimeParts time = DecodeTime(moment);
+  char text[] = "00:00:00.000";
+  constexpr std::size_t kSeconds = 8;
+  digits::PutPair(text, time.Hour);
+  digits::PutPair(text + 3, time.Minute);
+  digits::PutPair(text + 6, time.Second);
+  text[9] = static_cast<char>('0' + time.MilliSecond / 100);
+  digits::PutPair(text + 10, time.MilliSecond % 100U);
+  out.append(text, time.MilliSecond != 0 ? sizeof text - 1 : kSeconds);
+}
+
+}  // namespace
+
+std::string TextOfDate(TDateTime moment) {
+  std::string text;
+  AppendDateDigits(text, moment);
+  return text;
 }
 
 std::string TextOfTime(TDateTime moment) {
-  const TTimeParts time = DecodeTime(moment);
-  std::string text = Format("%.2d:%.2d:%.2d", {int{time.Hour}, int{time.Minute}, int{time.Second}});
-  if (time.MilliSecond != 0) AppendFormat(text, ".%.3d", {int{time.MilliSecond}});
+  std::string text;
+  AppendTimeDigits(text, moment);
   return text;
 }
 
 std::string TextOfMoment(TDateTime moment) {
-  return TextOfDate(moment) + " " + TextOfTime(moment);
+  std::string text;
+  text.reserve(sizeof "yyyy-mm-dd hh:mm:ss.fff");
+  AppendDateDigits(text, moment);
+  text.push_back(' ');
+  AppendTimeDigits(text, moment);
+  return text;
 }
 
 }  // namespace kvshare::data

@@ -130,7 +130,8 @@ std::string Cp874ToUtf8Lossy(std::string_view cp874) {
 
 void AppendCp874(std::string& out, std::string_view utf8) {
   const std::size_t before = out.size();
-  out.reserve(before + utf8.size());
+  out.resize(before + utf8.size());  // no letter has more bytes here than there
+  char* to = out.data() + before;
   try {
     for (std::size_t at = 0; at < utf8.size();) {
       char byte = utf8[at];
@@ -145,12 +146,13 @@ void AppendCp874(std::string& out, std::string_view utf8) {
         if (!known) ThrowNoLetter(letter, start);
         byte = static_cast<char>(*known);
       }
-      out.push_back(byte);
+      *to++ = byte;
     }
   } catch (...) {
     out.resize(before);
     throw;
   }
+  out.resize(static_cast<std::size_t>(to - out.data()));
 }
 
 std::string Utf8ToCp874(std::string_view utf8) {
