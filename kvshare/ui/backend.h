@@ -31,7 +31,9 @@ class KVSHARE_API TUserInterface {
   // take (TWinControl::SetFrame).
   virtual void PrepareForm(TForm& form);
   // Comes last there: lets the user work with the form, and returns its ModalResult once that is
-  // not mrNone. A back end that shows no forms answers as Esc does, then as the close box.
+  // not mrNone. A back end with a user shows him a handler's Exception, unless it is an EAbort, and
+  // the form stays, also where ModalResult was set before it. A back end that shows no forms
+  // answers as Esc does, then as the close box.
   virtual int ShowModalForm(TForm& form);
 
   // The screen's size, 0 by 0 where there is none.

@@ -171,8 +171,9 @@ std::string ReplyTo(TForm& form, std::string_view utf8) {
     const std::string_view told = Obey(form, line);
     if (!told.empty()) return Message(told);
   } catch (const EAbort&) {
-    error.clear();  // the handler has said all
+    form.ModalResult = mrNone;  // the handler has said all
   } catch (const Exception& e) {
+    form.ModalResult = mrNone;  // a button that has failed closes nothing
     error = Message(e.Message());
   }
   return ShownForm(form) + error;
@@ -186,6 +187,7 @@ int TalkAboutForm(TForm& form, const os::Console& console) {
     console.Write(reply + "> ");
     const std::optional<std::string> line = console.ReadLine();
     if (!line) {
+      console.Write("\n");
       form.Dismiss();
       break;
     }
