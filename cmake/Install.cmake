@@ -38,7 +38,10 @@ set(internal_headers
   rtl/textcursor.h
   settings/loadentry.h
   settings/placeholders.h
-  settings/programlocale.h)
+  settings/programlocale.h
+  ui/consoleform.h
+  ui/consoleparts.h
+  ui/consoletext.h)
 foreach(header IN LISTS internal_headers)
   list(APPEND not_these PATTERN ${header} EXCLUDE)
 endforeach()

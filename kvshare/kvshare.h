@@ -42,6 +42,8 @@
 #include "kvshare/ui/controls.h"
 #include "kvshare/ui/messages.h"
 #include "kvshare/ui/printing.h"
+#include "kvshare/ui/stdcontrols.h"
+#include "kvshare/ui/stringgrid.h"
 
 // Start, shared settings, messages
 #include "kvshare/settings/catalogue.h"

@@ -1,12 +1,38 @@
-// The program's standard error, for messages to whoever watches it. Inside the library.
+// The program's talk with whoever watches it. Inside the library.
 #pragma once
 
+#include <optional>
+#include <string>
 #include <string_view>
+
+#include "kvshare/export.h"
 
 namespace kvshare::os {
 
-// Writes the bytes with one call where the system takes them at once, so that the messages of
-// several programs do not mix. There is nobody to tell of a failure.
-void WriteStandardError(std::string_view bytes);
+// Where lines are read and messages written; by numbers of open files, which stay the caller's.
+class KVSHARE_API Console {
+ public:
+  static constexpr int kStandardInput = 0;
+  static constexpr int kStandardError = 2;
+
+  explicit Console(int input = kStandardInput, int output = kStandardError)
+      : input_(input), output_(output) {}
+
+  // Whether both are terminals, so that somebody is there to answer.
+  bool IsTerminal() const;
+
+  // Writes the bytes with one call where the system takes them at once, so that the messages of
+  // several programs do not mix. There is nobody to tell of a failure.
+  void Write(std::string_view bytes) const;
+
+  // The next line without its end; nothing at the end of the input or where it cannot be read. No
+  // byte behind the line is taken from the program, which may read on. A last line without an end
+  // counts.
+  std::optional<std::string> ReadLine() const;
+
+ private:
+  int input_;
+  int output_;
+};
 
 }  // namespace kvshare::os

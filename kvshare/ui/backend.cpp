@@ -1,8 +1,12 @@
 #include "kvshare/ui/backend.h"
 
+#include <utility>
+
 #include "kvshare/os/console.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
+#include "kvshare/ui/consoleform.h"
+#include "kvshare/ui/consoletext.h"
 
 namespace kvshare {
 
@@ -14,24 +18,23 @@ TUserInterface*& InForce() {
   return inForce;
 }
 
-// A box's text for a terminal, in code page 874: lines end with LF alone, and no byte of a message,
-// which may come from a server, steers the terminal.
-void AppendShown(std::string& out, std::string_view text) {
-  constexpr char kNoLetter = '\xFF';
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const char c = text[i];
-    if (c == '\r') {
-      if (i + 1 == text.size() || text[i + 1] != '\n') out += '\n';
-    } else if (c == '\n' || c == '\t') {
-      out += c;
-    } else {
-      const auto byte = static_cast<unsigned char>(c);
-      out += byte < 0x20 || byte == 0x7F ? kNoLetter : c;
-    }
-  }
+}  // namespace
+
+void TUserInterface::PrepareForm(TForm& /*form*/) {}
+
+int TUserInterface::ShowModalForm(TForm& form) {
+  form.Dismiss();
+  return form.ModalResult;
 }
 
-}  // namespace
+TSize TUserInterface::ScreenSize() {
+  return {};
+}
+
+int TUserInterface::TextHeight(std::string_view /*text*/) {
+  constexpr int kUsual = 13;
+  return kUsual;
+}
 
 TPicture TUserInterface::CaptureScreen() {
   throw EOSError("There is no screen");
@@ -50,13 +53,21 @@ TSpooler& TUserInterface::Spooler() {
 int TConsoleInterface::ShowMessage(const TMessageBox& message) {
   std::string shown;
   if (const std::string caption = message.Caption(); !caption.empty()) {
-    AppendShown(shown, caption);
+    AppendLines(shown, caption);
     shown += ": ";
   }
-  AppendShown(shown, message.text);
+  AppendLines(shown, message.text);
   if (!shown.ends_with('\n')) shown += '\n';
-  os::WriteStandardError(Cp874ToUtf8Lossy(shown));
+  os::Console(input_, output_).Write(Cp874ToUtf8Lossy(shown));
   return message.EscapeResult();
+}
+
+int TConsoleInterface::ShowModalForm(TForm& form) {
+  const os::Console console(input_, output_);
+  if (console.IsTerminal()) return TalkAboutForm(form, console);
+  console.Write(ShownForm(form));
+  form.Dismiss();
+  return form.ModalResult;
 }
 
 int THeadlessInterface::ShowMessage(const TMessageBox& message) {
@@ -65,6 +76,17 @@ int THeadlessInterface::ShowMessage(const TMessageBox& message) {
   const int answer = answers.front();
   answers.pop_front();
   return answer;
+}
+
+int THeadlessInterface::ShowModalForm(TForm& form) {
+  shown.push_back(form.Caption());
+  if (!steps.empty()) {
+    const auto step = std::move(steps.front());
+    steps.pop_front();
+    step(form);
+  }
+  if (form.ModalResult == mrNone) form.Dismiss();
+  return form.ModalResult;
 }
 
 TUserInterface& UserInterface() {

@@ -1,6 +1,20 @@
 #include "kvshare/ui/controls.h"
 
+#include <algorithm>
+
 namespace kvshare {
+
+TControl::TControl(TComponent* owner, std::string_view name)
+    : TControl(owner, name, dynamic_cast<TForm*>(owner)) {}
+
+TControl::TControl(TComponent* owner, std::string_view name, TForm* parent)
+    : TComponent(owner, name), parent_(parent) {
+  if (parent_ != nullptr) parent_->controls_.push_back(this);
+}
+
+TControl::~TControl() {
+  if (parent_ != nullptr) parent_->Remove(*this);
+}
 
 void TControl::SetLeft(int left) {
   TBounds bounds = bounds_;
@@ -24,6 +38,17 @@ void TControl::SetHeight(int height) {
   TBounds bounds = bounds_;
   bounds.Height = height;
   SetBounds(bounds);
+}
+
+TWinControl::TWinControl(TComponent* owner, std::string_view name) : TControl(owner, name) {
+  if (Parent() == nullptr) return;
+  for (const TWinControl* other : Parent()->TabList()) {
+    if (other != this) TabOrder = std::max(TabOrder, other->TabOrder + 1);
+  }
+}
+
+bool TWinControl::CanFocus() const {
+  return Visible() && Enabled() && (Parent() == nullptr || Parent()->CanFocus());
 }
 
 }  // namespace kvshare

@@ -1,15 +1,33 @@
-// Forms and controls as models: a back end with windows follows them.
+// Forms and controls as models: a back end with windows follows them, a test drives them without a
+// display. Captions and texts are code page 874. Handlers run inside the call that causes them;
+// what they throw reaches the caller. What a user does is a method that answers whether the control
+// took it: a disabled or hidden one takes nothing.
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "kvshare/export.h"
 #include "kvshare/rtl/component.h"
 #include "kvshare/rtl/stringlist.h"
+#include "kvshare/ui/messages.h"
 
 namespace kvshare {
+
+class TButton;
+class TForm;
+
+using TNotifyEvent = std::function<void()>;
+
+// Pixels, as everything here.
+struct TSize {
+  int Width = 0;
+  int Height = 0;
+  bool operator==(const TSize&) const = default;
+};
 
 struct TBounds {
   int Left = 0;
@@ -21,7 +39,13 @@ struct TBounds {
 
 class KVSHARE_API TControl : public TComponent {
  public:
-  using TComponent::TComponent;
+  // A control whose owner is a form is shown by it, until either is destroyed.
+  explicit TControl(TComponent* owner, std::string_view name = "");
+  ~TControl() override;
+  TControl(const TControl&) = delete;
+  TControl& operator=(const TControl&) = delete;
+
+  TForm* Parent() const { return parent_; }  // the form that shows it, nullptr for none
 
   int Left() const { return bounds_.Left; }
   int Top() const { return bounds_.Top; }
@@ -38,16 +62,48 @@ class KVSHARE_API TControl : public TComponent {
 
   bool Visible() const { return visible_; }
   virtual void SetVisible(bool visible) { visible_ = visible; }
+  bool Enabled() const { return enabled_; }
+  virtual void SetEnabled(bool enabled) { enabled_ = enabled; }
+  const std::string& Caption() const { return caption_; }
+  virtual void SetCaption(std::string_view caption) { caption_ = std::string(caption); }
+
+ protected:
+  TControl(TComponent* owner, std::string_view name, TForm* parent);
 
  private:
+  friend class TForm;
+  TForm* parent_;
   TBounds bounds_;
+  std::string caption_;
   bool visible_ = true;
+  bool enabled_ = true;
 };
 
 // A control that can hold others and have the keyboard.
 class KVSHARE_API TWinControl : public TControl {
  public:
+  explicit TWinControl(TComponent* owner, std::string_view name = "");
+
+  // Visible and enabled, and so is the form.
+  bool CanFocus() const;
+
+  // The place among the form's controls that Tab walks, lowest first; equal ones as they were made.
+  // At first after all that the form has already.
+  int TabOrder = 0;
+
+  // The size without the frame: title, borders, scroll bars. Those take nothing until a back end
+  // with windows tells it; a frame leaves the bounds as they are.
+  int ClientWidth() const { return Width() - frame_.Width; }
+  int ClientHeight() const { return Height() - frame_.Height; }
+  void SetClientWidth(int width) { SetWidth(width + frame_.Width); }
+  void SetClientHeight(int height) { SetHeight(height + frame_.Height); }
+  virtual void SetFrame(TSize frame) { frame_ = frame; }
+
+ protected:
   using TControl::TControl;
+
+ private:
+  TSize frame_;
 };
 
 enum class TWindowState : std::uint8_t { wsNormal, wsMinimized, wsMaximized };
@@ -61,17 +117,76 @@ enum class TFormBorderStyle : std::uint8_t {
   bsSizeToolWin,
 };
 
+enum class TPosition : std::uint8_t {
+  poDesigned,      // where its bounds are
+  poScreenCenter,  // in the middle of the screen at each show
+};
+
 class KVSHARE_API TForm : public TWinControl {
  public:
-  using TWinControl::TWinControl;
+  explicit TForm(TComponent* owner, std::string_view name = "");
+  ~TForm() override;
+
+  // As they were made.
+  const std::vector<TControl*>& Controls() const { return controls_; }
+  // Those that can have the keyboard at times, in the order in which Tab walks them.
+  std::vector<TWinControl*> TabList() const;
 
   TWindowState WindowState() const { return state_; }
   virtual void SetWindowState(TWindowState state) { state_ = state; }
 
+  // The inner size stays and the bounds follow.
+  void SetFrame(TSize frame) override;
+
   TFormBorderStyle BorderStyle = TFormBorderStyle::bsSizeable;
+  TPosition Position = TPosition::poDesigned;
+
+  TNotifyEvent OnCreate;
+  TNotifyEvent OnShow;
+
+  // Runs OnCreate, once: for whoever has made the form. ShowModal does it where nobody has.
+  void Create();
+
+  // An mr value ends ShowModal.
+  int ModalResult = mrNone;
+
+  // Shows the form until ModalResult is not mrNone, and returns it. It is mrNone when OnShow runs;
+  // a form whose OnShow sets it is not shown. The keyboard is where ActiveControl says, else with
+  // the first control that can have it. Not for a form that is shown already.
+  int ShowModal();
+
+  // The control that has the keyboard, nullptr for none. One that cannot have it, or that another
+  // form shows, is not taken.
+  TWinControl* ActiveControl() const { return active_; }
+  void SetActiveControl(TWinControl* control);
+
+  // The button of Enter and that of Esc: the first that can be clicked, else the first, else
+  // nullptr.
+  TButton* DefaultButton() const;
+  TButton* CancelButton() const;
+
+  // The user's keys. Enter clicks the button that has the keyboard, else the default one; in a memo
+  // that can be written it starts a line. Esc clicks the cancel button; without one it closes the
+  // form. Tab goes to the next control that can have the keyboard, from the last to the first.
+  bool PressEnter();
+  bool PressEsc();
+  bool MoveTab(bool back = false);
+  void Close();  // the close box: mrCancel
+
+  // Answers for a user who is not there: Esc, and the close box if the form stays. ModalResult is
+  // set afterwards.
+  void Dismiss();
 
  private:
+  friend class TControl;
+  void Remove(const TControl& control);
+  TButton* FirstButton(bool TButton::*role) const;
+  void CenterOn(TSize screen);
+
+  std::vector<TControl*> controls_;
+  TWinControl* active_ = nullptr;
   TWindowState state_ = TWindowState::wsNormal;
+  bool created_ = false;
 };
 
 }  // namespace kvshare

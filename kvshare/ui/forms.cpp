@@ -1,0 +1,123 @@
+#include <algorithm>
+#include <cstddef>
+
+#include "kvshare/ui/backend.h"
+#include "kvshare/ui/controls.h"
+#include "kvshare/ui/stdcontrols.h"
+
+namespace kvshare {
+
+TForm::TForm(TComponent* owner, std::string_view name) : TWinControl(owner, name, nullptr) {}
+
+TForm::~TForm() {
+  for (TControl* control : controls_) control->parent_ = nullptr;
+}
+
+void TForm::Remove(const TControl& control) {
+  std::erase(controls_, &control);
+  if (active_ == &control) active_ = nullptr;
+}
+
+std::vector<TWinControl*> TForm::TabList() const {
+  std::vector<TWinControl*> list;
+  for (TControl* control : controls_) {
+    if (auto* with = dynamic_cast<TWinControl*>(control)) list.push_back(with);
+  }
+  std::ranges::stable_sort(list, {}, &TWinControl::TabOrder);
+  return list;
+}
+
+void TForm::SetFrame(TSize frame) {
+  TBounds bounds = Bounds();
+  bounds.Width = ClientWidth() + frame.Width;
+  bounds.Height = ClientHeight() + frame.Height;
+  TWinControl::SetFrame(frame);
+  SetBounds(bounds);
+}
+
+void TForm::CenterOn(TSize screen) {
+  TBounds bounds = Bounds();
+  bounds.Left = std::max(0, (screen.Width - bounds.Width) / 2);
+  bounds.Top = std::max(0, (screen.Height - bounds.Height) / 2);
+  SetBounds(bounds);
+}
+
+void TForm::Create() {
+  if (created_) return;
+  created_ = true;
+  if (OnCreate) OnCreate();
+}
+
+int TForm::ShowModal() {
+  TUserInterface& backEnd = UserInterface();
+  Create();
+  backEnd.PrepareForm(*this);
+  if (Position == TPosition::poScreenCenter) CenterOn(backEnd.ScreenSize());
+  ModalResult = mrNone;
+  if (active_ == nullptr || !active_->CanFocus()) MoveTab();
+  if (OnShow) OnShow();
+  return ModalResult != mrNone ? ModalResult : backEnd.ShowModalForm(*this);
+}
+
+void TForm::SetActiveControl(TWinControl* control) {
+  if (control == nullptr || (control->Parent() == this && control->CanFocus())) active_ = control;
+}
+
+TButton* TForm::FirstButton(bool TButton::*role) const {
+  TButton* first = nullptr;
+  for (TControl* control : controls_) {
+    auto* button = dynamic_cast<TButton*>(control);
+    if (button == nullptr || !(button->*role)) continue;
+    if (button->CanFocus()) return button;
+    if (first == nullptr) first = button;
+  }
+  return first;
+}
+
+TButton* TForm::DefaultButton() const {
+  return FirstButton(&TButton::Default);
+}
+
+TButton* TForm::CancelButton() const {
+  return FirstButton(&TButton::Cancel);
+}
+
+bool TForm::PressEnter() {
+  if (active_ != nullptr && active_->CanFocus()) {
+    if (auto* memo = dynamic_cast<TMemo*>(active_); memo != nullptr && !memo->ReadOnly) {
+      return memo->TypeText("\r\n");
+    }
+    if (auto* button = dynamic_cast<TButton*>(active_)) return button->Click();
+  }
+  TButton* button = DefaultButton();
+  return button != nullptr && button->Click();
+}
+
+bool TForm::PressEsc() {
+  if (TButton* button = CancelButton()) return button->Click();
+  Close();
+  return true;
+}
+
+bool TForm::MoveTab(bool back) {
+  std::vector<TWinControl*> list = TabList();
+  if (back) std::ranges::reverse(list);
+  // Walked from behind the active control once around; without one, from the first.
+  const auto active = std::ranges::find(list, active_);
+  if (active != list.end()) std::rotate(list.begin(), active + 1, list.end());
+  const auto next = std::ranges::find_if(list, &TWinControl::CanFocus);
+  if (next == list.end()) return false;
+  active_ = *next;
+  return true;
+}
+
+void TForm::Close() {
+  ModalResult = mrCancel;
+}
+
+void TForm::Dismiss() {
+  PressEsc();
+  if (ModalResult == mrNone) Close();
+}
+
+}  // namespace kvshare
