@@ -408,6 +408,7 @@ TEST_P(DriverSuite, AQueryIsReadWhileStatementsRun) {
 }
 
 TEST_P(DriverSuite, MemoryDoesNotGrowWithTheRows) {
+  if (!GetParam().streams) GTEST_SKIP() << "this client reads all rows before the first";
   CreateTable("T " + GetParam().memo);
   connection_->StartTransaction({});
   const std::string filler(4000, 'x');

@@ -39,6 +39,7 @@ struct DriverCase {
   std::string foreignLetter;  // an SQL expression for the letter U+4E2D
 
   bool ddlRollsBack = true;  // a CREATE TABLE is undone with its transaction
+  bool streams = true;       // the server's client does not read all rows before the first
   bool keepsMilliseconds = true;
   // The greatest amount that a column of `money` can hold is Currency's own.
   bool wholeCurrency = true;
