@@ -166,11 +166,13 @@ std::optional<TDateTime> MomentOfText(std::string_view text) {
 
 namespace {
 
-// yyyy-mm-dd
+// yyyy-mm-dd; a moment can lie past 9999, in a year of five digits
 void AppendDateDigits(std::string& out, TDateTime moment) {
   const TDateParts date = DecodeDate(moment);
+  constexpr unsigned kFiveDigits = 10'000;
+  if (date.Year >= kFiveDigits) out.push_back(static_cast<char>('0' + date.Year / kFiveDigits));
   char text[] = "0000-00-00";
-  digits::PutPair(text, date.Year / 100U);
+  digits::PutPair(text, date.Year % kFiveDigits / 100U);
   digits::PutPair(text + 2, date.Year % 100U);
   digits::PutPair(text + 5, date.Month);
   digits::PutPair(text + 8, date.Day);
