@@ -1,5 +1,6 @@
 #include "kvshare/data/field.h"
 
+#include <random>
 #include <variant>
 #include <vector>
 
@@ -7,6 +8,7 @@
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/format.h"
 #include "kvshare/rtl/formatsettings.h"
 #include "tests/support.h"
 
@@ -98,6 +100,26 @@ TEST_F(Field, AsString) {
   for (const Case& c : cases) EXPECT_EQ(set_.Show(c.type, c.cell).AsString(), c.want) << c.want;
   FormatSettings.DecimalSeparator = ',';
   EXPECT_EQ(set_.Show(ftBCD, "1.50").AsString(), "1,5");
+}
+
+// Short digits are read in machine words, long ones are not: both sides of every length.
+TEST_F(Field, AmountsOfEveryLengthRoundHalfToEven) {
+  std::mt19937_64 random(1);
+  for (int i = 0; i < 20'000; ++i) {
+    const auto raw = static_cast<std::int64_t>(random() >> (1 + i % 63));  // of every length
+    const std::string sign = i % 2 == 0 ? "" : "-";
+    const std::string digits =
+        sign + std::to_string(raw / 10'000) + Format(".%.4d", {raw % 10'000});
+    const auto amount = [&](std::string_view more) {
+      const std::int64_t read = set_.Show(ftBCD, digits + std::string(more)).AsCurrency().Raw();
+      return sign.empty() ? read : -read;
+    };
+    ASSERT_EQ(amount(""), raw) << digits;
+    ASSERT_EQ(amount("4999999999"), raw) << digits;
+    if (raw == INT64_MAX) continue;
+    ASSERT_EQ(amount("5"), raw + raw % 2) << digits;
+    ASSERT_EQ(amount("500000000000000001"), raw + 1) << digits;
+  }
 }
 
 TEST_F(Field, Amounts) {

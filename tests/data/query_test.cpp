@@ -2,8 +2,12 @@
 
 #include <gmock/gmock.h>
 
+#include <cmath>
+#include <random>
+
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/format.h"
 #include "tests/data/sqlite.h"
 #include "tests/support.h"
 
@@ -167,6 +171,30 @@ TEST(Statement, Parsed) {
     const data::ParsedStatement parsed = data::ParseStatement(c.sql);
     EXPECT_EQ(parsed.text, c.text);
     EXPECT_EQ(parsed.names, c.names) << c.sql;
+  }
+}
+
+// The digits of a date are written in pairs: as Format writes them.
+TEST(Param, MomentsHaveAllTheirDigits) {
+  std::mt19937_64 random(1);
+  constexpr double kYear12000 = 3'689'000;
+  for (int i = 0; i < 20'000; ++i) {
+    const double share = static_cast<double>(random() >> 11) * 0x1p-53;
+    const TDateTime moment(std::floor(-693'000 + share * (693'000 + kYear12000)) + i % 1000 / 1e3);
+    const auto [date, time, weekDay] = DecodeDateTime(moment);
+    const std::string day =
+        Format("%.4d-%.2d-%.2d", {int{date.Year}, int{date.Month}, int{date.Day}});
+    std::string clock =
+        Format("%.2d:%.2d:%.2d", {int{time.Hour}, int{time.Minute}, int{time.Second}});
+    if (time.MilliSecond != 0) AppendFormat(clock, ".%.3d", {int{time.MilliSecond}});
+    TParam param("P");
+    const auto text = [&] { return std::get<std::string>(param.WireValue()); };
+    param.SetAsDate(moment);
+    ASSERT_EQ(text(), day);
+    param.SetAsTime(moment);
+    ASSERT_EQ(text(), clock);
+    param.SetAsDateTime(moment);
+    ASSERT_EQ(text(), day + " " + clock);
   }
 }
 
