@@ -7,8 +7,13 @@ install(TARGETS kvshare EXPORT KvShareTargets
 
 # Headers that only the library's own sources include; all others are reached from kvshare.h.
 set(internal_headers
+  data/clientrecords.h
   data/driverlibrary.h
   data/named.h
+  data/record.h
+  data/recordtable.h
+  data/roworder.h
+  data/uniqueindex.h
   data/secrets.h
   data/wireforms.h
   data/wiretexts.h

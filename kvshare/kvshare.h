@@ -70,6 +70,7 @@
 #include "kvshare/platform/win32.h"
 
 // Databases
+#include "kvshare/data/clientdataset.h"
 #include "kvshare/data/dataset.h"
 #include "kvshare/data/driver.h"
 #include "kvshare/data/errors.h"

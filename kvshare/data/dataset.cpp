@@ -29,6 +29,7 @@ void TDataSet::Open() {
 void TDataSet::Close() {
   if (!Active()) return;
   state_ = TDataSetState::dsInactive;
+  modified_ = false;
   fields_.clear();
   InternalClose();
   SetPlace(true, true, true);
@@ -41,36 +42,40 @@ void TDataSet::SetPlace(bool bof, bool eof, bool empty) {
 }
 
 void TDataSet::First() {
-  CheckActive();
+  CheckBrowseMode();
   if (bof_ && IsUniDirectional()) return;
   const bool any = InternalFirst();
   SetPlace(true, !any, !any);
+  Scrolled();
 }
 
 void TDataSet::Next() {
-  CheckActive();
+  CheckBrowseMode();
   if (eof_) return;
   const bool any = InternalNext();
   bof_ = false;
   eof_ = !any;
+  Scrolled();
 }
 
 void TDataSet::Prior() {
-  CheckActive();
+  CheckBrowseMode();
   RefuseUniDirectional();
   if (empty_ || bof_) return;
   const bool any = InternalPrior();
   bof_ = !any;
   eof_ = false;
+  Scrolled();
 }
 
 void TDataSet::Last() {
-  CheckActive();
+  CheckBrowseMode();
   RefuseUniDirectional();
   if (empty_) return;
   InternalLast();
   bof_ = false;
   eof_ = true;
+  Scrolled();
 }
 
 bool TDataSet::InternalPrior() {
@@ -81,37 +86,132 @@ bool TDataSet::InternalLast() {
   return false;
 }
 
-bool TDataSet::Locate(std::string_view /*keyFields*/, const Variant& /*keyValues*/) {
+bool TDataSet::Locate(std::string_view /*keyFields*/, std::span<const Variant> /*values*/,
+                      TLocateOptions /*options*/) {
   CheckActive();
   RefuseUniDirectional();
   return false;
 }
 
+// Sets that cannot be modified never come here: CanModify is asked before.
+void TDataSet::InternalEdit() {}
+void TDataSet::InternalInsert(bool /*append*/) {}
+void TDataSet::InternalPost() {}
+bool TDataSet::InternalCancel() {
+  return false;
+}
+bool TDataSet::InternalDelete() {
+  return false;
+}
+void TDataSet::StoreCell(TField& /*field*/, int /*column*/, const data::Cell& /*value*/) {}
+
+const TRecordReader* TDataSet::Image(TFieldImage image, const TField& field, int /*column*/) const {
+  return image == TFieldImage::Cur ? nullptr : &field.Record();
+}
+
+void TDataSet::CheckBrowseMode() {
+  CheckActive();
+  if (!IsEditing()) return;
+  modified_ ? Post() : Cancel();
+}
+
+void TDataSet::CheckStorable(const TField& field) const {
+  const bool calculated = field.FieldKind() == TFieldKind::fkCalculated ||
+                          field.FieldKind() == TFieldKind::fkInternalCalc;
+  const bool storable = state_ == TDataSetState::dsCalcFields
+                            ? calculated
+                            : IsEditing() && field.FieldKind() == TFieldKind::fkData;
+  if (!storable) DatabaseError("Dataset not in edit or insert mode", this);
+}
+
 void TDataSet::Edit() {
-  if (state_ == TDataSetState::dsEdit || state_ == TDataSetState::dsInsert) return;
+  if (IsEditing()) return;
   CheckEditable();
+  if (empty_) return Insert();
+  Tell(BeforeEdit);
+  InternalEdit();
+  modified_ = false;
+  state_ = TDataSetState::dsEdit;
+  Tell(AfterEdit);
+}
+
+void TDataSet::Begin(bool append) {
+  CheckEditable();
+  CheckBrowseMode();
+  Tell(BeforeInsert);
+  InternalInsert(append);
+  state_ = TDataSetState::dsInsert;
+  SetPlace(false, false, false);
+  Tell(OnNewRecord);
+  modified_ = false;
+  Tell(AfterInsert);
 }
 
 void TDataSet::Insert() {
-  CheckEditable();
+  Begin(false);
 }
 
 void TDataSet::Append() {
-  CheckEditable();
+  Begin(true);
 }
 
 void TDataSet::Delete() {
   CheckEditable();
+  if (state_ == TDataSetState::dsInsert) return Cancel();
+  CheckBrowseMode();
+  if (empty_) DatabaseError("Cannot perform this operation on an empty dataset", this);
+  Tell(BeforeDelete);
+  const bool any = InternalDelete();
+  SetPlace(!any, !any, !any);
+  Tell(AfterDelete);
+  Scrolled();
+}
+
+void TDataSet::CheckRequired() const {
+  for (const auto& field : fields_) {
+    const bool required =
+        field->Required() && !field->ReadOnly && field->FieldKind() == TFieldKind::fkData;
+    if (required && field->IsNull()) {
+      DatabaseError(Format("Field '%s' must have a value", {field->DisplayName()}), this);
+    }
+  }
+}
+
+void TDataSet::PostRecord() {
+  CheckRequired();
+  InternalPost();
 }
 
 void TDataSet::Post() {
   CheckActive();
-  if (state_ == TDataSetState::dsBrowse) {
-    DatabaseError("Dataset not in edit or insert mode", this);
+  if (!IsEditing()) DatabaseError("Dataset not in edit or insert mode", this);
+  Tell(BeforePost);
+  for (TDataAction action = TDataAction::daRetry; action == TDataAction::daRetry;) {
+    try {
+      PostRecord();
+      break;
+    } catch (EDatabaseError& e) {
+      action = TDataAction::daFail;
+      if (OnPostError) OnPostError(*this, e, action);
+      if (action == TDataAction::daFail) throw;
+      if (action == TDataAction::daAbort) throw EAbort("Operation aborted");
+    }
   }
+  modified_ = false;
+  state_ = TDataSetState::dsBrowse;
+  SetPlace(false, false, false);
+  Tell(AfterPost);
 }
 
-void TDataSet::Cancel() {}
+void TDataSet::Cancel() {
+  if (!IsEditing()) return;
+  Tell(BeforeCancel);
+  const bool any = InternalCancel();
+  modified_ = false;
+  state_ = TDataSetState::dsBrowse;
+  SetPlace(!any, !any, !any);
+  Tell(AfterCancel);
+}
 
 TField& TDataSet::Fields(int index) const {
   if (index < 0 || index >= FieldCount()) {
@@ -133,8 +233,13 @@ TField& TDataSet::FieldByName(std::string_view name) const {
   return *field;
 }
 
-void TDataSet::AddField(const TRecordReader& record, TFieldDef def) {
-  fields_.push_back(std::make_unique<TField>(*this, record, FieldCount(), std::move(def)));
+TField& TDataSet::AddField(const TRecordReader& record, TFieldDef def) {
+  return AddField(record, FieldCount(), std::move(def));
+}
+
+TField& TDataSet::AddField(const TRecordReader& record, int column, TFieldDef def) {
+  fields_.push_back(std::make_unique<TField>(*this, record, FieldCount(), column, std::move(def)));
+  return *fields_.back();
 }
 
 void TDataSet::CheckActive() const {

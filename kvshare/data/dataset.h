@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,6 +12,7 @@
 #include "kvshare/data/field.h"
 #include "kvshare/export.h"
 #include "kvshare/rtl/component.h"
+#include "kvshare/rtl/exceptions.h"
 
 namespace kvshare {
 
@@ -22,9 +25,24 @@ enum class TDataSetState : std::uint8_t {
   dsCalcFields,
 };
 
+// What becomes of a failed Post: its error reaches the caller, EAbort `Operation aborted` does, or
+// it is tried again.
+enum class TDataAction : std::uint8_t { daFail, daAbort, daRetry };
+
+using TDataSetNotifyEvent = std::function<void(TDataSet&)>;
+using TDataSetErrorEvent = std::function<void(TDataSet&, EDatabaseError&, TDataAction&)>;
+
+struct TLocateOptions {
+  bool loCaseInsensitive = false;
+  bool loPartialKey = false;  // texts need only begin as the values do
+};
+
 // Errors are EDatabaseErrors, `Name: ` in front where the dataset has a name. On a closed set a
 // move, Edit, Insert, Append, Delete and Post throw
 // `Cannot perform this operation on a closed dataset`.
+//
+// A move, Insert, Append and Delete first post a record that is being edited, when it was Modified,
+// or else cancel the editing.
 class KVSHARE_API TDataSet : public TComponent {
  public:
   explicit TDataSet(TComponent* owner = nullptr, std::string_view name = "");
@@ -59,14 +77,37 @@ class KVSHARE_API TDataSet : public TComponent {
   void Next();
   void Prior();
   void Last();
-  virtual bool Locate(std::string_view keyFields, const Variant& keyValues);
 
-  virtual void Edit();  // does nothing in dsEdit and dsInsert
-  virtual void Insert();
-  virtual void Append();
-  virtual void Delete();
-  virtual void Post();    // elsewhere: `Dataset not in edit or insert mode`
-  virtual void Cancel();  // elsewhere: does nothing
+  // To the first record whose fields (`CODE;DAY`) have these values, in the order of the records;
+  // else false, and the set stays where it is. Throws `Field '%s' not found`, and
+  // `Invalid value for field '%s'` for a value that the field could not have.
+  virtual bool Locate(std::string_view keyFields, std::span<const Variant> values,
+                      TLocateOptions options = {});
+  bool Locate(std::string_view keyField, const Variant& value, TLocateOptions options = {}) {
+    return Locate(keyField, std::span(&value, 1), options);
+  }
+
+  void Edit();  // does nothing in dsEdit and dsInsert; of an empty set it is Insert
+  void Insert();
+  void Append();
+  // Of a record that is being inserted it is Cancel. Throws
+  // `Cannot perform this operation on an empty dataset`.
+  void Delete();
+  // BeforePost; then the first required field that is Null is refused
+  // (`Field '%s' must have a value`), the record stored, and AfterPost told. An EDatabaseError of
+  // these two goes to OnPostError; what that throws takes its place. After a failure state and
+  // values are as before. In another state: `Dataset not in edit or insert mode`.
+  void Post();
+  void Cancel();  // elsewhere: does nothing
+
+  // Whether a value was stored since Edit, Insert or Append.
+  bool Modified() const { return modified_; }
+
+  TDataSetNotifyEvent BeforeInsert, AfterInsert, BeforeEdit, AfterEdit, BeforePost, AfterPost;
+  TDataSetNotifyEvent BeforeCancel, AfterCancel, BeforeDelete, AfterDelete, AfterScroll;
+  TDataSetNotifyEvent OnNewRecord;   // what it stores does not count as Modified
+  TDataSetNotifyEvent OnCalcFields;  // stores the calculated fields, and no others
+  TDataSetErrorEvent OnPostError;
 
   // A closed set without fields of its own has none. Throws EListError for a bad index.
   int FieldCount() const { return static_cast<int>(fields_.size()); }
@@ -86,21 +127,57 @@ class KVSHARE_API TDataSet : public TComponent {
   virtual bool InternalPrior();
   virtual bool InternalLast();
 
-  // While the set is being opened; `record` lives as long as the set.
-  void AddField(const TRecordReader& record, TFieldDef def);
+  // Of sets that can be modified. InternalPost and InternalDelete do all or nothing; the latter
+  // goes to the record behind, else to the one before, and tells whether there is one, as
+  // InternalCancel does.
+  virtual void InternalEdit();
+  virtual void InternalInsert(bool append);
+  virtual void InternalPost();
+  virtual bool InternalCancel();
+  virtual bool InternalDelete();
+
+  // What a field stores, after all checks.
+  virtual void StoreCell(TField& field, int column, const data::Cell& value);
+  // A field's column in another image of the current record; nullptr where it has no value there.
+  virtual const TRecordReader* Image(TFieldImage image, const TField& field, int column) const;
+
+  // While the set is being opened; `record` lives as long as the set. The field reads the column of
+  // its own index unless another is given.
+  TField& AddField(const TRecordReader& record, TFieldDef def);
+  TField& AddField(const TRecordReader& record, int column, TFieldDef def);
+  void ForgetFields() { fields_.clear(); }
 
   void CheckActive() const;
+  // Ends a pending edit as a move does.
+  void CheckBrowseMode();
   void SetState(TDataSetState state) { state_ = state; }
+  void SetModified(bool modified) { modified_ = modified; }
   void SetPlace(bool bof, bool eof, bool empty);
+  void Scrolled() {
+    if (AfterScroll) AfterScroll(*this);
+  }
 
  private:
+  friend class TField;
+
+  bool IsEditing() const {
+    return state_ == TDataSetState::dsEdit || state_ == TDataSetState::dsInsert;
+  }
+  void CheckStorable(const TField& field) const;
   void CheckEditable() const;
+  void CheckRequired() const;
   void RefuseUniDirectional() const;
+  void Begin(bool append);
+  void PostRecord();
+  void Tell(const TDataSetNotifyEvent& event) {
+    if (event) event(*this);
+  }
 
   TDataSetState state_ = TDataSetState::dsInactive;
   bool bof_ = true;
   bool eof_ = true;
   bool empty_ = true;
+  bool modified_ = false;
   std::vector<std::unique_ptr<TField>> fields_;
 };
 

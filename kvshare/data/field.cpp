@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <utility>
 
 #include "kvshare/data/dataset.h"
 #include "kvshare/data/errors.h"
@@ -41,10 +42,11 @@ constexpr double kMostAmount = 922337203685477.5807;
 
 }  // namespace
 
-TField::TField(TDataSet& dataset, const TRecordReader& record, int column, TFieldDef def)
+TField::TField(TDataSet& dataset, const TRecordReader& record, int index, int column, TFieldDef def)
     : TComponent(&dataset),
       dataset_(dataset),
-      record_(record),
+      record_(&record),
+      index_(index),
       column_(column),
       form_(FormOf(def.DataType)),
       def_(std::move(def)) {}
@@ -78,22 +80,22 @@ void TField::AppendString(std::string& out) const {
   switch (form_) {
     case TFieldForm::Text:
       try {
-        record_.AppendCharacters(out, column_);
+        Record().AppendCharacters(out, column_);
       } catch (const EConvertError& e) {
         DatabaseError(Format("Field '%s': %s", {DisplayName(), e.Message()}), &dataset_);
       }
       return;
     case TFieldForm::Integer:
-      out += IntToStr(record_.Integer(column_));
+      out += IntToStr(Record().Integer(column_));
       return;
     case TFieldForm::Real:
-      out += FloatToStr(record_.Float(column_));
+      out += FloatToStr(Record().Float(column_));
       return;
     case TFieldForm::Decimal:
-      data::AppendShortest(out, record_.Text(column_), FormatSettings.DecimalSeparator);
+      data::AppendShortest(out, Record().Text(column_), FormatSettings.DecimalSeparator);
       return;
     case TFieldForm::Boolean:
-      out += BoolToStr(record_.Integer(column_) != 0, true);
+      out += BoolToStr(Record().Integer(column_) != 0, true);
       return;
     case TFieldForm::Date:
       out += DateToStr(AsDateTime());
@@ -105,7 +107,7 @@ void TField::AppendString(std::string& out) const {
       out += DateTimeToStr(AsDateTime());
       return;
     case TFieldForm::Bytes:
-      out += record_.Text(column_);
+      out += Record().Text(column_);
       return;
     case TFieldForm::None:
       RefuseType("String");
@@ -125,9 +127,9 @@ std::int64_t TField::WholeNumber(std::string_view type) const {
       form_ == TFieldForm::Integer || form_ == TFieldForm::Real || form_ == TFieldForm::Decimal;
   if (!number) RefuseType(type);
   if (IsNull()) return 0;
-  if (form_ == TFieldForm::Integer) return record_.Integer(column_);
-  if (form_ == TFieldForm::Real) return WholeOfReal(record_.Float(column_));
-  const std::string_view digits = record_.Text(column_);
+  if (form_ == TFieldForm::Integer) return Record().Integer(column_);
+  if (form_ == TFieldForm::Real) return WholeOfReal(Record().Float(column_));
+  const std::string_view digits = Record().Text(column_);
   const auto whole = data::WholeOfDigits(digits);
   return whole ? *whole : WholeOfReal(FloatOfDigits(digits));
 }
@@ -150,11 +152,11 @@ double TField::AsFloat() const {
   if (form_ == TFieldForm::Text) return StrToFloat(Characters());
   switch (form_) {
     case TFieldForm::Integer:
-      return IsNull() ? 0 : static_cast<double>(record_.Integer(column_));
+      return IsNull() ? 0 : static_cast<double>(Record().Integer(column_));
     case TFieldForm::Real:
-      return IsNull() ? 0 : record_.Float(column_);
+      return IsNull() ? 0 : Record().Float(column_);
     case TFieldForm::Decimal:
-      return IsNull() ? 0 : FloatOfDigits(record_.Text(column_));
+      return IsNull() ? 0 : FloatOfDigits(Record().Text(column_));
     case TFieldForm::Date:
     case TFieldForm::Time:
     case TFieldForm::Moment:
@@ -173,11 +175,11 @@ Currency TField::DecimalAsCurrency(std::string_view digits) const {
 Currency TField::AsCurrency() const {
   if (form_ == TFieldForm::Text) return StrToCurr(Characters());
   if (form_ == TFieldForm::Decimal) {
-    return IsNull() ? Currency() : DecimalAsCurrency(record_.Text(column_));
+    return IsNull() ? Currency() : DecimalAsCurrency(Record().Text(column_));
   }
   try {
     if (form_ == TFieldForm::Integer) {
-      return IsNull() ? Currency() : Currency::FromInt(record_.Integer(column_));
+      return IsNull() ? Currency() : Currency::FromInt(Record().Integer(column_));
     }
     return FloatToCurrency(AsFloat());
   } catch (const EExternal&) {
@@ -195,7 +197,7 @@ TDateTime TField::AsDateTime() const {
       form_ == TFieldForm::Date || form_ == TFieldForm::Time || form_ == TFieldForm::Moment;
   if (!date) RefuseType("DateTime");
   if (IsNull()) return {};
-  const std::string_view text = record_.Text(column_);
+  const std::string_view text = Record().Text(column_);
   if (form_ == TFieldForm::Time) return MomentOrError(data::TimeOfText(text), text);
   return MomentOrError(data::MomentOfText(text), text);
 }
@@ -207,7 +209,7 @@ bool TField::AsBoolean() const {
     return !text.empty() && kTrue.find(text[0]) != std::string_view::npos;
   }
   if (form_ != TFieldForm::Boolean) RefuseType("Boolean");
-  return !IsNull() && record_.Integer(column_) != 0;
+  return !IsNull() && Record().Integer(column_) != 0;
 }
 
 Variant TField::Value() const {
@@ -217,17 +219,17 @@ Variant TField::Value() const {
     case TFieldForm::Bytes:
       return AsString();
     case TFieldForm::Integer:
-      return record_.Integer(column_);
+      return Record().Integer(column_);
     case TFieldForm::Real:
-      return record_.Float(column_);
+      return Record().Float(column_);
     case TFieldForm::Decimal: {
-      const std::string_view digits = record_.Text(column_);
+      const std::string_view digits = Record().Text(column_);
       const auto amount = data::CurrencyOfDigits(digits);
       if (amount && Shortest(data::DigitsOfCurrency(*amount)) == Shortest(digits)) return *amount;
       return AsString();
     }
     case TFieldForm::Boolean:
-      return record_.Integer(column_) != 0;
+      return Record().Integer(column_) != 0;
     case TFieldForm::Date:
     case TFieldForm::Time:
     case TFieldForm::Moment:
@@ -236,6 +238,23 @@ Variant TField::Value() const {
       break;
   }
   RefuseType("Variant");
+}
+
+Variant TField::ImageValue(TFieldImage image) const {
+  const TRecordReader* record = dataset_.Image(image, *this, column_);
+  return record == nullptr ? Variant(Unassigned) : ValueIn(*record);
+}
+
+Variant TField::ValueIn(const TRecordReader& record) const {
+  const TRecordReader* earlier = std::exchange(shown_, &record);
+  try {
+    Variant value = Value();
+    shown_ = earlier;
+    return value;
+  } catch (...) {
+    shown_ = earlier;
+    throw;
+  }
 }
 
 }  // namespace kvshare

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -35,20 +36,44 @@ class KVSHARE_API TRecordReader {
   virtual void AppendCharacters(std::string& out, int column) const = 0;
 };
 
+namespace data {
+struct Cell;
+class OwnedCell;
+}  // namespace data
+
+class TField;
+
+using TFieldNotifyEvent = std::function<void(TField&)>;
+// `text` is empty; `displayText` tells whether it is to be shown or to be edited.
+using TFieldGetTextEvent = std::function<void(TField&, std::string& text, bool displayText)>;
+using TFieldSetTextEvent = std::function<void(TField&, std::string_view text)>;
+
+// Which of a field's values: before the edit or change, after it, or what the server has now.
+enum class TFieldImage : std::uint8_t { Old, New, Cur };
+
+// What a field's column means to the statements that write a record to a server.
+struct TProviderFlags {
+  bool pfInUpdate = true;  // may be set
+  bool pfInWhere = true;   // may be asked for
+  bool pfInKey = false;    // finds the record
+  bool operator==(const TProviderFlags&) const = default;
+};
+
 // A field reads straight from the current record; nothing is kept of it here. Fields that a dataset
 // made when it was opened vanish when it is closed.
 //
-// Each accessor reads the types that its row lists; others throw EDatabaseError
+// Each accessor reads and sets the types that its row lists; others throw EDatabaseError
 // `Cannot access field '%s' as type %s`.
 //
-//                  reads                              of Null
-//   AsString       every type                         ""
-//   AsInteger      texts, numbers                     0, of a text an error
-//   AsLargeInt     texts, numbers                     likewise
-//   AsFloat        texts, numbers, dates              likewise
-//   AsCurrency     texts, numbers, dates              likewise
-//   AsDateTime     texts, dates                       likewise
-//   AsBoolean      texts, Booleans                    false
+//                    reads                            sets                      of Null
+//   AsString         every type                       every type                ""
+//   AsInteger        texts, numbers                   texts, numbers            0, of a text an
+//   error AsLargeInt       texts, numbers                   texts, numbers            likewise
+//   AsFloat          texts, numbers, dates            texts, numbers            likewise
+//   AsCurrency       texts, numbers, dates            texts, numbers            likewise
+//   AsDateTime       texts, dates                     texts, dates              likewise
+//   AsSQLTimeStamp                                    dates
+//   AsBoolean        texts, Booleans                  texts, Booleans           false
 //
 // A text is converted as StrToInt64, StrToFloat, StrToCurr and StrToDateTime do, with their errors;
 // as a date, yyyy-mm-dd hh:mm:ss is read as well, which servers without dates give. As a Boolean it
@@ -56,21 +81,35 @@ class KVSHARE_API TRecordReader {
 // half to even into an integer, a decimal into an amount, once, on all their digits. What does not
 // fit the type asked for throws EDatabaseError
 // `%g is not a valid value for field '%s'. The allowed range is %g to %g`.
+//
+// Storing goes the same way for every setter: the dataset must be in dsEdit or dsInsert
+// (`Dataset not in edit or insert mode`), the field not ReadOnly (`Field '%s' cannot be modified`),
+// OnValidate must not throw, and then the value is stored and OnChange told. While OnValidate runs
+// the field reads as the value that is to be stored, until the handler stores one itself.
 class KVSHARE_API TField : public TComponent {
  public:
-  // `record` is the dataset's own and lives as long as it.
-  TField(TDataSet& dataset, const TRecordReader& record, int column, TFieldDef def);
+  // `record` is the dataset's own and lives as long as it; `column` is the field's place there.
+  TField(TDataSet& dataset, const TRecordReader& record, int index, int column, TFieldDef def);
   ~TField() override;
   TField(const TField&) = delete;
   TField& operator=(const TField&) = delete;
 
   TDataSet& DataSet() const { return dataset_; }
-  int Index() const { return column_; }  // from 0
+  int Index() const { return index_; }  // in the dataset, from 0
   const std::string& FieldName() const { return def_.Name; }
   TFieldType DataType() const { return def_.DataType; }
+  TFieldKind FieldKind() const { return def_.Kind; }
   int Size() const { return def_.Size; }
   int Precision() const { return def_.Precision; }
-  bool Required() const { return def_.Required; }
+
+  bool Required() const { return def_.Required; }  // Post refuses Null
+  void SetRequired(bool required) { def_.Required = required; }
+  bool ReadOnly = false;
+  TProviderFlags ProviderFlags;
+
+  // The least and the most that an integer or a real may be, where they differ.
+  double MinValue = 0;
+  double MaxValue = 0;
 
   // The own text, else the field's name.
   const std::string& DisplayLabel() const {
@@ -79,7 +118,16 @@ class KVSHARE_API TField : public TComponent {
   const std::string& DisplayName() const { return DisplayLabel(); }
   void SetDisplayLabel(std::string_view label) { displayLabel_ = label; }
 
-  bool IsNull() const { return record_.IsNull(column_); }
+  std::string EditMask;       // editmask.h
+  std::string DisplayFormat;  // of numbers as FormatFloat's mask, of dates as FormatDateTime's
+  std::string EditFormat;     // of numbers while they are edited; else DisplayFormat counts
+
+  TFieldGetTextEvent OnGetText;
+  TFieldSetTextEvent OnSetText;
+  TFieldNotifyEvent OnValidate;
+  TFieldNotifyEvent OnChange;
+
+  bool IsNull() const { return Record().IsNull(column_); }
 
   // A number or date as the platform writes it with the process's FormatSettings: integers plain,
   // reals with 15 digits, decimals exactly and without zeros at the end, True or False, dates by
@@ -100,16 +148,78 @@ class KVSHARE_API TField : public TComponent {
   // cannot hold: its text), date-time, Boolean.
   Variant Value() const;
 
+  void Clear();  // Null
+
+  // "" is Null for everything but texts. A text of more than Size bytes is cut, silently. What is
+  // no number or Boolean throws EDatabaseError `'%s' is not a valid integer value for field '%s'`
+  // (`floating point`, `boolean`), what is no date EConvertError as StrToDate and its siblings do,
+  // into a TimeStamp `Could not parse SQL TimeStamp string`.
+  void SetAsString(std::string_view text);
+  void SetAsInteger(std::int64_t value);
+  void SetAsLargeInt(std::int64_t value) { SetAsInteger(value); }
+  void SetAsFloat(double value);
+  void SetAsCurrency(Currency amount);
+  void SetAsDateTime(TDateTime moment);
+  void SetAsSQLTimeStamp(TDateTime moment);  // a bare time lies on 1899-12-30
+  void SetAsBoolean(bool value);
+  // Null and Unassigned clear. Throws EDatabaseError `Invalid value for field '%s'`.
+  void SetValue(const Variant& value);
+
+  // What a control shows and edits: OnGetText's, else a number or date by its formats, `(MEMO)` or
+  // `(Memo)` (Null) for a memo that is shown, AsString.
+  std::string DisplayText() const { return TextOf(true); }
+  std::string Text() const { return TextOf(false); }
+  // What a user has typed: OnSetText alone decides, else SetAsString.
+  void SetText(std::string_view text);
+
+  // Null, the value, or Unassigned where the dataset has none (clientdataset.h).
+  Variant OldValue() const { return ImageValue(TFieldImage::Old); }
+  Variant NewValue() const { return ImageValue(TFieldImage::New); }
+  Variant CurValue() const { return ImageValue(TFieldImage::Cur); }
+  void SetNewValue(const Variant& value) { SetValue(value); }
+
  private:
+  friend class TDataSet;
+  friend class TClientDataSet;
+
+  // The value as this field would store it, without a look at the dataset; Null of Null and
+  // Unassigned. Throws as SetValue does.
+  data::OwnedCell Converted(const Variant& value);
+  // The value in another record of the same columns.
+  Variant ValueIn(const TRecordReader& record) const;
+
+  // What accessors read: the record, or what they are shown in its place for a moment.
+  const TRecordReader& Record() const { return shown_ != nullptr ? *shown_ : *record_; }
+
   [[noreturn]] void RefuseType(std::string_view type) const;
   [[noreturn]] void RefuseRange(double value, double least, double most) const;
+  [[noreturn]] void RefuseText(std::string_view text, std::string_view kind) const;
   std::string Characters() const;
   Currency DecimalAsCurrency(std::string_view digits) const;
   std::int64_t WholeNumber(std::string_view type) const;
   std::int64_t WholeOfReal(double value) const;
 
+  Variant ImageValue(TFieldImage image) const;
+  std::string TextOf(bool display) const;
+  void AppendOwnText(std::string& out, bool display) const;
+
+  void Store(const data::Cell& value);
+  void Validate(const data::Cell& value);
+  void StoreText(std::string_view text);
+  void StoreInteger(std::int64_t value);
+  void StoreReal(double value);
+  void StoreDecimal(std::string_view digits);
+  void StoreMoment(TDateTime moment);
+  void StoreTypedDecimal(std::string_view text);
+  void StoreTypedMoment(std::string_view text);
+  void StoreVariant(const Variant& value);
+  bool IsDate() const;
+
   TDataSet& dataset_;
-  const TRecordReader& record_;
+  const TRecordReader* record_;
+  mutable const TRecordReader* shown_ = nullptr;
+  data::OwnedCell* converted_ = nullptr;  // where a value goes that is not to be stored
+  int index_;
   int column_;
   TFieldForm form_;
   TFieldDef def_;

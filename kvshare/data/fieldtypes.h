@@ -112,6 +112,13 @@ constexpr bool IsNumeric(TFieldType type) {
   return form == TFieldForm::Integer || form == TFieldForm::Real || form == TFieldForm::Decimal;
 }
 
+enum class TFieldKind : std::uint8_t {
+  fkData,
+  fkCalculated,    // filled by the dataset's OnCalcFields, kept nowhere
+  fkLookup,        // read from another dataset
+  fkInternalCalc,  // filled by OnCalcFields, kept with the record, not sent to a server
+};
+
 // What a dataset knows of a column before it has a row.
 struct TFieldDef {
   std::string Name;  // code page 874
@@ -119,6 +126,7 @@ struct TFieldDef {
   int Size = 0;       // bytes of a text, decimals of a decimal
   int Precision = 0;  // digits of a decimal
   bool Required = false;
+  TFieldKind Kind = TFieldKind::fkData;
 };
 
 }  // namespace kvshare

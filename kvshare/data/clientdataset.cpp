@@ -1,0 +1,292 @@
+#include "kvshare/data/clientdataset.h"
+
+#include <algorithm>
+
+#include "kvshare/data/clientrecords.h"
+#include "kvshare/data/errors.h"
+#include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/format.h"
+#include "kvshare/rtl/strutils.h"
+
+namespace kvshare {
+
+using data::Cell;
+using data::CellKind;
+using data::ClientRecords;
+using data::kNoRow;
+using data::RowId;
+using data::RowOrder;
+
+void TFieldDefs::Add(std::string_view name, TFieldType type, int size, bool required) {
+  TFieldDef def;
+  def.Name = name;
+  def.DataType = type;
+  def.Size = size;
+  def.Required = required;
+  Add(std::move(def));
+}
+
+TClientDataSet::TClientDataSet(TComponent* owner, std::string_view name) : TDataSet(owner, name) {}
+
+TClientDataSet::~TClientDataSet() {
+  Close();
+}
+
+void TClientDataSet::AddCalculated(std::string_view name, TFieldType type, int size) {
+  derived_.push_back({{std::string(name), type, size, 0, false, TFieldKind::fkCalculated}, {}});
+}
+
+void TClientDataSet::AddLookup(std::string_view name, TFieldType type, int size, TLookup lookup) {
+  derived_.push_back(
+      {{std::string(name), type, size, 0, false, TFieldKind::fkLookup}, std::move(lookup)});
+}
+
+// --- Opening
+
+void TClientDataSet::CreateDataSet() {
+  Close();
+  if (fieldDefs_.Count() == 0) {
+    DatabaseError("No fields defined.  Cannot create dataset", this);
+  }
+  Open();
+}
+
+void TClientDataSet::InternalOpen() {
+  if (fieldDefs_.Count() == 0) DatabaseError("Missing data provider or data packet", this);
+  MakeRecords();
+}
+
+void TClientDataSet::MakeRecords() {
+  std::vector<TFieldForm> stored;
+  std::vector<TFieldForm> calculated;
+  for (const TFieldDef& def : fieldDefs_.All()) stored.push_back(FormOf(def.DataType));
+  for (const Derived& derived : derived_) calculated.push_back(FormOf(derived.def.DataType));
+  records_ =
+      std::make_unique<ClientRecords>(stored, std::move(calculated), [this] { Calculate(); });
+  for (const TFieldDef& def : fieldDefs_.All()) AddField(records_->Current(), def);
+  int column = 0;
+  for (const Derived& derived : derived_) {
+    AddField(records_->Calculated(), column++, derived.def);
+  }
+  records_->Table().SetKey(ColumnsOf(primaryKey_));
+  records_->Order().Sort(ColumnsOf(indexFieldNames_));
+}
+
+void TClientDataSet::InternalClose() noexcept {
+  records_.reset();
+}
+
+void TClientDataSet::EmptyDataSet() {
+  CheckBrowseMode();
+  ForgetFields();
+  MakeRecords();
+  SetPlace(true, true, true);
+}
+
+int TClientDataSet::RecordCount() const {
+  return records_ ? records_->Order().Count() : 0;
+}
+
+// --- Moves
+
+bool TClientDataSet::InternalFirst() {
+  return records_->StandAt(records_->Order().Forward(0));
+}
+
+bool TClientDataSet::InternalNext() {
+  const std::size_t next = records_->Order().Forward(records_->Position() + 1);
+  return next != RowOrder::kNowhere && records_->StandAt(next);
+}
+
+bool TClientDataSet::InternalPrior() {
+  const std::size_t prior = records_->Order().Backward(records_->Position() - 1);
+  return prior != RowOrder::kNowhere && records_->StandAt(prior);
+}
+
+bool TClientDataSet::InternalLast() {
+  return records_->StandAt(records_->Order().Last());
+}
+
+// --- Editing
+
+void TClientDataSet::InternalEdit() {
+  records_->BeginEdit();
+}
+
+void TClientDataSet::InternalInsert(bool append) {
+  records_->BeginInsert(append);
+}
+
+void TClientDataSet::CheckRequiredInPacket() const {
+  constexpr int kValueRequired = 9732;
+  for (int i = 0; i < fieldDefs_.Count(); ++i) {
+    const bool missing = fieldDefs_[i].Required && records_->Buffer().Kind(i) == CellKind::Null;
+    if (missing) throw EDBClient("Field value required.", kValueRequired);
+  }
+}
+
+void TClientDataSet::InternalPost() {
+  CheckRequiredInPacket();
+  records_->Post(LogChanges);
+  if (statusFilter_ != TUpdateStatusSet()) Restand();
+}
+
+bool TClientDataSet::InternalCancel() {
+  return records_->Cancel();
+}
+
+bool TClientDataSet::InternalDelete() {
+  return records_->Delete(LogChanges);
+}
+
+void TClientDataSet::StoreCell(TField& field, int column, const Cell& value) {
+  if (field.FieldKind() == TFieldKind::fkCalculated) {
+    records_->PutCalculated(column, value);
+    return;
+  }
+  if (State() == TDataSetState::dsCalcFields) {
+    if (records_->IsEditing()) records_->Buffer().Put(column, value);
+    return;
+  }
+  records_->Buffer().Put(column, value);
+  records_->Outdate();
+  SetModified(true);
+}
+
+void TClientDataSet::Calculate() {
+  if (records_->Row() == kNoRow && !records_->IsEditing()) return;
+  const TDataSetState before = State();
+  SetState(TDataSetState::dsCalcFields);
+  try {
+    FillLookups();
+    if (OnCalcFields) OnCalcFields(*this);
+  } catch (...) {
+    SetState(before);
+    throw;
+  }
+  SetState(before);
+}
+
+void TClientDataSet::FillLookups() {
+  int column = -1;
+  for (const Derived& derived : derived_) {
+    ++column;
+    const TLookup& lookup = derived.lookup;
+    if (derived.def.Kind != TFieldKind::fkLookup || lookup.LookupDataSet == nullptr) continue;
+    std::vector<Variant> values;
+    for (const int key : ColumnsOf(lookup.KeyFields)) values.push_back(Fields(key).Value());
+    const Variant found =
+        lookup.LookupDataSet->Lookup(lookup.LookupKeyFields, values, lookup.LookupResultField);
+    TField& field = Fields(fieldDefs_.Count() + column);
+    records_->PutCalculated(column, field.Converted(found).View());
+  }
+}
+
+const TRecordReader* TClientDataSet::Image(TFieldImage image, const TField& field,
+                                           int column) const {
+  const bool stored =
+      field.FieldKind() != TFieldKind::fkCalculated && field.FieldKind() != TFieldKind::fkLookup;
+  return stored && image == TFieldImage::Old ? records_->Old()
+                                             : TDataSet::Image(image, field, column);
+}
+
+// --- Order and keys
+
+std::vector<int> TClientDataSet::ColumnsOf(std::string_view names) const {
+  std::vector<int> columns;
+  while (!names.empty()) {
+    const std::size_t end = names.find(';');
+    const std::string_view name = Trim(names.substr(0, end));
+    const TField& field = FieldByName(name);
+    const bool stored = field.Index() < fieldDefs_.Count();
+    if (!stored) DatabaseError(Format("Field '%s' cannot be a key", {name}), this);
+    columns.push_back(field.Index());
+    names.remove_prefix(end == std::string_view::npos ? names.size() : end + 1);
+  }
+  return columns;
+}
+
+// To the same record, where it still is in view, after the order was made again.
+void TClientDataSet::Restand() {
+  const RowId row = records_->Row();
+  const std::size_t position = records_->Position();
+  records_->Order().Rebuild();
+  const bool any = records_->StandNear(row, position == RowOrder::kNowhere ? 0 : position);
+  SetPlace(!any, !any, !any);
+}
+
+void TClientDataSet::SetIndexFieldNames(std::string_view names) {
+  if (Active()) {
+    CheckBrowseMode();
+    records_->Order().Sort(ColumnsOf(names));
+    Restand();
+  }
+  indexFieldNames_ = names;
+}
+
+void TClientDataSet::SetPrimaryKey(std::string_view names) {
+  if (Active()) {
+    CheckBrowseMode();
+    records_->Table().SetKey(ColumnsOf(names));
+  }
+  primaryKey_ = names;
+}
+
+void TClientDataSet::SetStatusFilter(const TUpdateStatusSet& filter) {
+  if (Active()) {
+    CheckBrowseMode();
+    records_->Order().Filter({filter.usModified, filter.usInserted, filter.usDeleted});
+    Restand();
+  }
+  statusFilter_ = filter;
+}
+
+// --- The log
+
+int TClientDataSet::ChangeCount() const {
+  return records_ ? records_->Table().ChangeCount() : 0;
+}
+
+TUpdateStatus TClientDataSet::UpdateStatus() const {
+  CheckActive();
+  const RowId row = records_->Row();
+  return row == kNoRow ? TUpdateStatus::usUnmodified : records_->Table().Status(row);
+}
+
+void TClientDataSet::RevertRecord() {
+  CheckActive();
+  Cancel();
+  const RowId row = records_->Row();
+  if (row == kNoRow) return;
+  records_->Table().Revert(row);
+  Restand();
+}
+
+bool TClientDataSet::UndoLastChange(bool followChange) {
+  CheckActive();
+  Cancel();
+  const RowId newest = records_->Table().NewestChange();
+  if (newest == kNoRow) return false;
+  records_->Table().Revert(newest);
+  Restand();
+  if (followChange && records_->Order().IsInView(newest)) {
+    records_->StandOn(newest);
+    SetPlace(false, false, false);
+  }
+  return true;
+}
+
+void TClientDataSet::CancelUpdates() {
+  CheckActive();
+  Cancel();
+  records_->Table().RevertAll();
+  Restand();
+}
+
+void TClientDataSet::MergeChangeLog() {
+  CheckBrowseMode();
+  records_->Table().AcceptAll();
+  Restand();
+}
+
+}  // namespace kvshare

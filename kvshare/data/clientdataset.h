@@ -1,0 +1,157 @@
+// Records in memory with a log of what was changed.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "kvshare/data/dataset.h"
+#include "kvshare/data/updates.h"
+#include "kvshare/export.h"
+
+namespace kvshare {
+
+namespace data {
+class ClientRecords;
+}
+
+class TClientDataSet;
+
+// The fields that CreateDataSet makes.
+class KVSHARE_API TFieldDefs {
+ public:
+  void Add(std::string_view name, TFieldType type, int size = 0, bool required = false);
+  void Add(TFieldDef def) { defs_.push_back(std::move(def)); }
+  void Clear() { defs_.clear(); }
+  int Count() const { return static_cast<int>(defs_.size()); }
+  const TFieldDef& operator[](int index) const { return defs_[static_cast<std::size_t>(index)]; }
+  const std::vector<TFieldDef>& All() const { return defs_; }
+
+ private:
+  std::vector<TFieldDef> defs_;
+};
+
+// A field whose value is that of a record of another set: where `LookupKeyFields` there have the
+// values of `KeyFields` here, its `LookupResultField`. Null where there is none.
+struct TLookup {
+  std::string KeyFields;
+  TClientDataSet* LookupDataSet = nullptr;  // outlives the field
+  std::string LookupKeyFields;
+  std::string LookupResultField;
+};
+
+// Which records are in view: all that are there, or those of the named statuses, deleted ones too.
+// usUnmodified has no effect.
+struct TUpdateStatusSet {
+  bool usModified = false;
+  bool usInserted = false;
+  bool usDeleted = false;
+  bool operator==(const TUpdateStatusSet&) const = default;
+};
+
+// A change is logged unless LogChanges is off; the log has one entry a record, with its values
+// before the first change. OldValue is the value before the change (Null of an inserted record),
+// NewValue the present one, CurValue Unassigned.
+//
+// Engine errors are EDBClient: `Key violation.` (9729), `Field value required.` (9732), and
+// EDatabaseError `No fields defined.  Cannot create dataset`,
+// `Missing data provider or data packet`.
+class KVSHARE_API TClientDataSet : public TDataSet {
+ public:
+  explicit TClientDataSet(TComponent* owner = nullptr, std::string_view name = "");
+  ~TClientDataSet() override;
+
+  // --- Fields, before it is opened
+
+  TFieldDefs& FieldDefs() { return fieldDefs_; }
+  const TFieldDefs& FieldDefs() const { return fieldDefs_; }
+  // Beside those of FieldDefs, at every opening.
+  void AddCalculated(std::string_view name, TFieldType type, int size = 0);
+  void AddLookup(std::string_view name, TFieldType type, int size, TLookup lookup);
+
+  // Opens, empty and logging, with the fields of FieldDefs.
+  void CreateDataSet();
+  // Drops all records and the log.
+  void EmptyDataSet();
+
+  bool ReadOnly = false;
+  bool CanModify() const override { return !ReadOnly; }
+  int RecordCount() const override;
+
+  // --- Order and keys
+
+  // Field names, `;` between them: records are in that order, equal ones in the order of their
+  // appending; without a name in the order in which they lie. The current record stays.
+  const std::string& IndexFieldNames() const { return indexFieldNames_; }
+  void SetIndexFieldNames(std::string_view names);
+  // The fields that no two records may have in common. Kept when the set is closed.
+  const std::string& PrimaryKey() const { return primaryKey_; }
+  void SetPrimaryKey(std::string_view names);
+
+  bool Locate(std::string_view keyFields, std::span<const Variant> values,
+              TLocateOptions options = {}) override;
+  using TDataSet::Locate;
+  // By the fields of the order, or of the primary key where there is no order.
+  bool FindKey(std::span<const Variant> values);
+  bool FindKey(const Variant& value) { return FindKey(std::span(&value, 1)); }
+  // The value of `resultField` in the record that Locate would go to; Null where there is none.
+  Variant Lookup(std::string_view keyFields, std::span<const Variant> values,
+                 std::string_view resultField) const;
+
+  // --- Changes
+
+  bool LogChanges = true;
+  int ChangeCount() const;
+  TUpdateStatus UpdateStatus() const;
+  const TUpdateStatusSet& StatusFilter() const { return statusFilter_; }
+  void SetStatusFilter(const TUpdateStatusSet& filter);
+
+  // The current record, or the newest change, as before its change. The latter is false without a
+  // change; with `followChange` the set goes to the record.
+  void RevertRecord();
+  bool UndoLastChange(bool followChange);
+  void CancelUpdates();   // all back
+  void MergeChangeLog();  // all kept as they are
+
+ protected:
+  void InternalOpen() override;
+  void InternalClose() noexcept override;
+  bool InternalFirst() override;
+  bool InternalNext() override;
+  bool InternalPrior() override;
+  bool InternalLast() override;
+  void InternalEdit() override;
+  void InternalInsert(bool append) override;
+  void InternalPost() override;
+  bool InternalCancel() override;
+  bool InternalDelete() override;
+  void StoreCell(TField& field, int column, const data::Cell& value) override;
+  const TRecordReader* Image(TFieldImage image, const TField& field, int column) const override;
+
+ private:
+  void MakeRecords();
+  void CheckRequiredInPacket() const;
+  std::vector<int> ColumnsOf(std::string_view names) const;
+  std::size_t Find(std::string_view keyFields, std::span<const Variant> values,
+                   TLocateOptions options) const;
+  void Restand();
+  void Calculate();
+  void FillLookups();
+
+  TFieldDefs fieldDefs_;
+  struct Derived {
+    TFieldDef def;
+    TLookup lookup;
+  };
+  std::vector<Derived> derived_;
+  std::string indexFieldNames_;
+  std::string primaryKey_;
+  TUpdateStatusSet statusFilter_;
+  std::unique_ptr<data::ClientRecords> records_;
+};
+
+}  // namespace kvshare

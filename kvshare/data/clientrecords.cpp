@@ -1,0 +1,113 @@
+#include "kvshare/data/clientrecords.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace kvshare::data {
+
+ClientRecords::CalculatedValues::CalculatedValues(std::vector<TFieldForm> forms,
+                                                  std::function<void()> calculate)
+    : calculate_(std::move(calculate)) {
+  values_.Resize(static_cast<int>(forms.size()));
+}
+
+// What is read while it calculates is what there is so far.
+Cell ClientRecords::CalculatedValues::At(int column) const {
+  if (!std::exchange(sound_, true)) {
+    values_.Clear();
+    try {
+      calculate_();
+    } catch (...) {
+      sound_ = false;
+      throw;
+    }
+  }
+  return values_.At(column);
+}
+
+ClientRecords::ClientRecords(const std::vector<TFieldForm>& stored,
+                             std::vector<TFieldForm> calculated, std::function<void()> calculate)
+    : table_(RecordLayout(stored), {}), calculated_(std::move(calculated), std::move(calculate)) {
+  buffer_.Resize(static_cast<int>(stored.size()));
+}
+
+void ClientRecords::Show() {
+  calculated_.Outdate();
+  if (editing_) {
+    current_.Show(buffer_);
+  } else {
+    current_.Show(position_ == RowOrder::kNowhere ? nullptr : &table_.At(Row()));
+  }
+}
+
+bool ClientRecords::StandAt(std::size_t position) {
+  position_ = position;
+  Show();
+  return position != RowOrder::kNowhere;
+}
+
+bool ClientRecords::StandNear(RowId row, std::size_t position) {
+  std::size_t place = row == kNoRow ? RowOrder::kNowhere : order_.PositionOf(row);
+  if (place == RowOrder::kNowhere) place = order_.Forward(position);
+  if (place == RowOrder::kNowhere) place = order_.Last();
+  return StandAt(place);
+}
+
+void ClientRecords::BeginEdit() {
+  buffer_.Load(Layout(), table_.At(Row()));
+  editing_ = true;
+  editedRow_ = Row();
+  Show();
+}
+
+void ClientRecords::BeginInsert(bool append) {
+  buffer_.Clear();
+  editing_ = true;
+  editedRow_ = kNoRow;
+  insertAt_ = append ? RowOrder::kNowhere : position_;
+  Show();
+}
+
+bool ClientRecords::HasChanged(const Record& record) const {
+  for (int i = 0; i < Layout().Columns(); ++i) {
+    if (buffer_.Assigned(i) && buffer_.At(i) != record.At(Layout(), i)) return true;
+  }
+  return false;
+}
+
+void ClientRecords::Post(bool logged) {
+  RowId row = editedRow_;
+  if (row == kNoRow) {
+    row = table_.Insert(Record(Layout(), buffer_), logged);
+    editing_ = false;
+    StandAt(order_.Insert(row, insertAt_));
+    return;
+  }
+  if (HasChanged(table_.At(row))) {
+    table_.Modify(row, Record(Layout(), buffer_), logged);
+    position_ = order_.Move(position_);
+  }
+  editing_ = false;
+  StandNear(row, position_);
+}
+
+bool ClientRecords::Cancel() {
+  editing_ = false;
+  return StandAt(position_);
+}
+
+bool ClientRecords::Delete(bool logged) {
+  const RowId row = Row();
+  table_.Delete(row, logged);
+  if (order_.IsInView(row)) return StandAt(position_);
+  const std::size_t next = order_.Drop(position_);
+  return StandAt(next != RowOrder::kNowhere ? next : order_.Last());
+}
+
+const TRecordReader* ClientRecords::Old() const {
+  const RowId row = editing_ ? editedRow_ : Row();
+  old_.Show(row == kNoRow ? nullptr : table_.Original(row));
+  return &old_;
+}
+
+}  // namespace kvshare::data

@@ -1,0 +1,104 @@
+// What an open client dataset has: its records, which of them is the current one, and the record
+// that is being edited. Internal.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <vector>
+
+#include "kvshare/data/record.h"
+#include "kvshare/data/recordtable.h"
+#include "kvshare/data/roworder.h"
+
+namespace kvshare::data {
+
+class ClientRecords {
+ public:
+  // The stored columns, and how many more are calculated.
+  ClientRecords(const std::vector<TFieldForm>& stored, std::vector<TFieldForm> calculated,
+                std::function<void()> calculate);
+  ClientRecords(const ClientRecords&) = delete;
+  ClientRecords& operator=(const ClientRecords&) = delete;
+
+  RecordTable& Table() { return table_; }
+  const RecordTable& Table() const { return table_; }
+  RowOrder& Order() { return order_; }
+  const RowOrder& Order() const { return order_; }
+  const RecordLayout& Layout() const { return table_.Layout(); }
+
+  // What the fields read: the current record, or the one that is being edited.
+  const TRecordReader& Current() const { return current_; }
+  const TRecordReader& Calculated() const { return calculated_; }
+
+  // --- The place. Each tells whether there is a record at it.
+
+  bool StandAt(std::size_t position);
+  bool StandOn(RowId row) { return StandAt(order_.PositionOf(row)); }
+  // On the row where it still is in view, else on the one that has come in its place, else the
+  // last.
+  bool StandNear(RowId row, std::size_t position);
+  std::size_t Position() const { return position_; }
+  RowId Row() const { return position_ == RowOrder::kNowhere ? kNoRow : order_.At(position_); }
+
+  // --- Editing
+
+  void BeginEdit();
+  void BeginInsert(bool append);
+  // The row that was edited; kNoRow while it is inserted.
+  RowId EditedRow() const { return editedRow_; }
+  RecordBuffer& Buffer() { return buffer_; }
+  const RecordBuffer& Buffer() const { return buffer_; }
+  bool IsEditing() const { return editing_; }
+  // Stores what is edited; does all or nothing. A record without a change is not logged.
+  void Post(bool logged);
+  bool Cancel();
+  bool Delete(bool logged);
+
+  // The calculated values have to be made again.
+  void Outdate() { calculated_.Outdate(); }
+  void PutCalculated(int column, const Cell& cell) { calculated_.Put(column, cell); }
+
+  // The current record as before its first change; all Null of one that was inserted.
+
+  const TRecordReader* Old() const;
+
+ private:
+  // Calculates at the first look.
+  class CalculatedValues : public TRecordReader {
+   public:
+    CalculatedValues(std::vector<TFieldForm> forms, std::function<void()> calculate);
+    void Outdate() { sound_ = false; }
+    void Put(int column, const Cell& cell) { values_.Put(column, cell); }
+
+    bool IsNull(int column) const override { return At(column).kind == CellKind::Null; }
+    std::int64_t Integer(int column) const override { return At(column).integer; }
+    double Float(int column) const override { return At(column).real; }
+    std::string_view Text(int column) const override { return At(column).text; }
+    void AppendCharacters(std::string& out, int column) const override { out += At(column).text; }
+
+   private:
+    Cell At(int column) const;
+
+    mutable RecordBuffer values_;
+    mutable bool sound_ = false;
+    std::function<void()> calculate_;
+  };
+
+  bool HasChanged(const Record& record) const;
+  void Show();
+
+  RecordTable table_;
+  RowOrder order_{table_};
+  std::size_t position_ = RowOrder::kNowhere;
+  RecordView current_{table_.Layout()};
+  CalculatedValues calculated_;
+
+  RecordBuffer buffer_;
+  bool editing_ = false;
+  RowId editedRow_ = kNoRow;
+  std::size_t insertAt_ = RowOrder::kNowhere;
+
+  mutable RecordView old_{table_.Layout()};
+};
+
+}  // namespace kvshare::data

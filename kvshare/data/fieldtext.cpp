@@ -1,0 +1,56 @@
+// A field's text as controls show and edit it.
+#include "kvshare/data/dataset.h"
+#include "kvshare/data/field.h"
+#include "kvshare/data/wireforms.h"
+#include "kvshare/rtl/formatdatetime.h"
+#include "kvshare/rtl/formatfloat.h"
+
+namespace kvshare {
+
+std::string TField::TextOf(bool display) const {
+  std::string text;
+  if (OnGetText) {
+    // Handlers take the field as one that may be changed, as the platform hands it over.
+    OnGetText(const_cast<TField&>(*this), text, display);
+  } else {
+    AppendOwnText(text, display);
+  }
+  return text;
+}
+
+void TField::AppendOwnText(std::string& out, bool display) const {
+  const bool memo = def_.DataType == TFieldType::ftMemo || def_.DataType == TFieldType::ftFmtMemo;
+  if (memo && display) {
+    out += IsNull() ? "(Memo)" : "(MEMO)";
+    return;
+  }
+  const std::string& format = !display && !EditFormat.empty() ? EditFormat : DisplayFormat;
+  if (IsNull() || format.empty()) return AppendString(out);
+  switch (form_) {
+    case TFieldForm::Integer:
+    case TFieldForm::Real:
+      return AppendFormatFloat(out, format, AsFloat());
+    case TFieldForm::Decimal:
+      if (const auto amount = data::CurrencyOfDigits(Record().Text(column_))) {
+        return AppendFormatFloat(out, format, *amount);
+      }
+      return AppendFormatFloat(out, format, AsFloat());
+    case TFieldForm::Date:
+    case TFieldForm::Time:
+    case TFieldForm::Moment:
+      if (display) return AppendFormatDateTime(out, format, AsDateTime());
+      return AppendString(out);
+    default:
+      AppendString(out);
+  }
+}
+
+void TField::SetText(std::string_view text) {
+  if (OnSetText) {
+    OnSetText(*this, text);
+  } else {
+    SetAsString(text);
+  }
+}
+
+}  // namespace kvshare

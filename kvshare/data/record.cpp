@@ -1,0 +1,155 @@
+#include "kvshare/data/record.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "kvshare/rtl/exceptions.h"
+
+namespace kvshare::data {
+
+namespace {
+
+std::size_t SizeOfTexts(const RecordLayout& layout, const RecordBuffer& buffer) {
+  std::size_t size = 0;
+  for (int i = 0; i < layout.Columns(); ++i) {
+    if (buffer.Kind(i) == CellKind::Text) size += buffer.Text(i).size();
+  }
+  return size;
+}
+
+}  // namespace
+
+bool Cell::operator==(const Cell& other) const {
+  if (kind != other.kind) return false;
+  switch (kind) {
+    case CellKind::Integer:
+      return integer == other.integer;
+    case CellKind::Real:
+      return real == other.real || (real != real && other.real != other.real);
+    case CellKind::Text:
+      return text == other.text;
+    case CellKind::Null:
+      break;
+  }
+  return true;
+}
+
+Cell CellOf(const TRecordReader& reader, int column, TFieldForm form) {
+  if (reader.IsNull(column)) return {};
+  switch (CellKindOf(form)) {
+    case CellKind::Integer:
+      return Cell::Of(reader.Integer(column));
+    case CellKind::Real:
+      return Cell::Of(reader.Float(column));
+    case CellKind::Text:
+      return Cell::Of(reader.Text(column));
+    case CellKind::Null:
+      break;
+  }
+  return {};
+}
+
+RecordLayout::RecordLayout(std::vector<TFieldForm> forms) : forms_(std::move(forms)) {
+  kinds_.reserve(forms_.size());
+  for (const TFieldForm form : forms_) kinds_.push_back(CellKindOf(form));
+  const std::size_t bits = (forms_.size() + 7) / 8;
+  slotsAt_ = (bits + kSlot - 1) / kSlot * kSlot;
+}
+
+Record::Record(const RecordLayout& layout, const RecordBuffer& buffer) {
+  std::size_t end = layout.TextsAt();
+  const std::size_t size = end + SizeOfTexts(layout, buffer);
+  if (size > std::numeric_limits<std::uint32_t>::max()) throw EDBClient("Record too large", 0);
+  block_ = std::make_unique_for_overwrite<std::byte[]>(size);
+  std::byte* block = block_.get();
+  std::memset(block, 0, layout.SlotsAt());
+  for (int i = 0; i < layout.Columns(); ++i) {
+    const auto at = static_cast<std::size_t>(i);
+    std::byte* slot = block + layout.SlotsAt() + at * RecordLayout::kSlot;
+    const Cell cell = buffer.At(i);
+    switch (cell.kind) {
+      case CellKind::Null:
+        block[at / 8] |= static_cast<std::byte>(1U << (at % 8));
+        std::memset(slot, 0, RecordLayout::kSlot);
+        break;
+      case CellKind::Integer:
+        std::memcpy(slot, &cell.integer, sizeof cell.integer);
+        break;
+      case CellKind::Real:
+        std::memcpy(slot, &cell.real, sizeof cell.real);
+        break;
+      case CellKind::Text: {
+        const TextPlace place{static_cast<std::uint32_t>(end),
+                              static_cast<std::uint32_t>(cell.text.size())};
+        std::memcpy(slot, &place, sizeof place);
+        std::ranges::copy(cell.text, reinterpret_cast<char*>(block) + end);
+        end += cell.text.size();
+        break;
+      }
+    }
+  }
+}
+
+std::size_t Record::Size(const RecordLayout& layout) const {
+  std::size_t size = layout.TextsAt();
+  for (int i = 0; i < layout.Columns(); ++i) {
+    if (layout.Kind(i) == CellKind::Text && !IsNull(i)) size += Text(layout, i).size();
+  }
+  return size;
+}
+
+Record Record::Copy(const RecordLayout& layout) const {
+  Record copy;
+  if (block_ == nullptr) return copy;
+  const std::size_t size = Size(layout);
+  copy.block_ = std::make_unique_for_overwrite<std::byte[]>(size);
+  std::memcpy(copy.block_.get(), block_.get(), size);
+  return copy;
+}
+
+Cell Record::At(const RecordLayout& layout, int column) const {
+  if (IsNull(column)) return {};
+  switch (layout.Kind(column)) {
+    case CellKind::Integer:
+      return Cell::Of(Integer(layout, column));
+    case CellKind::Real:
+      return Cell::Of(Real(layout, column));
+    case CellKind::Text:
+      return Cell::Of(Text(layout, column));
+    case CellKind::Null:
+      break;
+  }
+  return {};
+}
+
+void RecordBuffer::Clear() {
+  for (Slot& slot : values_) {
+    slot.kind = CellKind::Null;
+    slot.assigned = false;
+  }
+}
+
+void RecordBuffer::Load(const RecordLayout& layout, const Record& record) {
+  for (int i = 0; i < layout.Columns(); ++i) {
+    Put(i, record.At(layout, i));
+    values_[static_cast<std::size_t>(i)].assigned = false;
+  }
+}
+
+void RecordBuffer::Put(int column, const Cell& cell) {
+  Slot& slot = values_[static_cast<std::size_t>(column)];
+  slot.kind = cell.kind;
+  slot.assigned = true;
+  slot.integer = cell.integer;
+  slot.real = cell.real;
+  if (cell.kind == CellKind::Text) slot.text = cell.text;
+}
+
+Cell RecordBuffer::At(int column) const {
+  const Slot& slot = Value(column);
+  Cell cell{slot.kind, slot.integer, slot.real, {}};
+  if (slot.kind == CellKind::Text) cell.text = slot.text;
+  return cell;
+}
+
+}  // namespace kvshare::data

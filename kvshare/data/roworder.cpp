@@ -1,0 +1,159 @@
+#include "kvshare/data/roworder.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "kvshare/data/wireforms.h"
+
+namespace kvshare::data {
+
+namespace {
+
+double FloatOf(std::string_view digits) {
+  double value = 0;
+  std::from_chars(digits.data(), digits.data() + digits.size(), value);
+  return value;
+}
+
+std::weak_ordering CompareReals(double a, double b) {
+  return std::weak_order(a, b == a ? a : b);
+}
+
+std::weak_ordering CompareDecimals(std::string_view a, std::string_view b) {
+  const auto left = CurrencyOfDigits(a);
+  const auto right = CurrencyOfDigits(b);
+  if (left && right && left->Raw() != right->Raw()) return left->Raw() <=> right->Raw();
+  return CompareReals(FloatOf(a), FloatOf(b));
+}
+
+}  // namespace
+
+std::weak_ordering Compare(const Cell& a, const Cell& b, TFieldForm form) {
+  if (a.kind == CellKind::Null || b.kind == CellKind::Null) {
+    return (a.kind != CellKind::Null) <=> (b.kind != CellKind::Null);
+  }
+  switch (a.kind) {
+    case CellKind::Integer:
+      return a.integer <=> b.integer;
+    case CellKind::Real:
+      return CompareReals(a.real, b.real);
+    default:
+      if (form == TFieldForm::Decimal) return CompareDecimals(a.text, b.text);
+      return a.text <=> b.text;  // dates too: theirs are in the order of time
+  }
+}
+
+bool RowOrder::Less(RowId a, RowId b) const {
+  const RecordLayout& layout = table_.Layout();
+  for (const int column : columns_) {
+    const auto order = Compare(table_.At(a).At(layout, column), table_.At(b).At(layout, column),
+                               layout.Form(column));
+    if (order != 0) return order < 0;
+  }
+  return a < b;
+}
+
+bool RowOrder::IsInView(RowId row) const {
+  if (!statuses_.Any()) return table_.IsThere(row);
+  switch (table_.Status(row)) {
+    case TUpdateStatus::usModified:
+      return statuses_.modified;
+    case TUpdateStatus::usInserted:
+      return statuses_.inserted;
+    case TUpdateStatus::usDeleted:
+      return statuses_.deleted;
+    case TUpdateStatus::usUnmodified:
+      break;
+  }
+  return false;
+}
+
+void RowOrder::Sort(std::vector<int> columns) {
+  columns_ = std::move(columns);
+  Rebuild();
+}
+
+void RowOrder::Filter(StatusSet statuses) {
+  statuses_ = statuses;
+  Rebuild();
+}
+
+void RowOrder::Rebuild() {
+  rows_.clear();
+  for (RowId row = 0; row < table_.Rows(); ++row) {
+    if (IsInView(row)) rows_.push_back(row);
+  }
+  count_ = static_cast<int>(rows_.size());
+  ascending_ = columns_.empty();
+  if (!columns_.empty()) {
+    std::ranges::sort(rows_, [this](RowId a, RowId b) { return Less(a, b); });
+  }
+}
+
+std::size_t RowOrder::Forward(std::size_t position) const {
+  for (; position < rows_.size(); ++position) {
+    if (IsInView(rows_[position])) return position;
+  }
+  return kNowhere;
+}
+
+std::size_t RowOrder::Backward(std::size_t position) const {
+  for (; position != kNowhere; --position) {  // 0 is followed by kNowhere
+    if (IsInView(rows_[position])) return position;
+  }
+  return kNowhere;
+}
+
+std::size_t RowOrder::PositionOf(RowId row) const {
+  if (!IsInView(row)) return kNowhere;
+  if (row < rows_.size() && rows_[row] == row) return row;  // nothing was ever moved
+  const auto found =
+      ascending_ ? std::ranges::lower_bound(rows_, row) : std::ranges::find(rows_, row);
+  if (found == rows_.end() || *found != row) return kNowhere;
+  return static_cast<std::size_t>(found - rows_.begin());
+}
+
+std::size_t RowOrder::PlaceFor(RowId row) const {
+  // What left the table has no values to compare; such rows are gone before anything is inserted.
+  const auto place =
+      std::ranges::upper_bound(rows_, row, [this](RowId a, RowId b) { return Less(a, b); });
+  return static_cast<std::size_t>(place - rows_.begin());
+}
+
+std::size_t RowOrder::Insert(RowId row, std::size_t position) {
+  if (!columns_.empty()) {
+    position = PlaceFor(row);
+  } else if (position == kNowhere) {
+    position = rows_.size();
+  }
+  ascending_ = ascending_ && position == rows_.size();
+  rows_.insert(rows_.begin() + static_cast<std::ptrdiff_t>(position), row);
+  ++count_;
+  return position;
+}
+
+std::size_t RowOrder::Move(std::size_t position) {
+  if (columns_.empty()) return position;
+  const RowId row = rows_[position];
+  rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(position));
+  --count_;
+  return Insert(row, kNowhere);
+}
+
+std::size_t RowOrder::Drop(std::size_t position) {
+  --count_;
+  const bool sorted = !columns_.empty();
+  constexpr std::size_t kFew = 64;
+  const bool crowded = rows_.size() > 2 * static_cast<std::size_t>(count_) + kFew;
+  if (sorted) {
+    rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(position));
+  } else if (crowded) {
+    std::size_t before = 0;
+    for (std::size_t i = 0; i < position; ++i) before += IsInView(rows_[i]) ? 1U : 0U;
+    std::erase_if(rows_, [this](RowId row) { return !IsInView(row); });
+    position = before;
+  }
+  return Forward(position);
+}
+
+}  // namespace kvshare::data
