@@ -7,8 +7,11 @@
 #include <filesystem>
 #include <string>
 
+#include "kvshare/data/clientdataset.h"
+#include "kvshare/data/provider.h"
 #include "kvshare/data/sqlconnection.h"
 #include "kvshare/data/sqlquery.h"
+#include "kvshare/database/sqlbatch.h"
 #include "kvshare/database/sqlfunc.h"
 #include "kvshare/database/sqlsplit.h"
 #include "kvshare/rtl/cp874.h"
@@ -192,6 +195,77 @@ void BM_SplitStatements(benchmark::State& state) {
   state.SetBytesProcessed(state.iterations() * size);
 }
 BENCHMARK(BM_SplitStatements);
+
+// --- Changed records of a screen, noticed when somebody else was there first
+
+void FillShop(Shop& shop) {
+  RunSQLBatch(shop.Connection(), Batch());
+}
+
+constexpr const char* kUpdate =
+    "update T set NAME = ? where ID = ? and NAME = ? COLLATE BINARY and AMOUNT = ? and "
+    "DAY >= ? and DAY < ?";
+
+void BM_ApplyUpdates_RawClient(benchmark::State& state) {
+  Shop shop;
+  FillShop(shop);
+  sqlite3* database = shop.OpenRaw();
+  sqlite3_stmt* update = nullptr;
+  sqlite3_prepare_v2(database, kUpdate, -1, &update, nullptr);
+  std::string now = Cp874ToUtf8("สมุดบัญชีแยกประเภท"_th);
+  std::string next = "0";
+  for (auto _ : state) {
+    sqlite3_exec(database, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
+    for (int id = 1; id <= kInserts; ++id) {
+      const std::string amount = std::to_string(id % 100'000) + ".25";
+      const auto bind = [&](int place, const std::string& text) {
+        sqlite3_bind_text(update, place, text.data(), static_cast<int>(text.size()), SQLITE_STATIC);
+      };
+      bind(1, next);
+      sqlite3_bind_int(update, 2, id);
+      bind(3, now);
+      bind(4, amount);
+      bind(5, "2026-11-25 14:30:05");
+      bind(6, "2026-11-25 14:30:05.001");
+      sqlite3_step(update);
+      if (sqlite3_changes(database) != 1) state.SkipWithError("a record was not found");
+      sqlite3_reset(update);
+    }
+    sqlite3_exec(database, "COMMIT", nullptr, nullptr, nullptr);
+    now = next;
+    next = std::to_string(std::stoi(next) + 1);
+  }
+  sqlite3_finalize(update);
+  sqlite3_close(database);
+  state.SetItemsProcessed(state.iterations() * kInserts);
+}
+BENCHMARK(BM_ApplyUpdates_RawClient)->Unit(benchmark::kMillisecond);
+
+void BM_ApplyUpdates(benchmark::State& state) {
+  Shop shop;
+  FillShop(shop);
+  TDataSetProvider provider(shop.Connection());
+  provider.TableName = "T";
+  provider.KeyFields = "ID";
+  TClientDataSet set;
+  set.SetProvider(&provider);
+  set.Open();
+  TField& name = set.FieldByName("NAME");
+  int round = 0;
+  for (auto _ : state) {
+    state.PauseTiming();
+    const std::string text = std::to_string(round++);
+    for (set.First(); !set.Eof(); set.Next()) {
+      set.Edit();
+      name.SetAsString(text);
+      set.Post();
+    }
+    state.ResumeTiming();
+    if (set.ApplyUpdates(static_cast<int>(state.range(0))) != 0) state.SkipWithError("refused");
+  }
+  state.SetItemsProcessed(state.iterations() * kInserts);
+}
+BENCHMARK(BM_ApplyUpdates)->Arg(0)->Arg(-1)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace kvshare

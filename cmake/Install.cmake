@@ -12,8 +12,10 @@ set(internal_headers
   data/named.h
   data/record.h
   data/recordtable.h
+  data/resolver.h
   data/roworder.h
   data/uniqueindex.h
+  data/updatesql.h
   data/secrets.h
   data/wireforms.h
   data/wiretexts.h

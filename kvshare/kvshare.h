@@ -75,6 +75,7 @@
 #include "kvshare/data/driver.h"
 #include "kvshare/data/errors.h"
 #include "kvshare/data/field.h"
+#include "kvshare/data/provider.h"
 #include "kvshare/data/sqlconnection.h"
 #include "kvshare/data/sqlparams.h"
 #include "kvshare/data/sqlquery.h"

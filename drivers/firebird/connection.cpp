@@ -30,12 +30,18 @@ class FirebirdConnection final : public data::Connection {
   std::int64_t Execute(std::string_view sql) override;
   std::unique_ptr<data::Cursor> Query(std::string_view sql,
                                       std::span<const data::ParameterValue> parameters) override;
+  std::unique_ptr<data::PreparedStatement> Prepare(std::string_view sql) override;
   void Begin(Isolation isolation) override;
   void Commit() override;
   void Rollback() override;
+  std::string Exactly(std::string_view column, data::ColumnKind kind) const override;
   std::vector<std::string> TableNames(bool system) override;
   void SetLockTimeout(std::int32_t milliseconds) override { lockMilliseconds_ = milliseconds; }
   std::string ServerVersion() override;
+
+  std::int64_t Run(Statement& statement, std::span<const data::ParameterValue> parameters) {
+    return Repeating<std::int64_t>([&] { return RunOnce(statement, parameters); });
+  }
 
  private:
   using Cursor = drivers::DetachableCursor<Rows>;
@@ -51,6 +57,7 @@ class FirebirdConnection final : public data::Connection {
   }
 
   std::int64_t ExecuteOnce(std::string_view sql);
+  std::int64_t RunOnce(Statement& statement, std::span<const data::ParameterValue> parameters);
   std::unique_ptr<data::Cursor> QueryOnce(std::string_view sql,
                                           std::span<const data::ParameterValue> parameters);
 
@@ -171,6 +178,43 @@ std::int64_t FirebirdConnection::ExecuteOnce(std::string_view sql) {
   return changed;
 }
 
+class Prepared final : public data::PreparedStatement {
+ public:
+  Prepared(FirebirdConnection& connection, Statement statement)
+      : connection_(connection), statement_(std::move(statement)) {}
+
+  std::int64_t Run(std::span<const data::ParameterValue> parameters) override {
+    return connection_.Run(statement_, parameters);
+  }
+
+ private:
+  FirebirdConnection& connection_;
+  Statement statement_;
+};
+
+std::unique_ptr<data::PreparedStatement> FirebirdConnection::Prepare(std::string_view sql) {
+  std::optional<Transaction> own = OwnTransaction();
+  Statement statement(database_, own ? *own : transaction_, sql, dialect_);
+  PrepareColumns(statement.Columns());
+  if (own) own->Commit();
+  return std::make_unique<Prepared>(*this, std::move(statement));
+}
+
+std::int64_t FirebirdConnection::RunOnce(Statement& statement,
+                                         std::span<const data::ParameterValue> parameters) {
+  std::optional<Transaction> own = OwnTransaction();
+  Transaction& transaction = own ? *own : transaction_;
+  Descriptor values = BoundParameters(database_, transaction, statement, parameters);
+  Status status;
+  const bool oneRow = statement.Columns().Needed() > 0;
+  isc_dsql_execute2(status.Vector(), transaction.Handle(), statement.Handle(), SQLDA_VERSION1,
+                    values.Get(), oneRow ? statement.Columns().Get() : nullptr);
+  status.Check();
+  const std::int64_t changed = statement.RowsChanged();
+  if (own) own->Commit();
+  return changed;
+}
+
 std::unique_ptr<data::Cursor> FirebirdConnection::QueryOnce(
     std::string_view sql, std::span<const data::ParameterValue> parameters) {
   std::optional<Transaction> own = OwnTransaction();
@@ -213,6 +257,13 @@ void FirebirdConnection::Commit() {
 void FirebirdConnection::Rollback() {
   inTransaction_.DetachAll();
   transaction_.Rollback();
+}
+
+// Whatever character set and collation the column has.
+std::string FirebirdConnection::Exactly(std::string_view column, data::ColumnKind kind) const {
+  const std::string name(column);
+  if (kind != data::ColumnKind::Text && kind != data::ColumnKind::Memo) return name + " = ?";
+  return "CAST(" + name + " AS VARCHAR(8191) CHARACTER SET UTF8) COLLATE UCS_BASIC = ?";
 }
 
 std::vector<std::string> FirebirdConnection::TableNames(bool system) {

@@ -50,7 +50,8 @@ void Status::Fail() const {
   }
   const auto* row = std::ranges::find_if(
       kKinds, [this](const KindRow& known) { return Contains(vector_.data(), known.code); });
-  throw DriverError(text, row != std::end(kKinds) ? row->kind : DriverError::Kind::Other);
+  throw DriverError(text, row != std::end(kKinds) ? row->kind : DriverError::Kind::Other,
+                    static_cast<int>(vector_[1]));
 }
 
 }  // namespace kvshare::firebird

@@ -44,15 +44,21 @@ class MySqlConnection final : public data::Connection {
   }
   std::unique_ptr<data::Cursor> Query(std::string_view sql,
                                       std::span<const data::ParameterValue> parameters) override;
+  std::unique_ptr<data::PreparedStatement> Prepare(std::string_view sql) override;
   void Begin(Isolation isolation) override;
   void Commit() override { Execute("COMMIT"); }
   void Rollback() override { Execute("ROLLBACK"); }
+  std::string Exactly(std::string_view column, data::ColumnKind kind) const override;
+  std::string Quoted(std::string_view name) const override;
   std::vector<std::string> TableNames(bool system) override;
   void SetLockTimeout(std::int32_t milliseconds) override;
   std::string ServerVersion() override;
 
- private:
   void Ready();
+
+ private:
+  Statement PrepareText(std::string_view sql);
+  bool IsMariaDb() const;
   void Send(std::string_view sql);
   std::unique_ptr<data::Cursor> QueryPrepared(std::string_view sql,
                                               std::span<const data::ParameterValue> parameters);
@@ -124,12 +130,40 @@ std::unique_ptr<data::Cursor> MySqlConnection::Query(
   return nullptr;
 }
 
-std::unique_ptr<data::Cursor> MySqlConnection::QueryPrepared(
-    std::string_view sql, std::span<const data::ParameterValue> parameters) {
+Statement MySqlConnection::PrepareText(std::string_view sql) {
   Ready();
   Statement statement(mysql_stmt_init(mysql_.get()));
   if (!statement) throw std::bad_alloc();
   if (mysql_stmt_prepare(statement.get(), sql.data(), sql.size()) != 0) Fail(statement.get());
+  return statement;
+}
+
+class Prepared final : public data::PreparedStatement {
+ public:
+  Prepared(MySqlConnection& connection, Statement statement)
+      : connection_(connection), statement_(std::move(statement)) {}
+
+  std::int64_t Run(std::span<const data::ParameterValue> parameters) override {
+    connection_.Ready();
+    ExecuteWith(statement_.get(), parameters);
+    const bool gives = mysql_stmt_field_count(statement_.get()) != 0;
+    const auto rows = static_cast<std::int64_t>(mysql_stmt_affected_rows(statement_.get()));
+    mysql_stmt_free_result(statement_.get());
+    return gives ? 0 : rows;
+  }
+
+ private:
+  MySqlConnection& connection_;
+  Statement statement_;
+};
+
+std::unique_ptr<data::PreparedStatement> MySqlConnection::Prepare(std::string_view sql) {
+  return std::make_unique<Prepared>(*this, PrepareText(sql));
+}
+
+std::unique_ptr<data::Cursor> MySqlConnection::QueryPrepared(
+    std::string_view sql, std::span<const data::ParameterValue> parameters) {
+  Statement statement = PrepareText(sql);
   ExecuteWith(statement.get(), parameters);
   Result description(mysql_stmt_result_metadata(statement.get()));
   if (!description) return nullptr;
@@ -153,6 +187,27 @@ void MySqlConnection::Begin(Isolation isolation) {
   Execute("START TRANSACTION");
 }
 
+// Collations take letters of either case, and often blanks at the end, for the same; a text beside
+// a decimal makes both of them reals.
+std::string MySqlConnection::Exactly(std::string_view column, data::ColumnKind kind) const {
+  const std::string name(column);
+  switch (kind) {
+    case data::ColumnKind::Text:
+    case data::ColumnKind::Memo:
+      return name + " = ? COLLATE " + (IsMariaDb() ? "utf8mb4_nopad_bin" : "utf8mb4_bin");
+    case data::ColumnKind::Decimal:
+      return name + " = CAST(? AS DECIMAL(65,30))";
+    default:
+      return name + " = ?";
+  }
+}
+
+std::string MySqlConnection::Quoted(std::string_view name) const {
+  std::string quoted = "`";
+  for (const char c : name) quoted.append(c == '`' ? 2 : 1, c);
+  return quoted + "`";
+}
+
 std::vector<std::string> MySqlConnection::TableNames(bool system) {
   const auto rows = Query(system ? "SELECT CONCAT(TABLE_SCHEMA, '.', TABLE_NAME)"
                                    " FROM information_schema.TABLES WHERE TABLE_SCHEMA IN"
@@ -172,11 +227,15 @@ void MySqlConnection::SetLockTimeout(std::int32_t milliseconds) {
           ", SESSION lock_wait_timeout = " + seconds);
 }
 
+bool MySqlConnection::IsMariaDb() const {
+  return std::string_view(mysql_get_server_info(mysql_.get())).find("MariaDB") !=
+         std::string_view::npos;
+}
+
 std::string MySqlConnection::ServerVersion() {
   if (!mysql_) throw data::DriverError("The connection is closed");
   const std::string version = mysql_get_server_info(mysql_.get());
-  const bool maria = version.find("MariaDB") != std::string::npos;
-  return (maria ? "MariaDB " : "MySQL ") + version.substr(0, version.find('-'));
+  return (IsMariaDb() ? "MariaDB " : "MySQL ") + version.substr(0, version.find('-'));
 }
 
 }  // namespace

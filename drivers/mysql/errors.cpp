@@ -35,7 +35,7 @@ static_assert(std::ranges::is_sorted(kKinds, {}, &KindRow::code));
 [[noreturn]] void Fail(unsigned code, const char* text) {
   const auto* row = std::ranges::lower_bound(kKinds, code, {}, &KindRow::code);
   const bool known = row != std::end(kKinds) && row->code == code;
-  throw DriverError(text, known ? row->kind : DriverError::Kind::Other);
+  throw DriverError(text, known ? row->kind : DriverError::Kind::Other, static_cast<int>(code));
 }
 
 }  // namespace

@@ -65,20 +65,31 @@ class OdbcConnection final : public data::Connection {
   std::int64_t Execute(std::string_view sql) override;
   std::unique_ptr<data::Cursor> Query(std::string_view sql,
                                       std::span<const data::ParameterValue> parameters) override;
+  std::unique_ptr<data::PreparedStatement> Prepare(std::string_view sql) override;
   void Begin(Isolation isolation) override;
   void Commit() override { End(SQL_COMMIT); }
   void Rollback() override {
     End(SQL_ROLLBACK);
     SetLockTimeout(lockMilliseconds_);  // some servers take a setting back with the rest
   }
+  bool FailureEndsTransaction() const override { return dbms_.starts_with("PostgreSQL"); }
+  std::string Exactly(std::string_view column, data::ColumnKind kind) const override;
+  std::string Quoted(std::string_view name) const override;
   std::vector<std::string> TableNames(bool system) override;
   void SetLockTimeout(std::int32_t milliseconds) override;
   std::string ServerVersion() override { return Info(SQL_DBMS_NAME) + " " + Info(SQL_DBMS_VER); }
+
+  // Other statements may run now.
+  void Ready() {
+    if (!connected_) throw data::DriverError("The connection is closed");
+    if (oneAtATime_) open_.DetachAll();
+  }
 
  private:
   using Cursor = drivers::DetachableCursor<Rows>;
 
   Handle NewStatement();
+  bool IsMySql() const { return dbms_.starts_with("MariaDB") || dbms_.starts_with("MySQL"); }
   void Set(SQLINTEGER attribute, std::uintptr_t value) {
     connection_.Check(
         SQLSetConnectAttrW(connection_.Get(), attribute, Number(value), SQL_IS_UINTEGER));
@@ -162,9 +173,16 @@ void OdbcConnection::Disconnect() noexcept {
 }
 
 Handle OdbcConnection::NewStatement() {
-  if (!connected_) throw data::DriverError("The connection is closed");
-  if (oneAtATime_) open_.DetachAll();
+  Ready();
   return {SQL_HANDLE_STMT, connection_.Get()};
+}
+
+std::int64_t RowsChanged(const Handle& statement) {
+  SQLSMALLINT columns = 0;
+  SQLLEN changed = 0;
+  SQLNumResultCols(statement.Get(), &columns);
+  if (columns > 0 || !SQL_SUCCEEDED(SQLRowCount(statement.Get(), &changed))) return 0;
+  return changed < 0 ? 0 : changed;
 }
 
 std::int64_t OdbcConnection::Execute(std::string_view sql) {
@@ -172,11 +190,67 @@ std::int64_t OdbcConnection::Execute(std::string_view sql) {
   std::u16string text = ToUtf16(sql);
   statement.Check(
       SQLExecDirectW(statement.Get(), Units(text.data()), static_cast<SQLINTEGER>(text.size())));
-  SQLSMALLINT columns = 0;
-  SQLLEN changed = 0;
-  SQLNumResultCols(statement.Get(), &columns);
-  if (columns > 0 || !SQL_SUCCEEDED(SQLRowCount(statement.Get(), &changed))) return 0;
-  return changed < 0 ? 0 : changed;
+  return RowsChanged(statement);
+}
+
+class Prepared final : public data::PreparedStatement {
+ public:
+  Prepared(OdbcConnection& connection, Handle statement)
+      : connection_(connection), statement_(std::move(statement)) {}
+
+  std::int64_t Run(std::span<const data::ParameterValue> parameters) override {
+    connection_.Ready();
+    const Release release{statement_};
+    const BoundParameters bound(statement_, parameters);
+    const SQLRETURN result = SQLExecute(statement_.Get());
+    statement_.Check(result);
+    return result == SQL_NO_DATA ? 0 : RowsChanged(statement_);
+  }
+
+ private:
+  struct Release {
+    const Handle& statement;
+    ~Release() {
+      SQLFreeStmt(statement.Get(), SQL_CLOSE);
+      SQLFreeStmt(statement.Get(), SQL_RESET_PARAMS);
+    }
+  };
+
+  OdbcConnection& connection_;
+  Handle statement_;
+};
+
+std::unique_ptr<data::PreparedStatement> OdbcConnection::Prepare(std::string_view sql) {
+  Handle statement = NewStatement();
+  std::u16string text = ToUtf16(sql);
+  statement.Check(
+      SQLPrepareW(statement.Get(), Units(text.data()), static_cast<SQLINTEGER>(text.size())));
+  return std::make_unique<Prepared>(*this, std::move(statement));
+}
+
+// As the servers behind need it; those that are not named compare exactly.
+std::string OdbcConnection::Exactly(std::string_view column, data::ColumnKind kind) const {
+  const bool text = kind == data::ColumnKind::Text || kind == data::ColumnKind::Memo;
+  std::string condition = std::string(column) + " = ?";
+  if (IsMySql() && text) {
+    condition +=
+        dbms_.starts_with("MariaDB") ? " COLLATE utf8mb4_nopad_bin" : " COLLATE utf8mb4_bin";
+  }
+  if (IsMySql() && kind == data::ColumnKind::Decimal) {
+    condition = std::string(column) + " = CAST(? AS DECIMAL(65,30))";
+  }
+  if (dbms_.starts_with("SQLite") && text) condition += " COLLATE BINARY";
+  if (dbms_.starts_with("Microsoft SQL Server") && text) {
+    condition += " COLLATE Latin1_General_BIN2";
+  }
+  return condition;
+}
+
+std::string OdbcConnection::Quoted(std::string_view name) const {
+  if (!IsMySql()) return Connection::Quoted(name);
+  std::string quoted = "`";
+  for (const char c : name) quoted.append(c == '`' ? 2 : 1, c);
+  return quoted + "`";
 }
 
 std::unique_ptr<data::Cursor> OdbcConnection::Query(

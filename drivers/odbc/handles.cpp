@@ -105,7 +105,7 @@ void Handle::Check(SQLRETURN result) const {
   if (SQL_SUCCEEDED(result) || result == SQL_NO_DATA) return;
   const Report report = ReportOf(type_, handle_);
   throw DriverError(report.text.empty() ? "A call of the driver manager failed" : report.text,
-                    KindOf(report));
+                    KindOf(report), report.code);
 }
 
 const Dialect& DialectOf(std::string_view dbmsName) {

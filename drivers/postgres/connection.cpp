@@ -51,6 +51,12 @@ class Values {
   }
   void operator()(const data::Bytes& value) { Add(value.bytes, 1); }
 
+  const std::vector<Oid>& Types() const { return types_; }
+
+  Result RunPrepared(PGconn* connection, const std::string& name) const {
+    return Result(PQexecPrepared(connection, name.c_str(), static_cast<int>(texts_.size()),
+                                 pointers_.data(), lengths_.data(), formats_.data(), 0));
+  }
   bool Send(PGconn* connection, const std::string& sql) const {
     const bool simple = texts_.empty();
     return simple ? PQsendQuery(connection, sql.c_str()) == 1
@@ -90,19 +96,24 @@ class PostgresConnection final : public data::Connection {
   std::int64_t Execute(std::string_view sql) override;
   std::unique_ptr<data::Cursor> Query(std::string_view sql,
                                       std::span<const data::ParameterValue> parameters) override;
+  std::unique_ptr<data::PreparedStatement> Prepare(std::string_view sql) override;
   void Begin(Isolation isolation) override;
   void Commit() override;
   void Rollback() override;
+  bool FailureEndsTransaction() const override { return true; }
   std::vector<std::string> TableNames(bool system) override;
   void SetLockTimeout(std::int32_t milliseconds) override;
   std::string ServerVersion() override;
 
- private:
-  void Ready(std::string_view sql);
+  PGconn* Ready(std::string_view sql);
+  // The rows that a command changed, once it has ended well.
+  std::int64_t RowsChanged(const Result& result);
 
+ private:
   Handle postgres_;
   drivers::OpenCursors open_;
   std::int32_t lockMilliseconds_ = 10'000;
+  int prepared_ = 0;  // statements so far, for their names
   bool trimCharacters_ = false;
 };
 
@@ -155,15 +166,19 @@ void PostgresConnection::Connect(const std::vector<std::pair<std::string, std::s
   postgres_ = std::move(made);
 }
 
-void PostgresConnection::Ready(std::string_view sql) {
+PGconn* PostgresConnection::Ready(std::string_view sql) {
   if (!postgres_) throw data::DriverError("The connection is closed");
   drivers::RefuseZeroByte(sql);
   open_.DetachAll();
+  return postgres_.get();
 }
 
 std::int64_t PostgresConnection::Execute(std::string_view sql) {
-  Ready(sql);
-  const Result result(PQexec(postgres_.get(), std::string(sql).c_str()));
+  PGconn* connection = Ready(sql);
+  return RowsChanged(Result(PQexec(connection, std::string(sql).c_str())));
+}
+
+std::int64_t PostgresConnection::RowsChanged(const Result& result) {
   switch (PQresultStatus(result.get())) {
     case PGRES_COMMAND_OK:
     case PGRES_TUPLES_OK:
@@ -179,6 +194,48 @@ std::int64_t PostgresConnection::Execute(std::string_view sql) {
   if (PQresultStatus(result.get()) == PGRES_TUPLES_OK) return 0;
   const std::string_view changed = PQcmdTuples(result.get());
   return changed.empty() ? 0 : drivers::ToInteger(changed);
+}
+
+// The server is told the statement with the first values, whose types it has to know.
+class Prepared final : public data::PreparedStatement {
+ public:
+  Prepared(PostgresConnection& connection, std::string name, std::string sql)
+      : connection_(connection), name_(std::move(name)), sql_(std::move(sql)) {}
+  ~Prepared() override { Forget(); }
+
+  std::int64_t Run(std::span<const data::ParameterValue> parameters) override {
+    PGconn* postgres = connection_.Ready(sql_);
+    const Values values(parameters);
+    if (postgres_ == nullptr || types_ != values.Types()) Tell(postgres, values.Types());
+    return connection_.RowsChanged(values.RunPrepared(postgres, name_));
+  }
+
+ private:
+  void Tell(PGconn* postgres, const std::vector<Oid>& types) {
+    Forget();
+    const Result told(PQprepare(postgres, name_.c_str(), sql_.c_str(),
+                                static_cast<int>(types.size()), types.data()));
+    if (PQresultStatus(told.get()) != PGRES_COMMAND_OK) Fail(postgres, told.get());
+    postgres_ = postgres;
+    types_ = types;
+  }
+  void Forget() noexcept {
+    if (PGconn* postgres = std::exchange(postgres_, nullptr)) {
+      const Result forgotten(PQexec(postgres, ("DEALLOCATE " + name_).c_str()));
+    }
+  }
+
+  PostgresConnection& connection_;
+  std::string name_;
+  std::string sql_;
+  PGconn* postgres_ = nullptr;  // that knows the statement
+  std::vector<Oid> types_;
+};
+
+std::unique_ptr<data::PreparedStatement> PostgresConnection::Prepare(std::string_view sql) {
+  Ready(sql);
+  return std::make_unique<Prepared>(*this, "kvshare" + std::to_string(++prepared_),
+                                             drivers::NumberedPlaceholders(sql));
 }
 
 std::unique_ptr<data::Cursor> PostgresConnection::Query(

@@ -36,23 +36,36 @@ int ClampSize(std::size_t size) {
   return static_cast<int>(size);
 }
 
-// Binds one value; the texts live until the statement has run.
+// Binds one value. Its texts are copied, unless they live until the statement has run.
 struct Binder {
   sqlite3_stmt* statement;
   int place;
+  sqlite3_destructor_type lifetime;
 
   int operator()(std::monostate /*null*/) const { return sqlite3_bind_null(statement, place); }
   int operator()(std::int64_t value) const { return sqlite3_bind_int64(statement, place, value); }
   int operator()(double value) const { return sqlite3_bind_double(statement, place, value); }
   int operator()(const std::string& text) const {
-    return sqlite3_bind_text(statement, place, text.data(), ClampSize(text.size()),
-                             SQLITE_TRANSIENT);
+    return sqlite3_bind_text(statement, place, text.data(), ClampSize(text.size()), lifetime);
   }
   int operator()(const data::Bytes& value) const {
     return sqlite3_bind_blob(statement, place, value.bytes.data(), ClampSize(value.bytes.size()),
-                             SQLITE_TRANSIENT);
+                             lifetime);
   }
 };
+
+void BindAll(sqlite3* database, sqlite3_stmt* statement,
+             std::span<const data::ParameterValue> parameters, sqlite3_destructor_type lifetime) {
+  const int places = sqlite3_bind_parameter_count(statement);
+  if (static_cast<std::size_t>(places) != parameters.size()) {
+    throw DriverError("the statement has " + std::to_string(places) + " parameters, given are " +
+                      std::to_string(parameters.size()));
+  }
+  for (int i = 0; i < places; ++i) {
+    const Binder bind{statement, i + 1, lifetime};
+    if (std::visit(bind, parameters[static_cast<std::size_t>(i)]) != SQLITE_OK) Refuse(database);
+  }
+}
 
 class SqliteConnection : public data::Connection {
  public:
@@ -61,12 +74,17 @@ class SqliteConnection : public data::Connection {
   std::int64_t Execute(std::string_view sql) override;
   std::unique_ptr<data::Cursor> Query(std::string_view sql,
                                       std::span<const data::ParameterValue> parameters) override;
+  std::unique_ptr<data::PreparedStatement> Prepare(std::string_view sql) override;
   void Begin(data::Isolation isolation) override;
   void Commit() override;
   void Rollback() override;
+  std::string Exactly(std::string_view column, data::ColumnKind kind) const override;
   std::vector<std::string> TableNames(bool system) override;
   void SetLockTimeout(std::int32_t milliseconds) override;
   std::string ServerVersion() override;
+
+  // Runs what has been prepared and bound, to its end; the rows that it changed.
+  std::int64_t RunToEnd(sqlite3_stmt* statement);
 
  private:
   void CheckTransaction() const;
@@ -141,39 +159,71 @@ void SqliteConnection::CheckTransaction() const {
 
 std::int64_t SqliteConnection::Execute(std::string_view sql) {
   CheckTransaction();
+  const Statement statement = sqlite::Prepare(database_.get(), sql);
+  return statement ? RunToEnd(statement.get()) : 0;
+}
+
+std::int64_t SqliteConnection::RunToEnd(sqlite3_stmt* statement) {
+  CheckTransaction();
   sqlite3* database = database_.get();
-  const Statement statement = Prepare(database, sql);
-  if (!statement) return 0;
   const std::int64_t before = sqlite3_total_changes64(database);
   const auto run = [&] {
     int code = SQLITE_ROW;
-    while (code == SQLITE_ROW) code = sqlite3_step(statement.get());
+    while (code == SQLITE_ROW) code = sqlite3_step(statement);
     return code;
   };
   if (run() != SQLITE_DONE) {
     const bool again = FreedSnapshot();
-    sqlite3_reset(statement.get());
+    sqlite3_reset(statement);
     if (!again || run() != SQLITE_DONE) Refuse(database);
   }
   return sqlite3_total_changes64(database) == before ? 0 : sqlite3_changes64(database);
 }
 
+class Prepared : public data::PreparedStatement {
+ public:
+  Prepared(SqliteConnection& connection, sqlite3* database, Statement statement)
+      : connection_(connection), database_(database), statement_(std::move(statement)) {}
+
+  std::int64_t Run(std::span<const data::ParameterValue> parameters) override {
+    const Release release{statement_.get()};
+    BindAll(database_, statement_.get(), parameters, SQLITE_STATIC);
+    return connection_.RunToEnd(statement_.get());
+  }
+
+ private:
+  // Whatever happens, the statement holds no lock and points at no value afterwards.
+  struct Release {
+    sqlite3_stmt* statement;
+    ~Release() {
+      sqlite3_reset(statement);
+      sqlite3_clear_bindings(statement);
+    }
+  };
+
+  SqliteConnection& connection_;
+  sqlite3* database_;
+  Statement statement_;
+};
+
+std::unique_ptr<data::PreparedStatement> SqliteConnection::Prepare(std::string_view sql) {
+  Statement statement = sqlite::Prepare(database_.get(), sql);
+  if (!statement) throw DriverError("there is no statement to prepare");
+  return std::make_unique<Prepared>(*this, database_.get(), std::move(statement));
+}
+
+// Whatever collation a table has for its texts.
+std::string SqliteConnection::Exactly(std::string_view column, data::ColumnKind kind) const {
+  const bool text = kind == data::ColumnKind::Text || kind == data::ColumnKind::Memo;
+  return std::string(column) + (text ? " = ? COLLATE BINARY" : " = ?");
+}
+
 std::unique_ptr<data::Cursor> SqliteConnection::Query(
     std::string_view sql, std::span<const data::ParameterValue> parameters) {
   CheckTransaction();
-  Statement statement = Prepare(database_.get(), sql);
+  Statement statement = sqlite::Prepare(database_.get(), sql);
   if (!statement) return nullptr;
-  const int places = sqlite3_bind_parameter_count(statement.get());
-  if (static_cast<std::size_t>(places) != parameters.size()) {
-    throw DriverError("the statement has " + std::to_string(places) + " parameters, given are " +
-                      std::to_string(parameters.size()));
-  }
-  for (int i = 0; i < places; ++i) {
-    const Binder bind{statement.get(), i + 1};
-    if (std::visit(bind, parameters[static_cast<std::size_t>(i)]) != SQLITE_OK) {
-      Refuse(database_.get());
-    }
-  }
+  BindAll(database_.get(), statement.get(), parameters, SQLITE_TRANSIENT);
   const bool gives = sqlite3_column_count(statement.get()) > 0;
   try {
     auto rows = std::make_unique<Rows>(database_.get(), std::move(statement), open_);

@@ -25,7 +25,8 @@ using Statement = std::unique_ptr<sqlite3_stmt, FinalizeStatement>;
   const int code = sqlite3_errcode(database);
   const bool busy = code == SQLITE_BUSY || code == SQLITE_LOCKED;
   throw data::DriverError(sqlite3_errmsg(database),
-                          busy ? data::DriverError::Kind::Busy : data::DriverError::Kind::Other);
+                          busy ? data::DriverError::Kind::Busy : data::DriverError::Kind::Other,
+                          sqlite3_extended_errcode(database));
 }
 
 // The only statement of the text; empty where there is none. Throws DriverError.

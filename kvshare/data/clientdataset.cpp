@@ -48,12 +48,21 @@ void TClientDataSet::CreateDataSet() {
   if (fieldDefs_.Count() == 0) {
     DatabaseError("No fields defined.  Cannot create dataset", this);
   }
-  Open();
+  TDataSetProvider* const provider = std::exchange(provider_, nullptr);
+  try {
+    Open();
+  } catch (...) {
+    provider_ = provider;
+    throw;
+  }
+  provider_ = provider;
 }
 
 void TClientDataSet::InternalOpen() {
+  if (provider_ != nullptr) DescribeByProvider();
   if (fieldDefs_.Count() == 0) DatabaseError("Missing data provider or data packet", this);
   MakeRecords();
+  if (provider_ != nullptr) FetchFromProvider();
 }
 
 void TClientDataSet::MakeRecords() {
@@ -186,8 +195,16 @@ const TRecordReader* TClientDataSet::Image(TFieldImage image, const TField& fiel
                                            int column) const {
   const bool stored =
       field.FieldKind() != TFieldKind::fkCalculated && field.FieldKind() != TFieldKind::fkLookup;
-  return stored && image == TFieldImage::Old ? records_->Old()
-                                             : TDataSet::Image(image, field, column);
+  if (!stored) return TDataSet::Image(image, field, column);
+  switch (image) {
+    case TFieldImage::Old:
+      return records_->Old();
+    case TFieldImage::New:
+      return records_->New(column);
+    case TFieldImage::Cur:
+      break;
+  }
+  return records_->Cur(column);
 }
 
 // --- Order and keys

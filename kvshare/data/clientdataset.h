@@ -1,4 +1,4 @@
-// Records in memory with a log of what was changed.
+// Records in memory with a log of what was changed, to be sent to a server later (provider.h).
 #pragma once
 
 #include <cstdint>
@@ -17,9 +17,16 @@ namespace kvshare {
 
 namespace data {
 class ClientRecords;
-}
+class Record;
+struct Refusal;
+struct UpdateTarget;
+}  // namespace data
 
 class TClientDataSet;
+class TDataSetProvider;
+
+using TReconcileErrorEvent =
+    std::function<void(TClientDataSet&, EReconcileError&, TUpdateKind, TReconcileAction&)>;
 
 // The fields that CreateDataSet makes.
 class KVSHARE_API TFieldDefs {
@@ -55,7 +62,9 @@ struct TUpdateStatusSet {
 
 // A change is logged unless LogChanges is off; the log has one entry a record, with its values
 // before the first change. OldValue is the value before the change (Null of an inserted record),
-// NewValue the present one, CurValue Unassigned.
+// NewValue the present one. While OnReconcileError runs NewValue is Unassigned in fields without a
+// change, and CurValue has the server's values where they are no longer the old ones; elsewhere it
+// is Unassigned.
 //
 // Engine errors are EDBClient: `Key violation.` (9729), `Field value required.` (9732), and
 // EDatabaseError `No fields defined.  Cannot create dataset`,
@@ -69,7 +78,7 @@ class KVSHARE_API TClientDataSet : public TDataSet {
 
   TFieldDefs& FieldDefs() { return fieldDefs_; }
   const TFieldDefs& FieldDefs() const { return fieldDefs_; }
-  // Beside those of FieldDefs, at every opening.
+  // Beside those of FieldDefs or of the provider, at every opening.
   void AddCalculated(std::string_view name, TFieldType type, int size = 0);
   void AddLookup(std::string_view name, TFieldType type, int size, TLookup lookup);
 
@@ -117,6 +126,27 @@ class KVSHARE_API TClientDataSet : public TDataSet {
   void CancelUpdates();   // all back
   void MergeChangeLog();  // all kept as they are
 
+  // --- The server
+
+  // Opening then fetches the records from it, with its fields. It outlives the set.
+  TDataSetProvider* Provider() const { return provider_; }
+  void SetProvider(TDataSetProvider* provider) { provider_ = provider; }
+
+  // Sends the changes in the order of the log, in one transaction, and stops once more than
+  // `maxErrors` were refused (-1: never); with more than these nothing is written. Inside a
+  // transaction of the program it ends none: nothing written then means that it is as before.
+  // Returns how many were refused. What was written leaves the log, everything else stays.
+  //
+  // Then OnReconcileError decides about each refused change. The set stands on its record,
+  // NewValues may be stored, and moves, Post, Cancel and Close throw
+  // `Changes are being reconciled`. Without a handler all stays as it is.
+  //
+  // A lost connection and a failed commit throw EServerError; the log is as it was. Throws
+  // EDatabaseError `Missing data provider or data packet`, and what the provider's table and key
+  // throw.
+  int ApplyUpdates(int maxErrors);
+  TReconcileErrorEvent OnReconcileError;
+
  protected:
   void InternalOpen() override;
   void InternalClose() noexcept override;
@@ -133,6 +163,8 @@ class KVSHARE_API TClientDataSet : public TDataSet {
   const TRecordReader* Image(TFieldImage image, const TField& field, int column) const override;
 
  private:
+  class RefusedRecord;
+
   void MakeRecords();
   void CheckRequiredInPacket() const;
   std::vector<int> ColumnsOf(std::string_view names) const;
@@ -141,6 +173,16 @@ class KVSHARE_API TClientDataSet : public TDataSet {
   void Restand();
   void Calculate();
   void FillLookups();
+
+  // Fetching and applying (clientupdates.cpp).
+  void DescribeByProvider();
+  void FetchFromProvider();
+  data::UpdateTarget TargetOf(const TDataSetProvider& provider) const;
+  data::Record RecordOf(TDataSet& row) const;
+  void Reconcile(std::vector<data::Refusal>& refusals);
+  TReconcileAction Decide(data::Refusal& refusal, TReconcileAction action, int previousError);
+  void ActOn(data::Refusal& refusal, TReconcileAction action);
+  data::Record Merged(const data::Refusal& refusal) const;
 
   TFieldDefs fieldDefs_;
   struct Derived {
@@ -151,6 +193,7 @@ class KVSHARE_API TClientDataSet : public TDataSet {
   std::string indexFieldNames_;
   std::string primaryKey_;
   TUpdateStatusSet statusFilter_;
+  TDataSetProvider* provider_ = nullptr;
   std::unique_ptr<data::ClientRecords> records_;
 };
 

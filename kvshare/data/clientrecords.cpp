@@ -36,7 +36,8 @@ void ClientRecords::Show() {
   if (editing_) {
     current_.Show(buffer_);
   } else {
-    current_.Show(position_ == RowOrder::kNowhere ? nullptr : &table_.At(Row()));
+    const RowId row = Row();
+    current_.Show(row == kNoRow ? nullptr : &table_.At(row));
   }
 }
 
@@ -106,8 +107,39 @@ bool ClientRecords::Delete(bool logged) {
 
 const TRecordReader* ClientRecords::Old() const {
   const RowId row = editing_ ? editedRow_ : Row();
-  old_.Show(row == kNoRow ? nullptr : table_.Original(row));
-  return &old_;
+  image_.Show(row == kNoRow ? nullptr : table_.Original(row));
+  return &image_;
+}
+
+const TRecordReader* ClientRecords::New(int column) const {
+  if (!refused_ || refused_->kind == TUpdateKind::ukInsert) return &current_;
+  if (refused_->kind == TUpdateKind::ukDelete) return nullptr;
+  const Record* original = table_.Original(Row());
+  const Cell value = CellOf(current_, column, Layout().Form(column));
+  return original != nullptr && original->At(Layout(), column) == value ? nullptr : &current_;
+}
+
+const TRecordReader* ClientRecords::Cur(int column) const {
+  if (!refused_ || refused_->kind == TUpdateKind::ukInsert || !*refused_->server) return nullptr;
+  const Record* original = table_.Original(Row());
+  const Cell value = refused_->server->At(Layout(), column);
+  if (original != nullptr && original->At(Layout(), column) == value) return nullptr;
+  image_.Show(refused_->server);
+  return &image_;
+}
+
+void ClientRecords::ShowRefused(RowId row, TUpdateKind kind, const Record& server) {
+  apart_ = row;
+  refused_ = Refused{kind, &server};
+  if (kind != TUpdateKind::ukDelete) return BeginEdit();
+  Show();
+}
+
+void ClientRecords::HideRefused() {
+  apart_ = kNoRow;
+  refused_.reset();
+  editing_ = false;
+  Show();
 }
 
 }  // namespace kvshare::data

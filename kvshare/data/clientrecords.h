@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include "kvshare/data/record.h"
@@ -38,7 +39,10 @@ class ClientRecords {
   // last.
   bool StandNear(RowId row, std::size_t position);
   std::size_t Position() const { return position_; }
-  RowId Row() const { return position_ == RowOrder::kNowhere ? kNoRow : order_.At(position_); }
+  RowId Row() const {
+    if (apart_ != kNoRow) return apart_;
+    return position_ == RowOrder::kNowhere ? kNoRow : order_.At(position_);
+  }
 
   // --- Editing
 
@@ -58,9 +62,17 @@ class ClientRecords {
   void Outdate() { calculated_.Outdate(); }
   void PutCalculated(int column, const Cell& cell) { calculated_.Put(column, cell); }
 
-  // The current record as before its first change; all Null of one that was inserted.
+  // --- The images of the current record; nullptr where a column has no value in them
 
-  const TRecordReader* Old() const;
+  const TRecordReader* Old() const;  // all Null of an inserted record
+  const TRecordReader* New(int column) const;
+  const TRecordReader* Cur(int column) const;
+
+  // Shows a row that a server refused, whatever is in view, so that it can be decided about; one
+  // that is there as being edited. `server` is the server's record, empty where it has none.
+  void ShowRefused(RowId row, TUpdateKind kind, const Record& server);
+  // Back to what was shown before; a record that was being edited is dropped.
+  void HideRefused();
 
  private:
   // Calculates at the first look.
@@ -98,7 +110,14 @@ class ClientRecords {
   RowId editedRow_ = kNoRow;
   std::size_t insertAt_ = RowOrder::kNowhere;
 
-  mutable RecordView old_{table_.Layout()};
+  struct Refused {
+    TUpdateKind kind;
+    const Record* server;
+  };
+  std::optional<Refused> refused_;
+  RowId apart_ = kNoRow;  // the row that is shown though it is not the current one
+
+  mutable RecordView image_{table_.Layout()};
 };
 
 }  // namespace kvshare::data

@@ -28,6 +28,7 @@ void TDataSet::Open() {
 
 void TDataSet::Close() {
   if (!Active()) return;
+  CheckNotHeld();
   state_ = TDataSetState::dsInactive;
   modified_ = false;
   fields_.clear();
@@ -111,6 +112,7 @@ const TRecordReader* TDataSet::Image(TFieldImage image, const TField& field, int
 
 void TDataSet::CheckBrowseMode() {
   CheckActive();
+  CheckNotHeld();
   if (!IsEditing()) return;
   modified_ ? Post() : Cancel();
 }
@@ -184,6 +186,7 @@ void TDataSet::PostRecord() {
 
 void TDataSet::Post() {
   CheckActive();
+  CheckNotHeld();
   if (!IsEditing()) DatabaseError("Dataset not in edit or insert mode", this);
   Tell(BeforePost);
   for (TDataAction action = TDataAction::daRetry; action == TDataAction::daRetry;) {
@@ -205,6 +208,7 @@ void TDataSet::Post() {
 
 void TDataSet::Cancel() {
   if (!IsEditing()) return;
+  CheckNotHeld();
   Tell(BeforeCancel);
   const bool any = InternalCancel();
   modified_ = false;
@@ -249,6 +253,10 @@ void TDataSet::CheckActive() const {
 void TDataSet::CheckEditable() const {
   CheckActive();
   if (!CanModify()) DatabaseError("Cannot modify a read-only dataset", this);
+}
+
+void TDataSet::CheckNotHeld() const {
+  if (held_ != nullptr) DatabaseError(held_, this);
 }
 
 void TDataSet::RefuseUniDirectional() const {

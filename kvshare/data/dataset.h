@@ -151,6 +151,8 @@ class KVSHARE_API TDataSet : public TComponent {
   // Ends a pending edit as a move does.
   void CheckBrowseMode();
   void SetState(TDataSetState state) { state_ = state; }
+  // While a set is held, moves and the ends of editing are refused with `why`; nullptr: it is not.
+  void Hold(const char* why) { held_ = why; }
   void SetModified(bool modified) { modified_ = modified; }
   void SetPlace(bool bof, bool eof, bool empty);
   void Scrolled() {
@@ -165,6 +167,7 @@ class KVSHARE_API TDataSet : public TComponent {
   }
   void CheckStorable(const TField& field) const;
   void CheckEditable() const;
+  void CheckNotHeld() const;
   void CheckRequired() const;
   void RefuseUniDirectional() const;
   void Begin(bool append);
@@ -178,6 +181,7 @@ class KVSHARE_API TDataSet : public TComponent {
   bool eof_ = true;
   bool empty_ = true;
   bool modified_ = false;
+  const char* held_ = nullptr;
   std::vector<std::unique_ptr<TField>> fields_;
 };
 

@@ -25,7 +25,7 @@
 namespace kvshare::data {
 
 // Changes with every change of this file that a driver can notice.
-inline constexpr std::int32_t kDriverContract = 2;
+inline constexpr std::int32_t kDriverContract = 3;
 
 // A failure in the server's own words.
 class KVSHARE_API DriverError : public std::runtime_error {
@@ -37,13 +37,16 @@ class KVSHARE_API DriverError : public std::runtime_error {
     Conflict,        // the transaction was undone in favour of another one
   };
 
-  explicit DriverError(const std::string& serverText, Kind kind = Kind::Other)
-      : std::runtime_error(serverText), kind_(kind) {}
+  // `code` is the server's own number of the failure; 0 where it has none.
+  explicit DriverError(const std::string& serverText, Kind kind = Kind::Other, int code = 0)
+      : std::runtime_error(serverText), kind_(kind), code_(code) {}
   ~DriverError() override;
   Kind What() const { return kind_; }
+  int Code() const { return code_; }
 
  private:
   Kind kind_;
+  int code_;
 };
 
 // How the values of a column are read. Exact decimals never pass through a float.
@@ -101,6 +104,19 @@ struct Bytes {
 };
 using ParameterValue = std::variant<std::monostate, std::int64_t, double, std::string, Bytes>;
 
+// A statement that is run many times with other values, and gives no rows (those that it gives are
+// dropped). It lives at most as long as its connection is open.
+class KVSHARE_API PreparedStatement {
+ public:
+  PreparedStatement() = default;
+  virtual ~PreparedStatement() = default;
+  PreparedStatement(const PreparedStatement&) = delete;
+  PreparedStatement& operator=(const PreparedStatement&) = delete;
+
+  // The rows that it found: an update that changes nothing of a row has found it all the same.
+  virtual std::int64_t Run(std::span<const ParameterValue> parameters) = 0;
+};
+
 enum class Isolation : std::uint8_t { ReadCommitted, RepeatableRead, DirtyRead, Custom };
 
 // A connection to a database; made closed. Destroying it disconnects, and rolls back.
@@ -126,10 +142,23 @@ class KVSHARE_API Connection {
   virtual std::unique_ptr<Cursor> Query(std::string_view sql,
                                         std::span<const ParameterValue> parameters) = 0;
 
+  // Parameters stand for `?` in the text, in order.
+  virtual std::unique_ptr<PreparedStatement> Prepare(std::string_view sql) = 0;
+
   // Begin while one is active is never called. Servers without transactions do nothing.
   virtual void Begin(Isolation isolation) = 0;
   virtual void Commit() = 0;
   virtual void Rollback() = 0;
+
+  // Whether a statement that fails makes the server refuse all others of its transaction.
+  // Everywhere else such a statement has changed nothing, and the others stand.
+  virtual bool FailureEndsTransaction() const { return false; }
+
+  // A condition that holds for rows with exactly one value in `column`, `?` in it once: letter by
+  // letter and digit by digit also where the server's own `=` sees no difference.
+  virtual std::string Exactly(std::string_view column, ColumnKind kind) const;
+  // A column's name between the server's quotation marks.
+  virtual std::string Quoted(std::string_view name) const;
 
   // Names of tables and views, or of the system tables alone, in the server's order; as the server
   // spells them, not quoted.

@@ -15,8 +15,8 @@ namespace kvshare {
 // `SQL Server Error: ` and the server's own text.
 class KVSHARE_API EServerError : public EDatabaseError {
  public:
-  EServerError(std::string_view message, data::DriverError::Kind kind)
-      : EDatabaseError(message), kind_(kind) {}
+  EServerError(std::string_view message, const data::DriverError& error)
+      : EDatabaseError(message), kind_(error.What()), code_(error.Code()) {}
   ~EServerError() override;
 
   // The server went away; the connection has to be closed and opened again.
@@ -25,9 +25,12 @@ class KVSHARE_API EServerError : public EDatabaseError {
   bool Busy() const { return kind_ == data::DriverError::Kind::Busy; }
   // The transaction was undone in favour of another one.
   bool Conflict() const { return kind_ == data::DriverError::Kind::Conflict; }
+  // The server's own number of the failure; 0 where it has none.
+  int Code() const { return code_; }
 
  private:
   data::DriverError::Kind kind_;
+  int code_;
 };
 
 // Throws EDatabaseError with `message`, behind `Name: ` where the component has a name.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "kvshare/data/wireforms.h"
 #include "kvshare/rtl/exceptions.h"
 
 namespace kvshare::data {
@@ -47,6 +48,33 @@ Cell CellOf(const TRecordReader& reader, int column, TFieldForm form) {
       break;
   }
   return {};
+}
+
+void PutCell(RecordBuffer& out, const TRecordReader& reader, int column, TFieldForm form,
+             std::string& scratch) {
+  Cell cell = form == TFieldForm::Text && !reader.IsNull(column) ? Cell{CellKind::Text, 0, 0, {}}
+                                                                 : CellOf(reader, column, form);
+  constexpr std::string_view kNoMilliseconds = ".000";
+  scratch.clear();
+  if (cell.kind == CellKind::Text) {
+    switch (form) {
+      case TFieldForm::Text:
+        reader.AppendCharacters(scratch, column);
+        cell.text = scratch;
+        break;
+      case TFieldForm::Decimal:
+        AppendShortest(scratch, cell.text, '.');
+        cell.text = scratch;
+        break;
+      case TFieldForm::Time:
+      case TFieldForm::Moment:
+        if (cell.text.ends_with(kNoMilliseconds)) cell.text.remove_suffix(kNoMilliseconds.size());
+        break;
+      default:
+        break;
+    }
+  }
+  out.Put(column, cell);
 }
 
 RecordLayout::RecordLayout(std::vector<TFieldForm> forms) : forms_(std::move(forms)) {

@@ -65,6 +65,13 @@ class OwnedCell {
 // What `reader` has in a column of that form.
 Cell CellOf(const TRecordReader& reader, int column, TFieldForm form);
 
+// Puts such a value into `out`, with its text in the form of which equal values have equal bytes:
+// characters in code page 874, decimals without zeros at the end, moments without .000. `scratch`
+// is for texts on the way.
+class RecordBuffer;
+void PutCell(RecordBuffer& out, const TRecordReader& reader, int column, TFieldForm form,
+             std::string& scratch);
+
 // Where the columns lie in a block: bits that tell what is null, eight bytes a column (a number, or
 // place and length of a text), the texts.
 class RecordLayout {
@@ -85,8 +92,6 @@ class RecordLayout {
   std::vector<CellKind> kinds_;
   std::size_t slotsAt_ = 0;
 };
-
-class RecordBuffer;
 
 // One record, as it was posted.
 class Record {

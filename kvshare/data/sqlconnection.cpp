@@ -82,7 +82,7 @@ void TSQLConnection::RefuseByServer(const data::DriverError& error) {
     session_->transaction = Session::Transaction::Undone;
   }
   const std::string text = WithoutPassword(data::ServerText(error.what()));
-  throw EServerError(NamedMessage("SQL Server Error: " + text, this), error.What());
+  throw EServerError(NamedMessage("SQL Server Error: " + text, this), error);
 }
 
 template <typename Work>
@@ -191,6 +191,20 @@ std::string TSQLConnection::ServerVersion() {
 std::unique_ptr<data::Cursor> TSQLConnection::OpenCursor(
     std::string_view sql, const std::vector<data::ParameterValue>& parameters) {
   return OnServer([&](data::Connection& connection) { return connection.Query(sql, parameters); });
+}
+
+std::unique_ptr<data::PreparedStatement> TSQLConnection::Prepare(std::string_view sql) {
+  const std::string text = data::StatementText(sql, this);
+  return OnServer([&](data::Connection& connection) { return connection.Prepare(text); });
+}
+
+std::int64_t TSQLConnection::Run(data::PreparedStatement& statement,
+                                 std::span<const data::ParameterValue> parameters) {
+  return OnServer([&](data::Connection& /*its own*/) { return statement.Run(parameters); });
+}
+
+const data::Connection& TSQLConnection::Wire() const {
+  return *session_->connection;
 }
 
 bool TSQLConnection::NextRow(data::Cursor& cursor) {

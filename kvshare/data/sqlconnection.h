@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,7 +16,13 @@
 
 namespace kvshare {
 
+class TClientDataSet;
 class TSQLQuery;
+
+namespace data {
+class Resolver;
+class ResolverTransaction;
+}  // namespace data
 
 enum class TTransIsolationLevel : std::uint8_t {
   xilREADCOMMITTED,
@@ -97,7 +104,10 @@ class KVSHARE_API TSQLConnection : public TComponent {
   std::string ServerVersion();
 
  private:
+  friend class TClientDataSet;
   friend class TSQLQuery;
+  friend class data::Resolver;
+  friend class data::ResolverTransaction;
   struct Session;
 
   // Runs what speaks to the driver, its errors as EServerError.
@@ -113,6 +123,11 @@ class KVSHARE_API TSQLConnection : public TComponent {
   std::unique_ptr<data::Cursor> OpenCursor(std::string_view sql,
                                            const std::vector<data::ParameterValue>& parameters);
   bool NextRow(data::Cursor& cursor);
+  std::unique_ptr<data::PreparedStatement> Prepare(std::string_view sql);
+  std::int64_t Run(data::PreparedStatement& statement,
+                   std::span<const data::ParameterValue> parameters);
+  // The driver's own connection, for its facts.
+  const data::Connection& Wire() const;
 
   std::string connectionName_;
   std::string driverName_;

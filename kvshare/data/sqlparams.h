@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "kvshare/data/driver.h"
@@ -33,7 +34,9 @@ class KVSHARE_API TParam {
   void SetAsDateTime(TDateTime moment);
   void SetAsBlob(std::string_view bytes) { value_ = data::Bytes{std::string(bytes)}; }
 
+  // As it crosses the driver contract.
   const data::ParameterValue& WireValue() const { return value_; }
+  void SetWireValue(data::ParameterValue value) { value_ = std::move(value); }
 
  private:
   std::string name_;

@@ -1,9 +1,49 @@
-// What happened to a record since the log began.
+// What happens to changes on their way to a server.
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "kvshare/export.h"
+#include "kvshare/rtl/exceptions.h"
 
 namespace kvshare {
 
 enum class TUpdateStatus : std::uint8_t { usUnmodified, usModified, usInserted, usDeleted };
+
+enum class TUpdateKind : std::uint8_t { ukModify, ukInsert, ukDelete };
+
+// What becomes of a change that a server refused.
+enum class TReconcileAction : std::uint8_t {
+  raSkip,     // stays as it is
+  raAbort,    // so does it, and all later ones without being asked about
+  raMerge,    // the user's changed fields on top of the server's values, which become OldValue
+  raCorrect,  // stays with the NewValues that the handler has set
+  raCancel,   // is taken back
+  raRefresh,  // gives way to the server's values
+};
+
+// Why a server refused a change. ErrorCode is the server's where it tells one, else 1;
+// PreviousError that of the error before in the same run, 0 for the first.
+class KVSHARE_API EReconcileError : public EDatabaseError {
+ public:
+  EReconcileError(std::string_view message, std::string_view context, int errorCode,
+                  int previousError)
+      : EDatabaseError(message),
+        context_(context),
+        errorCode_(errorCode),
+        previousError_(previousError) {}
+  ~EReconcileError() override;
+
+  const std::string& Context() const { return context_; }
+  int ErrorCode() const { return errorCode_; }
+  int PreviousError() const { return previousError_; }
+
+ private:
+  std::string context_;
+  int errorCode_;
+  int previousError_;
+};
+
 }  // namespace kvshare

@@ -2,6 +2,8 @@
 #include <chrono>
 #include <thread>
 
+#include "kvshare/data/clientdataset.h"
+#include "kvshare/data/provider.h"
 #include "kvshare/database/dbxconf.h"
 #include "kvshare/database/sqlbatch.h"
 #include "kvshare/database/sqlfunc.h"
@@ -69,6 +71,49 @@ TEST_F(Faults, TheServerIsKilledInTheMiddleOfABatch) {
   RunServerAgain();
   EXPECT_EQ(Ask("SELECT COUNT(*) FROM T"), "0");
   EXPECT_TRUE(RunExecSQL(*connection_, "INSERT INTO T VALUES (1, 'a')", true));
+}
+
+TEST_F(Faults, TheServerIsKilledWhileChangesAreApplied) {
+  constexpr int kMoreThanItGetsThrough = 100'000;
+  TDataSetProvider provider(*connection_);
+  provider.TableName = "T";
+  provider.KeyFields = "ID";
+  TClientDataSet set;
+  set.SetProvider(&provider);
+  set.Open();
+  const auto add = [&set](int records) {
+    for (int i = 0; i < records; ++i) {
+      set.Append();
+      set.FieldByName("ID").SetAsInteger(i);
+      set.FieldByName("N").SetAsString("a");
+      set.Post();
+    }
+  };
+  add(kMoreThanItGetsThrough);
+  bool asked = false;
+  set.OnReconcileError = [&](auto&&...) { asked = true; };
+  std::thread killer([] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    KillServer();
+  });
+  try {
+    set.ApplyUpdates(-1);
+    ADD_FAILURE() << "applied";
+  } catch (const EServerError& e) {
+    EXPECT_TRUE(e.ConnectionLost()) << e.Message();
+  }
+  killer.join();
+  EXPECT_FALSE(asked);
+  EXPECT_EQ(set.ChangeCount(), kMoreThanItGetsThrough);
+  EXPECT_FALSE(connection_->InTransaction());
+
+  RunServerAgain();
+  connection_->Close();
+  EXPECT_EQ(Ask("SELECT COUNT(*) FROM T"), "0");
+  set.CancelUpdates();
+  add(100);
+  EXPECT_EQ(set.ApplyUpdates(0), 0);
+  EXPECT_EQ(Ask("SELECT COUNT(*) FROM T"), "100");
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 #include "kvshare/database/dbxconf.h"
 #include "kvshare/database/sqlfunc.h"
 #include "tests/company/company.h"
-#include "tests/data/driver_suite.h"
+#include "tests/data/updates_suite.h"
 
 namespace kvshare {
 namespace {
@@ -50,6 +50,8 @@ DriverCase OnServer() {
 }
 
 INSTANTIATE_TEST_SUITE_P(Server, DriverSuite, testing::Values(OnServer()),
+                         [](const auto& test) { return test.param.name; });
+INSTANTIATE_TEST_SUITE_P(Server, UpdatesSuite, testing::Values(OnServer()),
                          [](const auto& test) { return test.param.name; });
 
 }  // namespace

@@ -6,8 +6,8 @@
 
 #include "kvshare/data/errors.h"
 #include "kvshare/rtl/cp874.h"
-#include "tests/data/driver_suite.h"
 #include "tests/data/sqlite.h"
+#include "tests/data/updates_suite.h"
 #include "tests/support.h"
 
 namespace kvshare {
@@ -33,6 +33,9 @@ DriverCase OnSqlite(const std::string& name, const std::string& money, bool whol
 INSTANTIATE_TEST_SUITE_P(Sqlite, DriverSuite,
                          testing::Values(OnSqlite("SqliteExact", std::string(kExactMoney), true),
                                          OnSqlite("SqliteNumeric", "DECIMAL(19,4)", false)),
+                         [](const auto& test) { return test.param.name; });
+INSTANTIATE_TEST_SUITE_P(Sqlite, UpdatesSuite,
+                         testing::Values(OnSqlite("SqliteUpdates", std::string(kExactMoney), true)),
                          [](const auto& test) { return test.param.name; });
 
 std::string ErrorOf(TSQLConnection& connection, std::string_view sql) {

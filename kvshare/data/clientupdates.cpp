@@ -1,0 +1,230 @@
+// A client dataset and its server: fetching records, applying changes, deciding about what the
+// server refused.
+#include <algorithm>
+#include <utility>
+
+#include "kvshare/data/clientdataset.h"
+#include "kvshare/data/clientrecords.h"
+#include "kvshare/data/errors.h"
+#include "kvshare/data/provider.h"
+#include "kvshare/data/resolver.h"
+#include "kvshare/rtl/exceptions.h"
+
+namespace kvshare {
+
+using data::Cell;
+using data::CellKind;
+using data::Record;
+using data::RecordBuffer;
+using data::Refusal;
+using data::RowId;
+
+EReconcileError::~EReconcileError() = default;
+
+namespace {
+
+constexpr bool IsPlain(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+}
+
+// A plain name goes unquoted: servers fold its letter case as they did for the table's own.
+std::string ColumnName(const std::string& name, const data::Connection& wire) {
+  return std::ranges::all_of(name, IsPlain) ? name : wire.Quoted(name);
+}
+
+data::ColumnKind KindOf(TFieldForm form) {
+  switch (form) {
+    case TFieldForm::Text:
+      return data::ColumnKind::Text;
+    case TFieldForm::Decimal:
+      return data::ColumnKind::Decimal;
+    default:
+      return data::ColumnKind::Integer;
+  }
+}
+
+bool IsComparable(TFieldType type) {
+  switch (type) {
+    case TFieldType::ftMemo:
+    case TFieldType::ftFmtMemo:
+    case TFieldType::ftOraClob:
+      return false;
+    default:
+      return FormOf(type) != TFieldForm::Bytes;
+  }
+}
+
+}  // namespace
+
+// --- Fetching
+
+void TClientDataSet::DescribeByProvider() {
+  provider_->OpenQuery();
+  fieldDefs_.Clear();
+  for (int i = 0; i < provider_->Query().FieldCount(); ++i) {
+    fieldDefs_.Add(provider_->Query().Fields(i).def_);
+  }
+}
+
+void TClientDataSet::FetchFromProvider() {
+  TSQLQuery& query = provider_->Query();
+  data::RecordTable& table = records_->Table();
+  const data::RecordLayout& layout = records_->Layout();
+  RecordBuffer buffer;
+  buffer.Resize(layout.Columns());
+  std::string scratch;
+  for (; !query.Eof(); query.Next()) {
+    for (int i = 0; i < layout.Columns(); ++i) {
+      data::PutCell(buffer, query.Fields(i).Record(), i, layout.Form(i), scratch);
+    }
+    table.Insert(Record(layout, buffer), false);
+  }
+  query.Close();
+  records_->Order().Rebuild();
+}
+
+// --- Applying
+
+data::UpdateTarget TClientDataSet::TargetOf(const TDataSetProvider& provider) const {
+  data::UpdateTarget target;
+  target.table = provider.ResolvedTable();
+  target.mode = provider.UpdateMode;
+  const data::Connection& wire = provider.SQLConnection().Wire();
+  for (int i = 0; i < fieldDefs_.Count(); ++i) {
+    const TField& field = Fields(i);
+    data::UpdateColumn column;
+    column.name = ColumnName(field.FieldName(), wire);
+    column.kind = KindOf(FormOf(field.DataType()));
+    column.flags = field.ProviderFlags;
+    column.comparable = IsComparable(field.DataType());
+    if (field.ProviderFlags.pfInKey) target.key.push_back(i);
+    target.columns.push_back(std::move(column));
+  }
+  if (target.key.empty()) {
+    target.key = ColumnsOf(provider.KeyFields.empty() ? primaryKey_ : provider.KeyFields);
+  }
+  return target;
+}
+
+int TClientDataSet::ApplyUpdates(int maxErrors) {
+  CheckBrowseMode();
+  if (ChangeCount() == 0) return 0;
+  if (provider_ == nullptr) DatabaseError("Missing data provider or data packet", this);
+  TSQLConnection& connection = provider_->SQLConnection();
+  connection.Open();
+  data::Resolver resolver(connection, records_->Table(), TargetOf(*provider_));
+  data::Applied applied = resolver.Apply(maxErrors);
+  if (applied.written) {
+    for (const RowId row : applied.rows) records_->Table().Accept(row);
+  }
+  for (Refusal& refusal : applied.refusals) {
+    if (const auto query = resolver.Fetch(refusal.row)) refusal.server = RecordOf(*query);
+  }
+  Reconcile(applied.refusals);
+  Restand();
+  return static_cast<int>(applied.refusals.size());
+}
+
+// The server's types may differ from those of the fields that a program has declared.
+Record TClientDataSet::RecordOf(TDataSet& row) const {
+  RecordBuffer buffer;
+  buffer.Resize(fieldDefs_.Count());
+  for (int i = 0; i < fieldDefs_.Count(); ++i) {
+    TField& field = Fields(i);
+    const TField& server = row.Fields(i);
+    if (server.form_ == field.form_) {
+      std::string scratch;
+      data::PutCell(buffer, server.Record(), i, field.form_, scratch);
+    } else {
+      buffer.Put(i, field.Converted(server.Value()).View());
+    }
+  }
+  return Record(records_->Layout(), buffer);
+}
+
+// --- Deciding
+
+void TClientDataSet::Reconcile(std::vector<Refusal>& refusals) {
+  if (!OnReconcileError) return;
+  int previous = 0;
+  for (Refusal& refusal : refusals) {
+    const auto first = refusal.last ? TReconcileAction::raAbort : TReconcileAction::raSkip;
+    const TReconcileAction action = Decide(refusal, first, previous);
+    if (action == TReconcileAction::raAbort) return;
+    previous = refusal.code;
+    ActOn(refusal, action);
+  }
+}
+
+// Shows the record that was refused while the handler is asked, and holds the set there.
+class TClientDataSet::RefusedRecord {
+ public:
+  RefusedRecord(TClientDataSet& set, const Refusal& refusal) : set_(set) {
+    set_.records_->ShowRefused(refusal.row, refusal.kind, refusal.server);
+    set_.SetState(set_.records_->IsEditing() ? TDataSetState::dsEdit : TDataSetState::dsBrowse);
+    set_.Hold("Changes are being reconciled");
+  }
+  ~RefusedRecord() {
+    set_.Hold(nullptr);
+    set_.SetState(TDataSetState::dsBrowse);
+    set_.SetModified(false);
+    set_.records_->HideRefused();
+  }
+  RefusedRecord(const RefusedRecord&) = delete;
+  RefusedRecord& operator=(const RefusedRecord&) = delete;
+
+ private:
+  TClientDataSet& set_;
+};
+
+TReconcileAction TClientDataSet::Decide(Refusal& refusal, TReconcileAction action,
+                                        int previousError) {
+  const RefusedRecord shown(*this, refusal);
+  EReconcileError error(refusal.message, "", refusal.code, previousError);
+  OnReconcileError(*this, error, refusal.kind, action);
+  if (action == TReconcileAction::raCorrect && records_->IsEditing()) {
+    records_->Table().Modify(refusal.row, Record(records_->Layout(), records_->Buffer()), true);
+  }
+  return action;
+}
+
+void TClientDataSet::ActOn(Refusal& refusal, TReconcileAction action) {
+  data::RecordTable& table = records_->Table();
+  switch (action) {
+    case TReconcileAction::raCancel:
+      table.Revert(refusal.row);
+      return;
+    case TReconcileAction::raMerge:
+      if (!refusal.server) return;
+      if (refusal.kind != TUpdateKind::ukDelete) table.Modify(refusal.row, Merged(refusal), true);
+      table.SetOriginal(refusal.row, std::move(refusal.server));
+      return;
+    case TReconcileAction::raRefresh:
+      if (!refusal.server) return;
+      table.SetOriginal(refusal.row, std::move(refusal.server));
+      table.Revert(refusal.row);
+      return;
+    default:
+      return;
+  }
+}
+
+// The server's values, and on top of them those that the user has changed or typed.
+Record TClientDataSet::Merged(const Refusal& refusal) const {
+  const data::RecordTable& table = records_->Table();
+  const data::RecordLayout& layout = records_->Layout();
+  const Record* original = table.Original(refusal.row);
+  const Record& now = table.At(refusal.row);
+  RecordBuffer buffer;
+  buffer.Resize(layout.Columns());
+  buffer.Load(layout, refusal.server);
+  for (int i = 0; i < layout.Columns(); ++i) {
+    const Cell value = now.At(layout, i);
+    const bool changed =
+        original != nullptr ? value != original->At(layout, i) : value.kind != CellKind::Null;
+    if (changed) buffer.Put(i, value);
+  }
+  return Record(layout, buffer);
+}
+
+}  // namespace kvshare

@@ -1,0 +1,79 @@
+// Writes the changes of a client dataset into a server's table, and notices who was there first.
+// Internal.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "kvshare/data/clientrecords.h"
+#include "kvshare/data/provider.h"
+#include "kvshare/data/recordtable.h"
+#include "kvshare/data/updates.h"
+#include "kvshare/data/updatesql.h"
+
+namespace kvshare::data {
+
+// A change that the server refused.
+struct Refusal {
+  RowId row = kNoRow;
+  TUpdateKind kind = TUpdateKind::ukModify;
+  std::string message;
+  int code = 1;       // the server's, else 1
+  bool last = false;  // the one that the work was stopped at
+  Record server;      // what the server has now; empty where that is nothing, or not known
+};
+
+struct Applied {
+  bool written = false;
+  std::vector<RowId> rows;  // that the server took
+  std::vector<Refusal> refusals;
+};
+
+class Resolver {
+ public:
+  Resolver(TSQLConnection& connection, const RecordTable& table, UpdateTarget target);
+  ~Resolver();
+  Resolver(const Resolver&) = delete;
+  Resolver& operator=(const Resolver&) = delete;
+
+  // All changes in the order of the log, in one transaction. Throws EServerError where the
+  // connection is lost or cannot commit; nothing is written then, as far as anybody can tell.
+  Applied Apply(int maxErrors);
+
+  // A query, open and on the record as the server has it now; nullptr where it has none.
+  std::unique_ptr<TSQLQuery> Fetch(RowId row);
+
+ private:
+  // What ends an attempt before its time.
+  enum class End : std::uint8_t {
+    Done,     // all changes tried
+    TooMany,  // more were refused than allowed
+    Undone,   // the server has undone the transaction
+    Again,    // one change reached several records, and has to be left out
+  };
+  struct Attempt {
+    End end = End::Done;
+    std::vector<RowId> rows;
+    std::vector<Refusal> refusals;
+  };
+
+  Attempt Try(int maxErrors, ResolverTransaction& transaction);
+  void Write(RowId row);
+  bool MakeStatement(RowId row);
+  void RunStatement(RowId row);
+  PreparedStatement& Prepared();
+  Refusal RefusalOf(RowId row, const Exception& error) const;
+
+  TSQLConnection& connection_;
+  const RecordTable& table_;
+  UpdateTarget target_;
+  UpdateSql sql_;
+  std::unordered_map<std::string, std::unique_ptr<PreparedStatement>> prepared_;
+  std::unordered_set<RowId> ambiguous_;  // changes that reach several records
+};
+
+}  // namespace kvshare::data

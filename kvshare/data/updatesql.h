@@ -1,0 +1,68 @@
+// The statements that write a client dataset's changes into a table. Internal.
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "kvshare/data/driver.h"
+#include "kvshare/data/field.h"
+#include "kvshare/data/provider.h"
+#include "kvshare/data/record.h"
+
+namespace kvshare::data {
+
+// A column as statements name and compare it.
+struct UpdateColumn {
+  std::string name;
+  ColumnKind kind = ColumnKind::Text;
+  TProviderFlags flags;
+  bool comparable = true;  // no memo, no blob
+  std::string equal;       // the condition that it has a value
+};
+
+// Where the changes go and how their records are found.
+struct UpdateTarget {
+  std::string table;
+  std::vector<UpdateColumn> columns;  // of the records, in their order
+  std::vector<int> key;
+  TUpdateMode mode = TUpdateMode::upWhereAll;
+};
+
+// One statement at a time, with the values for its places. Throw EConvertError for a text with a
+// byte that is no letter.
+class UpdateSql {
+ public:
+  UpdateSql(const RecordLayout& layout, const UpdateTarget& target)
+      : layout_(layout), target_(target) {}
+
+  // What the last one made; code page 874.
+  const std::string& Text() const { return text_; }
+  std::span<const ParameterValue> Values() const { return values_; }
+
+  void Insert(const Record& record);
+  // False where nothing that may be written has changed: there is no statement then.
+  bool Update(const Record& before, const Record& now);
+  void Delete(const Record& before);
+  // The record as the server has it, by its key; false without a key.
+  bool Select(const Record& record);
+
+ private:
+  void Begin(std::string_view words);
+  void AddValue(const Cell& cell, TFieldForm form);
+  bool IsKey(int column) const;
+  bool Changed(int column, const Record& before, const Record& now) const;
+  // Which columns find the record.
+  bool Finds(int column, const Record* before, const Record* now) const;
+  void Where(const Record& before, const Record* now);
+  void Condition(int column, const Cell& value, bool exactly);
+  void MomentCondition(const UpdateColumn& column, const Cell& value, TFieldForm form);
+
+  const RecordLayout& layout_;
+  const UpdateTarget& target_;
+  std::string text_;
+  std::vector<ParameterValue> values_;
+};
+
+}  // namespace kvshare::data

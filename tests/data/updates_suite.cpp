@@ -1,0 +1,420 @@
+// Two people at one table, on every server: what one of them applies, the other one finds.
+#include "tests/data/updates_suite.h"
+
+#include <functional>
+#include <optional>
+
+#include "kvshare/data/clientdataset.h"
+#include "kvshare/data/errors.h"
+#include "kvshare/data/provider.h"
+#include "kvshare/rtl/convert.h"
+#include "kvshare/rtl/cp874.h"
+#include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/format.h"
+#include "tests/support.h"
+
+namespace kvshare {
+namespace {
+
+using enum TReconcileAction;
+using enum TUpdateKind;
+using enum TUpdateMode;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+constexpr const char* kChanged = "Record not found or changed by another user";
+
+}  // namespace
+
+// A data-entry screen with a connection of its own.
+class Screen {
+ public:
+  explicit Screen(std::unique_ptr<TSQLConnection> connection, TUpdateMode mode = upWhereAll)
+      : connection_(std::move(connection)), provider(*connection_), set(nullptr, "Items") {
+    provider.Query().SQL().Add("SELECT * FROM KV_TEST ORDER BY ID");
+    provider.KeyFields = "ID";
+    provider.UpdateMode = mode;
+    set.SetProvider(&provider);
+    set.OnReconcileError = [this](TClientDataSet& sender, EReconcileError& e, TUpdateKind kind,
+                                  TReconcileAction& action) {
+      told.push_back(Tell(sender, kind) + (action == raAbort ? " last: " : ": ") + e.Message());
+      if (decide) decide(sender);
+      if (answer) action = *answer;
+    };
+    set.Open();
+  }
+
+  void Change(int id, std::string_view field, std::string_view text) {
+    Find(id);
+    set.Edit();
+    set.FieldByName(field).SetAsString(text);
+    set.Post();
+  }
+  void Add(int id, std::string_view name) {
+    set.Append();
+    set.FieldByName("ID").SetAsInteger(id);
+    set.FieldByName("NAME").SetAsString(name);
+    set.Post();
+  }
+  void Remove(int id) {
+    Find(id);
+    set.Delete();
+  }
+  void Find(int id) { ASSERT_TRUE(set.Locate("ID", id)) << id; }
+  // What a person sees: `1 pen 12.5;`.
+  std::string Rows() {
+    std::string rows;
+    for (set.First(); !set.Eof(); set.Next()) {
+      rows += set.FieldByName("ID").AsString() + " " + set.FieldByName("NAME").AsString() + " " +
+              set.FieldByName("PRICE").AsString() + ";";
+    }
+    return rows;
+  }
+
+  // `M 1 old/new/current`, of the names.
+  static std::string Tell(const TClientDataSet& set, TUpdateKind kind) {
+    const TField& name = set.FieldByName("NAME");
+    const auto text = [](const Variant& value) -> std::string {
+      if (value.IsEmpty()) return "-";
+      return value.IsNull() ? "null" : value.AsString();
+    };
+    return std::string(1, "MID"[static_cast<int>(kind)]) + " " + set.FieldByName("ID").AsString() +
+           " " + text(name.OldValue()) + "/" + text(name.NewValue()) + "/" + text(name.CurValue());
+  }
+
+ private:
+  std::unique_ptr<TSQLConnection> connection_;
+
+ public:
+  TDataSetProvider provider;
+  TClientDataSet set;
+  std::optional<TReconcileAction> answer;
+  std::function<void(TClientDataSet&)> decide;
+  std::vector<std::string> told;
+  TSQLConnection& Connection() { return *connection_; }
+};
+
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(UpdatesSuite);
+
+UpdatesSuite::UpdatesSuite() = default;
+UpdatesSuite::~UpdatesSuite() = default;
+
+void UpdatesSuite::SetUp() {
+  DriverSuite::SetUp();
+  const DriverCase& types = GetParam();
+  CreateTable("NAME " + types.text + ", PRICE " + types.money + ", DONE " + types.moment +
+              ", REMARK " + types.memo);
+  for (const char* row : {"1, 'pen', 12.5", "2, 'book', 99.9975", "3, 'ink', 7"}) {
+    Run(std::string("INSERT INTO KV_TEST (ID, NAME, PRICE) VALUES (") + row + ")");
+  }
+}
+
+void UpdatesSuite::TearDown() {
+  screens_.clear();
+  DriverSuite::TearDown();
+}
+
+Screen& UpdatesSuite::MakeScreen(TUpdateMode mode) {
+  return *screens_.emplace_back(std::make_unique<Screen>(Another(), mode));
+}
+
+std::string UpdatesSuite::OnServer() const {
+  return Screen(Another()).Rows();
+}
+
+namespace {
+
+TEST_P(UpdatesSuite, ChangesReachTheServer) {
+  Screen& me = MakeScreen();
+  constexpr std::string_view kName = "ปากกาด้ามใหญ่"_th;
+  me.Change(1, "NAME", kName);
+  me.Change(1, "DONE", "");
+  me.Change(2, "PRICE", "");
+  me.Add(4, "chalk");
+  me.set.Edit();
+  me.set.FieldByName("DONE").SetAsDateTime(EncodeDate(2026, 11, 25));
+  me.set.FieldByName("REMARK").SetAsString(std::string(70'000, 'x'));
+  me.set.Post();
+  me.Remove(3);
+  EXPECT_EQ(me.set.ApplyUpdates(0), 0);
+  EXPECT_EQ(me.set.ChangeCount(), 0);
+  EXPECT_THAT(me.told, IsEmpty());
+  const std::string rows = "1 " + std::string(kName) + " 12.5;2 book ;4 chalk ;";
+  EXPECT_EQ(me.Rows(), rows);
+  EXPECT_EQ(OnServer(), rows);
+
+  Screen& other = MakeScreen();
+  other.Find(4);
+  EXPECT_EQ(other.set.FieldByName("DONE").AsDateTime(), EncodeDate(2026, 11, 25));
+  EXPECT_EQ(other.set.FieldByName("REMARK").AsString().size(), 70'000U);
+  // Whatever was written is found again by all its values, Null ones too.
+  for (const int id : {1, 2, 4}) other.Change(id, "NAME", "n" + std::to_string(id));
+  EXPECT_EQ(other.set.ApplyUpdates(0), 0) << testing::PrintToString(other.told);
+  EXPECT_EQ(OnServer(), "1 n1 12.5;2 n2 ;4 n4 ;");
+}
+
+TEST_P(UpdatesSuite, WhatSomebodyElseHasChangedIsNoticed) {
+  const struct {
+    const char* before;  // of the record
+    const char* theirs;  // what the other one does meanwhile
+  } cases[] = {
+      {"NAME = 'pen'", "UPDATE KV_TEST SET NAME = 'Pen' WHERE ID = 1"},
+      {"NAME = 'pen'", "UPDATE KV_TEST SET NAME = NULL WHERE ID = 1"},
+      {"NAME = NULL", "UPDATE KV_TEST SET NAME = '' WHERE ID = 1"},
+      {"PRICE = '12345678901234.5678'",
+       "UPDATE KV_TEST SET PRICE = '12345678901234.5679' WHERE ID = 1"},
+      {"DONE = '2026-11-25 10:00:00'",
+       "UPDATE KV_TEST SET DONE = '2026-11-25 10:00:01' WHERE ID = 1"},
+      {"NAME = 'pen'", "DELETE FROM KV_TEST WHERE ID = 1"},
+      {"NAME = 'pen'", "UPDATE KV_TEST SET ID = 99 WHERE ID = 1"},
+  };
+  for (const auto& c : cases) {
+    Run("DELETE FROM KV_TEST");
+    Run("INSERT INTO KV_TEST (ID) VALUES (1)");
+    Run(std::string("UPDATE KV_TEST SET ") + c.before);
+    Screen& me = MakeScreen();
+    Run(c.theirs);
+    const std::string theirs = OnServer();
+    me.Find(1);
+    me.set.Edit();
+    me.set.FieldByName("REMARK").SetAsString("mine");
+    me.set.Post();
+    EXPECT_EQ(me.set.ApplyUpdates(0), 1) << c.theirs;
+    ASSERT_THAT(me.told, SizeIs(1));
+    EXPECT_THAT(me.told[0], HasSubstr(std::string(" last: ") + kChanged)) << c.theirs;
+    EXPECT_EQ(OnServer(), theirs);
+    EXPECT_EQ(me.set.ChangeCount(), 1);
+  }
+}
+
+TEST_P(UpdatesSuite, WhichFieldsCountIsTheProgramsChoice) {
+  const struct {
+    TUpdateMode mode;
+    const char* mine;
+    int refused;
+    std::string rows;
+  } cases[] = {
+      {upWhereAll, "NAME", 1, "1 pen 50;"},
+      {upWhereChanged, "NAME", 0, "1 mine 50;"},
+      {upWhereChanged, "PRICE", 1, "1 pen 50;"},
+      {upWhereKeyOnly, "PRICE", 0, "1 pen 7;"},
+  };
+  for (const auto& c : cases) {
+    Run("DELETE FROM KV_TEST");
+    Run("INSERT INTO KV_TEST (ID, NAME, PRICE) VALUES (1, 'pen', 12.5)");
+    Screen& me = MakeScreen(c.mode);
+    Run("UPDATE KV_TEST SET PRICE = 50");
+    me.Change(1, c.mine, std::string_view(c.mine) == "NAME" ? "mine" : "7");
+    EXPECT_EQ(me.set.ApplyUpdates(0), c.refused);
+    EXPECT_EQ(OnServer(), c.rows);
+  }
+  Screen& me = MakeScreen();
+  me.set.FieldByName("PRICE").ProviderFlags.pfInWhere = false;
+  Run("UPDATE KV_TEST SET PRICE = 51");
+  me.Change(1, "NAME", "pencil");
+  EXPECT_EQ(me.set.ApplyUpdates(0), 0);
+  EXPECT_EQ(OnServer(), "1 pencil 51;");
+}
+
+// The same conflict, ended in each of the six ways, and then applied once more.
+TEST_P(UpdatesSuite, SixEndingsOfAChangedRecord) {
+  const struct {
+    TReconcileAction action;
+    std::string seen;  // by the user afterwards
+    int changes;
+    int again;  // refused the second time
+    std::string rows;
+  } cases[] = {
+      {raSkip, "1 mine 12.5;", 1, 1, "1 theirs 50;"},
+      {raAbort, "1 mine 12.5;", 1, 1, "1 theirs 50;"},
+      {raMerge, "1 mine 50;", 1, 0, "1 mine 50;"},
+      {raCorrect, "1 agreed 12.5;", 1, 1, "1 theirs 50;"},
+      {raCancel, "1 pen 12.5;", 0, 0, "1 theirs 50;"},
+      {raRefresh, "1 theirs 50;", 0, 0, "1 theirs 50;"},
+  };
+  for (const auto& c : cases) {
+    Run("DELETE FROM KV_TEST");
+    Run("INSERT INTO KV_TEST (ID, NAME, PRICE) VALUES (1, 'pen', 12.5)");
+    Screen& me = MakeScreen();
+    Screen& other = MakeScreen();
+    other.Change(1, "NAME", "theirs");
+    other.Change(1, "PRICE", "50");
+    ASSERT_EQ(other.set.ApplyUpdates(0), 0);
+    me.Change(1, "NAME", "mine");
+    me.answer = c.action;
+    me.decide = [](TClientDataSet& set) {
+      EXPECT_TRUE(set.FieldByName("PRICE").NewValue().IsEmpty());
+      EXPECT_EQ(set.FieldByName("PRICE").CurValue(), Variant(50_baht));
+      EXPECT_TRUE(set.FieldByName("ID").CurValue().IsEmpty());
+      set.FieldByName("NAME").SetNewValue("agreed");
+    };
+    EXPECT_EQ(me.set.ApplyUpdates(-1), 1);
+    EXPECT_THAT(me.told, ElementsAre("M 1 pen/mine/theirs: " + std::string(kChanged)));
+    EXPECT_EQ(me.Rows(), c.seen) << static_cast<int>(c.action);
+    EXPECT_EQ(me.set.ChangeCount(), c.changes) << static_cast<int>(c.action);
+    me.decide = nullptr;
+    me.answer = raSkip;
+    EXPECT_EQ(me.set.ApplyUpdates(-1), c.again) << static_cast<int>(c.action);
+    EXPECT_EQ(OnServer(), c.rows) << static_cast<int>(c.action);
+  }
+}
+
+TEST_P(UpdatesSuite, SixEndingsOfADeletion) {
+  const struct {
+    TReconcileAction action;
+    std::string seen;
+    int changes;
+    int again;
+    std::string rows;
+  } cases[] = {
+      {raSkip, "", 1, 1, "1 theirs 12.5;"},
+      {raAbort, "", 1, 1, "1 theirs 12.5;"},
+      {raMerge, "", 1, 0, ""},
+      {raCorrect, "", 1, 1, "1 theirs 12.5;"},
+      {raCancel, "1 pen 12.5;", 0, 0, "1 theirs 12.5;"},
+      {raRefresh, "1 theirs 12.5;", 0, 0, "1 theirs 12.5;"},
+  };
+  for (const auto& c : cases) {
+    Run("DELETE FROM KV_TEST");
+    Run("INSERT INTO KV_TEST (ID, NAME, PRICE) VALUES (1, 'pen', 12.5)");
+    Screen& me = MakeScreen();
+    Run("UPDATE KV_TEST SET NAME = 'theirs'");
+    me.Remove(1);
+    me.answer = c.action;
+    me.decide = [](TClientDataSet& set) {
+      EXPECT_EQ(MessageOf<EDatabaseError>([&] { set.FieldByName("NAME").SetNewValue("x"); }),
+                "Items: Dataset not in edit or insert mode");
+    };
+    EXPECT_EQ(me.set.ApplyUpdates(-1), 1);
+    EXPECT_THAT(me.told, ElementsAre("D 1 pen/-/theirs: " + std::string(kChanged)));
+    EXPECT_EQ(me.Rows(), c.seen) << static_cast<int>(c.action);
+    EXPECT_EQ(me.set.ChangeCount(), c.changes);
+    me.decide = nullptr;
+    me.answer = raSkip;
+    EXPECT_EQ(me.set.ApplyUpdates(-1), c.again) << static_cast<int>(c.action);
+    EXPECT_EQ(OnServer(), c.rows) << static_cast<int>(c.action);
+  }
+}
+
+TEST_P(UpdatesSuite, ARecordThatIsThereAlready) {
+  Screen& me = MakeScreen();
+  Run("INSERT INTO KV_TEST (ID, NAME, PRICE) VALUES (4, 'theirs', 8)");
+  me.Add(4, "mine");
+  EXPECT_EQ(me.set.ApplyUpdates(-1), 1);
+  ASSERT_THAT(me.told, SizeIs(1));
+  EXPECT_THAT(me.told[0], testing::StartsWith("I 4 null/mine/-: SQL Server Error: "));
+  me.answer = raMerge;
+  EXPECT_EQ(me.set.ApplyUpdates(-1), 1);
+  EXPECT_EQ(me.set.UpdateStatus(), TUpdateStatus::usModified);
+  EXPECT_EQ(me.set.ApplyUpdates(-1), 0) << "now as a change of that record";
+  EXPECT_EQ(OnServer(), "1 pen 12.5;2 book 99.9975;3 ink 7;4 mine 8;");
+}
+
+TEST_P(UpdatesSuite, AsManyErrorsAsAreAllowed) {
+  const struct {
+    int allowed;
+    int refused;
+    std::string rows;
+    int left;
+    std::vector<std::string> told;
+  } cases[] = {
+      {0, 1, "1 theirs 1;2 theirs 2;3 c 3;", 4, {"M 1 a/A/theirs last: "}},
+      {1, 2, "1 theirs 1;2 theirs 2;3 c 3;", 4, {"M 1 a/A/theirs: ", "M 2 b/B/theirs last: "}},
+      {2, 2, "1 theirs 1;2 theirs 2;3 C 3;4 D ;", 2, {"M 1 a/A/theirs: ", "M 2 b/B/theirs: "}},
+      {-1, 2, "1 theirs 1;2 theirs 2;3 C 3;4 D ;", 2, {"M 1 a/A/theirs: ", "M 2 b/B/theirs: "}},
+  };
+  for (const auto& c : cases) {
+    Run("DELETE FROM KV_TEST");
+    for (const char* row : {"1, 'a', 1", "2, 'b', 2", "3, 'c', 3"}) {
+      Run(std::string("INSERT INTO KV_TEST (ID, NAME, PRICE) VALUES (") + row + ")");
+    }
+    Screen& me = MakeScreen();
+    Run("UPDATE KV_TEST SET NAME = 'theirs' WHERE ID < 3");
+    me.Change(1, "NAME", "A");
+    me.Change(2, "NAME", "B");
+    me.Change(3, "NAME", "C");
+    me.Add(4, "D");
+    EXPECT_EQ(me.set.ApplyUpdates(c.allowed), c.refused);
+    std::vector<std::string> told = c.told;
+    for (std::string& line : told) line += kChanged;
+    EXPECT_EQ(me.told, told);
+    EXPECT_EQ(OnServer(), c.rows) << c.allowed;
+    EXPECT_EQ(me.set.ChangeCount(), c.left);
+    EXPECT_EQ(me.Rows(), "1 A 1;2 B 2;3 C 3;4 D ;");
+  }
+}
+
+// An error of the server itself, in the middle: what was written before and after it counts.
+TEST_P(UpdatesSuite, ARefusedStatementLeavesTheOthers) {
+  Screen& me = MakeScreen();
+  me.Change(1, "NAME", "A");
+  me.Change(2, "NAME", std::string(60, 'x'));  // more than the column takes
+  me.Add(1, "double");
+  me.Change(3, "NAME", "C");
+  const int refused = me.set.ApplyUpdates(-1);
+  EXPECT_EQ(refused, me.set.ChangeCount());
+  const std::string rows = OnServer();
+  EXPECT_THAT(rows, HasSubstr("1 A 12.5;"));
+  EXPECT_THAT(rows, HasSubstr("3 C 7;"));
+  EXPECT_GE(refused, 1);
+}
+
+TEST_P(UpdatesSuite, InsideATransactionOfTheProgram) {
+  Screen& me = MakeScreen();
+  Run("UPDATE KV_TEST SET NAME = 'theirs' WHERE ID = 2");
+  for (const int allowed : {0, -1}) {
+    me.Connection().StartTransaction({});
+    me.Connection().ExecuteDirect("INSERT INTO KV_TEST (ID, NAME) VALUES (9, 'outer')");
+    me.set.CancelUpdates();
+    me.Change(1, "NAME", "A");
+    me.Change(2, "NAME", "B");
+    EXPECT_EQ(me.set.ApplyUpdates(allowed), 1);
+    EXPECT_TRUE(me.Connection().InTransaction());
+    EXPECT_EQ(me.set.ChangeCount(), allowed == 0 ? 2 : 1);
+    me.Connection().Commit({});
+    EXPECT_EQ(OnServer(), allowed == 0 ? "1 pen 12.5;2 theirs 99.9975;3 ink 7;9 outer ;"
+                                       : "1 A 12.5;2 theirs 99.9975;3 ink 7;9 outer ;");
+    Run("DELETE FROM KV_TEST WHERE ID = 9");
+  }
+}
+
+TEST_P(UpdatesSuite, AKeyThatIsNone) {
+  Run("UPDATE KV_TEST SET NAME = 'same' WHERE ID < 3");
+  Screen& me = MakeScreen(upWhereKeyOnly);
+  me.provider.KeyFields = "NAME";
+  me.Change(1, "PRICE", "1");
+  me.Change(3, "PRICE", "3");
+  EXPECT_EQ(me.set.ApplyUpdates(-1), 1);
+  ASSERT_THAT(me.told, SizeIs(1));
+  EXPECT_THAT(me.told[0], HasSubstr("Update affected more than 1 record."));
+  EXPECT_EQ(OnServer(), "1 same 12.5;2 same 99.9975;3 ink 3;");
+  EXPECT_EQ(me.set.ChangeCount(), 1);
+
+  me.provider.KeyFields = "";
+  EXPECT_EQ(me.set.ApplyUpdates(-1), 1);
+  EXPECT_THAT(me.told[1], HasSubstr("Unable to find record.  No key specified"));
+}
+
+TEST_P(UpdatesSuite, ErrorsOfTheHandlerLoseNothing) {
+  Screen& me = MakeScreen();
+  Run("DELETE FROM KV_TEST WHERE ID < 3");
+  me.Change(1, "NAME", "A");
+  me.Change(2, "NAME", "B");
+  me.Change(3, "NAME", "C");
+  me.decide = [](TClientDataSet& set) {
+    EXPECT_EQ(MessageOf<EDatabaseError>([&] { set.Next(); }),
+              "Items: Changes are being reconciled");
+    EXPECT_EQ(MessageOf<EDatabaseError>([&] { set.Close(); }),
+              "Items: Changes are being reconciled");
+    throw EConvertError("out of the handler");
+  };
+  EXPECT_EQ(MessageOf<EConvertError>([&] { me.set.ApplyUpdates(-1); }), "out of the handler");
+  EXPECT_EQ(me.set.ChangeCount(), 2) << "the third one is written";
+  EXPECT_EQ(me.Rows(), "1 A 12.5;2 B 99.9975;3 C 7;");
+  EXPECT_EQ(OnServer(), "3 C 7;");
+}
+
+}  // namespace
+}  // namespace kvshare
