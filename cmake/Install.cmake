@@ -7,9 +7,15 @@ install(TARGETS kvshare EXPORT KvShareTargets
 
 # Headers that only the library's own sources include; all others are reached from kvshare.h.
 set(internal_headers
+  data/base64.h
   data/clientrecords.h
   data/driverlibrary.h
   data/named.h
+  data/packet.h
+  data/packetfields.h
+  data/packetlog.h
+  data/packetvalues.h
+  data/packetxml.h
   data/record.h
   data/recordtable.h
   data/resolver.h

@@ -4,6 +4,7 @@
 
 #include "kvshare/data/clientrecords.h"
 #include "kvshare/data/errors.h"
+#include "kvshare/data/packet.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/strutils.h"
@@ -48,6 +49,8 @@ void TClientDataSet::CreateDataSet() {
   if (fieldDefs_.Count() == 0) {
     DatabaseError("No fields defined.  Cannot create dataset", this);
   }
+  shape_.reset();
+  defaultOrder_.clear();
   TDataSetProvider* const provider = std::exchange(provider_, nullptr);
   try {
     Open();
@@ -59,26 +62,46 @@ void TClientDataSet::CreateDataSet() {
 }
 
 void TClientDataSet::InternalOpen() {
-  if (provider_ != nullptr) DescribeByProvider();
+  const bool fetches = provider_ != nullptr && !loaded_;
+  if (fetches) DescribeByProvider();
   if (fieldDefs_.Count() == 0) DatabaseError("Missing data provider or data packet", this);
   MakeRecords();
-  if (provider_ != nullptr) FetchFromProvider();
+  if (fetches) FetchFromProvider();
+}
+
+std::unique_ptr<ClientRecords> TClientDataSet::NewRecords(const std::vector<TFieldDef>& fields) {
+  std::vector<TFieldForm> stored;
+  std::vector<TFieldForm> calculated;
+  stored.reserve(fields.size());
+  calculated.reserve(derived_.size());
+  for (const TFieldDef& def : fields) stored.push_back(FormOf(def.DataType));
+  for (const Derived& derived : derived_) calculated.push_back(FormOf(derived.def.DataType));
+  return std::make_unique<ClientRecords>(stored, std::move(calculated), [this] { Calculate(); });
+}
+
+void TClientDataSet::Arrange(ClientRecords& records, const std::vector<TFieldDef>& fields,
+                             std::string_view primaryKey, std::string_view defaultOrder) const {
+  records.Table().SetKey(ColumnsIn(fields, primaryKey));
+  records.Order().Filter(
+      {statusFilter_.usModified, statusFilter_.usInserted, statusFilter_.usDeleted});
+  records.Order().Sort(ColumnsIn(
+      fields, indexFieldNames_.empty() ? defaultOrder : std::string_view{indexFieldNames_}));
 }
 
 void TClientDataSet::MakeRecords() {
-  std::vector<TFieldForm> stored;
-  std::vector<TFieldForm> calculated;
-  for (const TFieldDef& def : fieldDefs_.All()) stored.push_back(FormOf(def.DataType));
-  for (const Derived& derived : derived_) calculated.push_back(FormOf(derived.def.DataType));
-  records_ =
-      std::make_unique<ClientRecords>(stored, std::move(calculated), [this] { Calculate(); });
-  for (const TFieldDef& def : fieldDefs_.All()) AddField(records_->Current(), def);
+  stored_ = fieldDefs_.All();
+  if (loaded_) {
+    records_ = std::move(loaded_);
+  } else {
+    if (shape_) shape_->rows.clear();
+    records_ = NewRecords(stored_);
+    Arrange(*records_, stored_, primaryKey_, defaultOrder_);
+  }
+  for (const TFieldDef& def : stored_) AddField(records_->Current(), def);
   int column = 0;
   for (const Derived& derived : derived_) {
     AddField(records_->Calculated(), column++, derived.def);
   }
-  records_->Table().SetKey(ColumnsOf(primaryKey_));
-  records_->Order().Sort(ColumnsOf(indexFieldNames_));
 }
 
 void TClientDataSet::InternalClose() noexcept {
@@ -128,9 +151,10 @@ void TClientDataSet::InternalInsert(bool append) {
 
 void TClientDataSet::CheckRequiredInPacket() const {
   constexpr int kValueRequired = 9732;
-  for (int i = 0; i < fieldDefs_.Count(); ++i) {
-    const bool missing = fieldDefs_[i].Required && records_->Buffer().Kind(i) == CellKind::Null;
+  for (int column = 0; const TFieldDef& def : stored_) {
+    const bool missing = def.Required && records_->Buffer().Kind(column) == CellKind::Null;
     if (missing) throw EDBClient("Field value required.", kValueRequired);
+    ++column;
   }
 }
 
@@ -186,7 +210,7 @@ void TClientDataSet::FillLookups() {
     for (const int key : ColumnsOf(lookup.KeyFields)) values.push_back(Fields(key).Value());
     const Variant found =
         lookup.LookupDataSet->Lookup(lookup.LookupKeyFields, values, lookup.LookupResultField);
-    TField& field = Fields(fieldDefs_.Count() + column);
+    TField& field = Fields(static_cast<int>(stored_.size()) + column);
     records_->PutCalculated(column, field.Converted(found).View());
   }
 }
@@ -209,15 +233,20 @@ const TRecordReader* TClientDataSet::Image(TFieldImage image, const TField& fiel
 
 // --- Order and keys
 
-std::vector<int> TClientDataSet::ColumnsOf(std::string_view names) const {
+std::vector<int> TClientDataSet::ColumnsIn(const std::vector<TFieldDef>& fields,
+                                           std::string_view names) const {
   std::vector<int> columns;
   while (!names.empty()) {
     const std::size_t end = names.find(';');
     const std::string_view name = Trim(names.substr(0, end));
-    const TField& field = FieldByName(name);
-    const bool stored = field.Index() < fieldDefs_.Count();
-    if (!stored) DatabaseError(Format("Field '%s' cannot be a key", {name}), this);
-    columns.push_back(field.Index());
+    const auto same = [name](const TFieldDef& def) { return SameText(def.Name, name); };
+    const auto found = std::ranges::find_if(fields, same);
+    if (found == fields.end()) {
+      const bool derived = std::ranges::any_of(derived_, same, &Derived::def);
+      DatabaseError(Format(derived ? "Field '%s' cannot be a key" : "Field '%s' not found", {name}),
+                    this);
+    }
+    columns.push_back(static_cast<int>(found - fields.begin()));
     names.remove_prefix(end == std::string_view::npos ? names.size() : end + 1);
   }
   return columns;
@@ -235,7 +264,7 @@ void TClientDataSet::Restand() {
 void TClientDataSet::SetIndexFieldNames(std::string_view names) {
   if (Active()) {
     CheckBrowseMode();
-    records_->Order().Sort(ColumnsOf(names));
+    records_->Order().Sort(ColumnsOf(names.empty() ? std::string_view{defaultOrder_} : names));
     Restand();
   }
   indexFieldNames_ = names;

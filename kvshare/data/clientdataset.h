@@ -17,6 +17,7 @@ namespace kvshare {
 
 namespace data {
 class ClientRecords;
+struct PacketShape;
 class Record;
 struct Refusal;
 struct UpdateTarget;
@@ -87,6 +88,20 @@ class KVSHARE_API TClientDataSet : public TDataSet {
   // Drops all records and the log.
   void EmptyDataSet();
 
+  // --- Files (docs/datasets.md)
+
+  // The set becomes what an XML data packet has: fields, records, log, primary key and order; it is
+  // open then. A set that is open is closed first, a pending edit dropped. On an error the set is
+  // as it was: EDBClient `Mismatch in datapacket.` with the line and the reason behind it,
+  // `Key violation.`, EInOutError, and `Field '%s' not found` for the fields of IndexFieldNames.
+  void LoadFromFile(std::string_view fileName);
+  void SetXMLData(std::string_view packet);
+  // The records as they were posted, with the log; without calculated and lookup fields. The file
+  // is there whole, or the earlier one stays: EInOutError. EDBClient for a value that a packet
+  // cannot hold: a moment before the year 1 or past 9999, a field of a type without values.
+  void SaveToFile(std::string_view fileName) const;
+  std::string XMLData() const;
+
   bool ReadOnly = false;
   bool CanModify() const override { return !ReadOnly; }
   int RecordCount() const override;
@@ -94,10 +109,12 @@ class KVSHARE_API TClientDataSet : public TDataSet {
   // --- Order and keys
 
   // Field names, `;` between them: records are in that order, equal ones in the order of their
-  // appending; without a name in the order in which they lie. The current record stays.
+  // appending; without a name in the order of the data packet, or else as they lie. The current
+  // record stays.
   const std::string& IndexFieldNames() const { return indexFieldNames_; }
   void SetIndexFieldNames(std::string_view names);
-  // The fields that no two records may have in common. Kept when the set is closed.
+  // The fields that no two records may have in common. Kept when the set is closed; a data packet
+  // brings its own.
   const std::string& PrimaryKey() const { return primaryKey_; }
   void SetPrimaryKey(std::string_view names);
 
@@ -165,9 +182,13 @@ class KVSHARE_API TClientDataSet : public TDataSet {
  private:
   class RefusedRecord;
 
+  std::unique_ptr<data::ClientRecords> NewRecords(const std::vector<TFieldDef>& fields);
+  void Arrange(data::ClientRecords& records, const std::vector<TFieldDef>& fields,
+               std::string_view primaryKey, std::string_view defaultOrder) const;
   void MakeRecords();
   void CheckRequiredInPacket() const;
-  std::vector<int> ColumnsOf(std::string_view names) const;
+  std::vector<int> ColumnsOf(std::string_view names) const { return ColumnsIn(stored_, names); }
+  std::vector<int> ColumnsIn(const std::vector<TFieldDef>& fields, std::string_view names) const;
   std::size_t Find(std::string_view keyFields, std::span<const Variant> values,
                    TLocateOptions options) const;
   void Restand();
@@ -192,9 +213,13 @@ class KVSHARE_API TClientDataSet : public TDataSet {
   std::vector<Derived> derived_;
   std::string indexFieldNames_;
   std::string primaryKey_;
+  std::string defaultOrder_;  // of the data packet
   TUpdateStatusSet statusFilter_;
   TDataSetProvider* provider_ = nullptr;
+  std::vector<TFieldDef> stored_;  // the fields of the open set that are no calculated ones
   std::unique_ptr<data::ClientRecords> records_;
+  std::unique_ptr<data::ClientRecords> loaded_;  // what the next opening finds
+  std::unique_ptr<data::PacketShape> shape_;
 };
 
 }  // namespace kvshare

@@ -1,6 +1,10 @@
 // How a client dataset finds records by their values.
 #include <algorithm>
+#include <compare>
+#include <cstddef>
+#include <memory_resource>
 #include <ranges>
+#include <span>
 
 #include "kvshare/data/clientdataset.h"
 #include "kvshare/data/clientrecords.h"
@@ -18,10 +22,10 @@ using data::RowOrder;
 
 namespace {
 
-// What is looked for.
+// What is looked for. Its lists lie in the caller's frame, as a rule.
 struct Search {
-  std::vector<int> columns;
-  std::vector<OwnedCell> values;
+  std::span<const int> columns;
+  std::pmr::vector<OwnedCell> values;
   TLocateOptions options;
 
   bool IsPlain() const { return !options.loCaseInsensitive && !options.loPartialKey; }
@@ -30,7 +34,7 @@ struct Search {
 bool Matches(const Cell& found, const Cell& wanted, TFieldForm form, TLocateOptions options) {
   if (found.kind != data::CellKind::Text || wanted.kind != data::CellKind::Text ||
       form != TFieldForm::Text) {
-    return data::Compare(found, wanted, form) == 0;
+    return std::is_eq(data::Compare(found, wanted, form));
   }
   std::string_view text = found.text;
   if (options.loPartialKey) text = text.substr(0, wanted.text.size());
@@ -48,7 +52,7 @@ bool Matches(const data::RecordTable& table, RowId row, const Search& search) {
 }
 
 std::size_t FindByKey(const data::ClientRecords& records, const Search& search) {
-  std::vector<Cell> cells;
+  std::pmr::vector<Cell> cells(search.values.get_allocator());
   cells.reserve(search.values.size());
   for (const OwnedCell& value : search.values) cells.push_back(value.View());
   const RowId row = records.Table().FindKey(cells);
@@ -63,7 +67,7 @@ std::size_t FindInOrder(const data::ClientRecords& records, const Search& search
       const int column = search.columns[i];
       const auto order = data::Compare(table.At(row).At(layout, column), search.values[i].View(),
                                        layout.Form(column));
-      if (order != 0) return order < 0;
+      if (std::is_neq(order)) return std::is_lt(order);
     }
     return false;
   });
@@ -99,7 +103,14 @@ std::size_t Find(const data::ClientRecords& records, const Search& search) {
 // Where the record is; nowhere without names or values.
 std::size_t TClientDataSet::Find(std::string_view keyFields, std::span<const Variant> values,
                                  TLocateOptions options) const {
-  Search search{ColumnsOf(keyFields), {}, options};
+  std::byte room[512];
+  std::pmr::monotonic_buffer_resource memory(room, sizeof room);
+  std::vector<int> named;
+  const bool byKey = !primaryKey_.empty() && keyFields == primaryKey_;
+  if (!byKey) named = ColumnsOf(keyFields);
+  Search search{byKey ? records_->Table().Key() : named, std::pmr::vector<OwnedCell>(&memory),
+                options};
+  search.values.reserve(values.size());
   if (search.columns.empty() || search.columns.size() != values.size()) {
     DatabaseError(Format("%d values for %d key fields", {static_cast<int>(values.size()),
                                                          static_cast<int>(search.columns.size())}),
@@ -137,7 +148,7 @@ Variant TClientDataSet::Lookup(std::string_view keyFields, std::span<const Varia
   CheckActive();
   const std::size_t position = Find(keyFields, values, {});
   const int column = FieldByName(resultField).Index();
-  if (position == RowOrder::kNowhere || column >= fieldDefs_.Count()) return Null;
+  if (position == RowOrder::kNowhere || column >= static_cast<int>(stored_.size())) return Null;
   return Fields(column).ValueIn(
       data::RecordView(records_->Layout(), records_->Table().At(records_->Order().At(position))));
 }

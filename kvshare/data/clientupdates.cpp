@@ -90,7 +90,7 @@ data::UpdateTarget TClientDataSet::TargetOf(const TDataSetProvider& provider) co
   target.table = provider.ResolvedTable();
   target.mode = provider.UpdateMode;
   const data::Connection& wire = provider.SQLConnection().Wire();
-  for (int i = 0; i < fieldDefs_.Count(); ++i) {
+  for (int i = 0; i < records_->Layout().Columns(); ++i) {
     const TField& field = Fields(i);
     data::UpdateColumn column;
     column.name = ColumnName(field.FieldName(), wire);
@@ -128,8 +128,8 @@ int TClientDataSet::ApplyUpdates(int maxErrors) {
 // The server's types may differ from those of the fields that a program has declared.
 Record TClientDataSet::RecordOf(TDataSet& row) const {
   RecordBuffer buffer;
-  buffer.Resize(fieldDefs_.Count());
-  for (int i = 0; i < fieldDefs_.Count(); ++i) {
+  buffer.Resize(records_->Layout().Columns());
+  for (int i = 0; i < records_->Layout().Columns(); ++i) {
     TField& field = Fields(i);
     const TField& server = row.Fields(i);
     if (server.form_ == field.form_) {

@@ -51,15 +51,27 @@ void RecordTable::Reindex(RowId row, const Record* before, const Record* after) 
   if (before != nullptr) index_.Remove(HashOfKey(*before), row);
 }
 
+// The rows by the keys of their images; `image` gives nullptr for a row without one.
+template <typename Image>
+UniqueIndex RecordTable::IndexOf(Image image) const {
+  UniqueIndex index;
+  for (RowId row = 0; row < Rows() && !key_.empty(); ++row) {
+    const Record* record = image(row);
+    if (record == nullptr) continue;
+    const std::uint32_t hash = HashOfKey(*record);
+    const RowId other = index.Find(hash, [&](RowId at) { return SameKey(*image(at), *record); });
+    if (other != kNoRow) throw EDBClient("Key violation.", kKeyViolation);
+    index.Insert(hash, row);
+  }
+  return index;
+}
+
 void RecordTable::SetKey(std::vector<int> key) {
-  std::vector<int> earlier = std::exchange(key_, std::move(key));
-  index_.Clear();
+  key_.swap(key);
   try {
-    for (RowId row = 0; row < Rows(); ++row) {
-      if (IsThere(row)) Reindex(row, nullptr, &rows_[row].record);
-    }
+    index_ = IndexOf([this](RowId row) { return IsThere(row) ? &rows_[row].record : nullptr; });
   } catch (...) {
-    SetKey(std::move(earlier));
+    key_.swap(key);
     throw;
   }
 }
@@ -153,6 +165,9 @@ void RecordTable::Revert(RowId row) {
 
 // Keys may have been passed on from record to record: only together they fit again.
 void RecordTable::RevertAll() {
+  index_ = IndexOf([this](RowId row) {
+    return IsThere(row) || rows_[row].entry != 0 ? Original(row) : nullptr;
+  });
   for (Entry& entry : log_) {
     if (entry.row == kNoRow) continue;
     Row& row = rows_[entry.row];
@@ -162,7 +177,6 @@ void RecordTable::RevertAll() {
   }
   log_.clear();
   changes_ = 0;
-  SetKey(key_);
 }
 
 void RecordTable::Accept(RowId row) {

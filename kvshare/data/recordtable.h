@@ -60,7 +60,7 @@ class RecordTable {
   RowId NewestChange() const;
 
   // As before the first change. Throws EDBClient `Key violation.` when another row has taken the
-  // key meanwhile.
+  // key meanwhile, or when the key came after the changes; nothing is done then.
   void Revert(RowId row);
   void RevertAll();
   // The present record becomes the base; the entry leaves.
@@ -87,6 +87,8 @@ class RecordTable {
 
   std::uint32_t HashOfKey(const Record& record) const;
   bool SameKey(const Record& a, const Record& b) const;
+  template <typename Image>
+  UniqueIndex IndexOf(Image image) const;
   // Takes a key over from `before`, each of them null for none.
   void Reindex(RowId row, const Record* before, const Record* after);
   void Touch(RowId row, Record before);

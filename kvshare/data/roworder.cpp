@@ -48,7 +48,7 @@ bool RowOrder::Less(RowId a, RowId b) const {
   for (const int column : columns_) {
     const auto order = Compare(table_.At(a).At(layout, column), table_.At(b).At(layout, column),
                                layout.Form(column));
-    if (order != 0) return order < 0;
+    if (std::is_neq(order)) return std::is_lt(order);
   }
   return a < b;
 }

@@ -1,7 +1,6 @@
 #include "kvshare/data/wireforms.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "kvshare/rtl/digits.h"
 #include "kvshare/rtl/types.h"
@@ -131,12 +130,18 @@ void AppendShortest(std::string& out, std::string_view digits, char decimalSepar
 }
 
 std::string DigitsOfCurrency(Currency amount) {
-  constexpr std::uint64_t kScale = Currency::kScale;
+  constexpr std::size_t kPlaces = 4;
+  constexpr unsigned kHundred = 100;
   char text[32];
-  const int size = std::snprintf(text, sizeof text, "%s%llu.%04llu", amount.Raw() < 0 ? "-" : "",
-                                 static_cast<unsigned long long>(amount.Magnitude() / kScale),
-                                 static_cast<unsigned long long>(amount.Magnitude() % kScale));
-  return {text, static_cast<std::size_t>(size)};
+  char* const end = text + sizeof text;
+  const auto places = static_cast<unsigned>(amount.Magnitude() % Currency::kScale);
+  digits::PutPair(end - 2, places % kHundred);
+  digits::PutPair(end - kPlaces, places / kHundred);
+  char* begin = end - kPlaces;
+  *--begin = '.';
+  begin = digits::PutBackward(begin, amount.Magnitude() / Currency::kScale);
+  if (amount.Raw() < 0) *--begin = '-';
+  return {begin, end};
 }
 
 std::optional<TDateTime> DateOfText(std::string_view text) {

@@ -263,6 +263,17 @@ TEST_F(ClientDataSet, ChangesAreTakenBack) {
   EXPECT_EQ(Codes(), "A B C ");
   EXPECT_EQ(set.ChangeCount(), 0);
 
+  // Records that had a key in common before their changes, when it was no key yet.
+  set.SetPrimaryKey("");
+  Change("A", "NAME", "y");
+  Change("B", "NAME", "z");
+  set.SetPrimaryKey("NAME");
+  EXPECT_EQ(MessageOf<EDBClient>([&] { set.CancelUpdates(); }), "Key violation.");
+  EXPECT_EQ(Codes("NAME"), "y z x ") << "nothing has happened";
+  set.SetPrimaryKey("CODE");
+  set.CancelUpdates();
+  EXPECT_EQ(Codes("NAME"), "x x x ");
+
   set.LogChanges = false;
   Remove("C");
   Change("A", "NAME", "kept");
