@@ -57,6 +57,7 @@
 
 // Money, dates, texts
 #include "kvshare/dates/date.h"
+#include "kvshare/dates/dbdate.h"
 #include "kvshare/money/money.h"
 #include "kvshare/text/crypt.h"
 #include "kvshare/text/strings.h"
@@ -73,6 +74,7 @@
 #include "kvshare/data/clientdataset.h"
 #include "kvshare/data/dataset.h"
 #include "kvshare/data/driver.h"
+#include "kvshare/data/editmask.h"
 #include "kvshare/data/errors.h"
 #include "kvshare/data/field.h"
 #include "kvshare/data/provider.h"
@@ -80,7 +82,11 @@
 #include "kvshare/data/sqlparams.h"
 #include "kvshare/data/sqlquery.h"
 #include "kvshare/database/dblog.h"
+#include "kvshare/database/dbpost.h"
 #include "kvshare/database/dbxconf.h"
+#include "kvshare/database/errorform.h"
+#include "kvshare/database/posterror.h"
+#include "kvshare/database/recerror.h"
 #include "kvshare/database/sqlbatch.h"
 #include "kvshare/database/sqlfunc.h"
 #include "kvshare/database/sqlreplication.h"

@@ -5,6 +5,7 @@
 namespace kvshare {
 
 EServerError::~EServerError() = default;
+EDBEditError::~EDBEditError() = default;
 
 void DatabaseError(std::string_view message, const TComponent* component) {
   throw EDatabaseError(NamedMessage(message, component));

@@ -33,6 +33,13 @@ class KVSHARE_API EServerError : public EDatabaseError {
   int code_;
 };
 
+// A text that a user typed through a mask and that lacks what the mask requires.
+class KVSHARE_API EDBEditError : public Exception {
+ public:
+  EDBEditError() : Exception("Invalid input value.  Use escape key to abandon changes") {}
+  ~EDBEditError() override;
+};
+
 // Throws EDatabaseError with `message`, behind `Name: ` where the component has a name.
 [[noreturn]] KVSHARE_API void DatabaseError(std::string_view message, const TComponent* component);
 

@@ -165,8 +165,8 @@ class KVSHARE_API TField : public TComponent {
   // Null and Unassigned clear. Throws EDatabaseError `Invalid value for field '%s'`.
   void SetValue(const Variant& value);
 
-  // What a control shows and edits: OnGetText's, else a number or date by its formats, `(MEMO)` or
-  // `(Memo)` (Null) for a memo that is shown, AsString.
+  // What a control shows and edits: OnGetText's, else a number or date by its formats, a text that
+  // is shown through its EditMask, `(MEMO)` or `(Memo)` (Null) for a memo that is shown, AsString.
   std::string DisplayText() const { return TextOf(true); }
   std::string Text() const { return TextOf(false); }
   // What a user has typed: OnSetText alone decides, else SetAsString.

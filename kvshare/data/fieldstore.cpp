@@ -139,11 +139,11 @@ void TField::StoreDecimal(std::string_view digits) {
 void TField::StoreMoment(TDateTime moment) {
   switch (form_) {
     case TFieldForm::Date:
-      return Store(Cell::Of(std::string_view(data::TextOfDate(moment))));
+      return Store(Cell::Of(data::DateText::OfDate(moment).View()));
     case TFieldForm::Time:
-      return Store(Cell::Of(std::string_view(data::TextOfTime(moment))));
+      return Store(Cell::Of(data::DateText::OfTime(moment).View()));
     default:
-      return Store(Cell::Of(std::string_view(data::TextOfMoment(moment))));
+      return Store(Cell::Of(data::DateText::OfMoment(moment).View()));
   }
 }
 

@@ -1,5 +1,6 @@
 // A field's text as controls show and edit it.
 #include "kvshare/data/dataset.h"
+#include "kvshare/data/editmask.h"
 #include "kvshare/data/field.h"
 #include "kvshare/data/wireforms.h"
 #include "kvshare/rtl/formatdatetime.h"
@@ -11,7 +12,8 @@ std::string TField::TextOf(bool display) const {
   std::string text;
   if (OnGetText) {
     // Handlers take the field as one that may be changed, as the platform hands it over.
-    OnGetText(const_cast<TField&>(*this), text, display);
+    auto& field = const_cast<TField&>(*this);  // NOLINT(cppcoreguidelines-pro-type-const-cast)
+    OnGetText(field, text, display);
   } else {
     AppendOwnText(text, display);
   }
@@ -22,6 +24,10 @@ void TField::AppendOwnText(std::string& out, bool display) const {
   const bool memo = def_.DataType == TFieldType::ftMemo || def_.DataType == TFieldType::ftFmtMemo;
   if (memo && display) {
     out += IsNull() ? "(Memo)" : "(MEMO)";
+    return;
+  }
+  if (form_ == TFieldForm::Text && display && !EditMask.empty()) {
+    out += TEditMask(EditMask).Format(AsString());
     return;
   }
   const std::string& format = !display && !EditFormat.empty() ? EditFormat : DisplayFormat;

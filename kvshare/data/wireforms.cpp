@@ -169,24 +169,20 @@ std::optional<TDateTime> MomentOfText(std::string_view text) {
   return time ? std::optional(JoinDateTime(*date, *time)) : std::nullopt;
 }
 
-namespace {
-
-// yyyy-mm-dd; a moment can lie past 9999, in a year of five digits
-void AppendDateDigits(std::string& out, TDateTime moment) {
-  const TDateParts date = DecodeDate(moment);
+// yyyy-mm-dd; a moment can lie past 9999, in a year of five digits.
+void DateText::Append(const TDateParts& date) {
   constexpr unsigned kFiveDigits = 10'000;
-  if (date.Year >= kFiveDigits) out.push_back(static_cast<char>('0' + date.Year / kFiveDigits));
+  if (date.Year >= kFiveDigits) bytes_[size_++] = static_cast<char>('0' + date.Year / kFiveDigits);
   char text[] = "0000-00-00";
   digits::PutPair(text, date.Year % kFiveDigits / 100U);
   digits::PutPair(text + 2, date.Year % 100U);
   digits::PutPair(text + 5, date.Month);
   digits::PutPair(text + 8, date.Day);
-  out.append(text, sizeof text - 1);
+  Append(std::string_view(text, sizeof text - 1));
 }
 
 // hh:mm:ss[.fff]
-void AppendTimeDigits(std::string& out, TDateTime moment) {
-  const TTimeParts time = DecodeTime(moment);
+void DateText::Append(const TTimeParts& time) {
   char text[] = "00:00:00.000";
   constexpr std::size_t kSeconds = 8;
   digits::PutPair(text, time.Hour);
@@ -194,30 +190,40 @@ void AppendTimeDigits(std::string& out, TDateTime moment) {
   digits::PutPair(text + 6, time.Second);
   text[9] = static_cast<char>('0' + time.MilliSecond / 100);
   digits::PutPair(text + 10, time.MilliSecond % 100U);
-  out.append(text, time.MilliSecond != 0 ? sizeof text - 1 : kSeconds);
+  Append(std::string_view(text, time.MilliSecond != 0 ? sizeof text - 1 : kSeconds));
 }
 
-}  // namespace
+DateText DateText::OfDate(TDateTime moment) {
+  DateText text;
+  text.Append(DecodeDate(moment));
+  return text;
+}
+
+DateText DateText::OfTime(TDateTime moment) {
+  DateText text;
+  text.Append(DecodeTime(moment));
+  return text;
+}
+
+DateText DateText::OfMoment(TDateTime moment) {
+  DateText text;
+  const TDateTimeParts parts = DecodeDateTime(moment);
+  text.Append(parts.Date);
+  text.Append(" ");
+  text.Append(parts.Time);
+  return text;
+}
 
 std::string TextOfDate(TDateTime moment) {
-  std::string text;
-  AppendDateDigits(text, moment);
-  return text;
+  return std::string(DateText::OfDate(moment).View());
 }
 
 std::string TextOfTime(TDateTime moment) {
-  std::string text;
-  AppendTimeDigits(text, moment);
-  return text;
+  return std::string(DateText::OfTime(moment).View());
 }
 
 std::string TextOfMoment(TDateTime moment) {
-  std::string text;
-  text.reserve(sizeof "yyyy-mm-dd hh:mm:ss.fff");
-  AppendDateDigits(text, moment);
-  text.push_back(' ');
-  AppendTimeDigits(text, moment);
-  return text;
+  return std::string(DateText::OfMoment(moment).View());
 }
 
 }  // namespace kvshare::data

@@ -1,6 +1,8 @@
 // The text forms in which exact values cross the driver contract. Internal.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -36,5 +38,26 @@ std::optional<TDateTime> MomentOfText(std::string_view text);
 std::string TextOfDate(TDateTime moment);
 std::string TextOfTime(TDateTime moment);
 std::string TextOfMoment(TDateTime moment);
+
+// Such a text that needs no memory of its own: fields store a million of them.
+class DateText {
+ public:
+  static DateText OfDate(TDateTime moment);
+  static DateText OfTime(TDateTime moment);
+  static DateText OfMoment(TDateTime moment);
+
+  std::string_view View() const { return {bytes_.data(), size_}; }
+
+ private:
+  void Append(const TDateParts& date);
+  void Append(const TTimeParts& time);
+  void Append(std::string_view text) {
+    text.copy(&bytes_.at(size_), text.size());
+    size_ += text.size();
+  }
+
+  std::array<char, 32> bytes_;  // a year of five digits and milliseconds take 24
+  std::size_t size_ = 0;
+};
 
 }  // namespace kvshare::data

@@ -67,12 +67,14 @@ class KVSHARE_API TKovraDate {
   // 15/07/2546 for 15 July 2003 and 543. A date that cannot be decoded shows today's.
   static std::string ShowDate(TDateTime D, Word Offset);
   static void AppendShowDate(std::string& Out, TDateTime D, Word Offset);
-  static std::string ShowFullDate(TDateTime D, Word Offset);   // อ. 15/07/2546
-  static std::string ShowDatetime(TDateTime D, Word Offset);   // 15/07/2546 14:05
+  static std::string ShowFullDate(TDateTime D, Word Offset);  // อ. 15/07/2546
+  static std::string ShowDatetime(TDateTime D, Word Offset);  // 15/07/2546 14:05
+  static void AppendShowDatetime(std::string& Out, TDateTime D, Word Offset);
   static std::string ShowMonthYear(TDateTime D, Word Offset);  // July, 2546: the locale's name
   // กรกฎาคม, 2546 (Language 0) or JULY, 2003; no name before year 1.
   static std::string ShowFullMonthYear(TDateTime D, int Offset, int Language);
   static std::string ShowTime(TDateTime D);  // 14:05
+  static void AppendShowTime(std::string& Out, TDateTime D);
   // The locale's long name of month 1 .. 12; other months throw EConvertError.
   static std::string MonthName(int Month);
 

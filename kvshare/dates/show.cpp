@@ -117,10 +117,15 @@ std::string TKovraDate::ShowFullDate(TDateTime D, Word Offset) {
   return Format("%s %s", {name, ShowDate(D, Offset)});
 }
 
+void TKovraDate::AppendShowDatetime(std::string& Out, TDateTime D, Word Offset) {
+  Out += DayMonthYear(DecodeDate(D), Offset, FormatSettings.DateSeparator).Text();
+  Out += ' ';
+  AppendShowTime(Out, D);
+}
+
 std::string TKovraDate::ShowDatetime(TDateTime D, Word Offset) {
-  std::string text(DayMonthYear(DecodeDate(D), Offset, FormatSettings.DateSeparator).Text());
-  text += ' ';
-  AppendFormatDateTime(text, "hh:nn", D);
+  std::string text;
+  AppendShowDatetime(text, D, Offset);
   return text;
 }
 
@@ -136,8 +141,19 @@ std::string TKovraDate::ShowFullMonthYear(TDateTime D, int Offset, int Language)
   return Format("%S, %d", {name, date.Year + std::int64_t{Offset}});
 }
 
+void TKovraDate::AppendShowTime(std::string& Out, TDateTime D) {
+  const TTimeParts time = DecodeTime(D);
+  DateText text;
+  text.Pair(time.Hour);
+  text.Separator(FormatSettings.TimeSeparator);
+  text.Pair(time.Minute);
+  Out += text.Text();
+}
+
 std::string TKovraDate::ShowTime(TDateTime D) {
-  return FormatDateTime("hh:nn", D);
+  std::string text;
+  AppendShowTime(text, D);
+  return text;
 }
 
 std::string TKovraDate::MonthName(int Month) {

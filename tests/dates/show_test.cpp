@@ -113,6 +113,18 @@ TEST_F(DateTexts, EveryDayIsAsDescribed) {
   }
 }
 
+TEST_F(DateTexts, EveryMinuteIsAsDescribed) {
+  // Every minute of the day, each on another day and a little before and after the full minute.
+  for (int minute = 0; minute < 24 * 60; ++minute) {
+    for (const double ms : {0.0, 29'999.5, 59'999.4, 59'999.6}) {
+      const TDateTime moment(minute * 25.0 + (minute + ms / 60'000) / (24 * 60));
+      const std::string time = FormatDateTime("hh:nn", moment);
+      ASSERT_EQ(TKovraDate::ShowTime(moment), time);
+      ASSERT_EQ(TKovraDate::ShowDatetime(moment, 543), DescribedShowDate(moment, 543) + " " + time);
+    }
+  }
+}
+
 TEST_F(DateTexts, StrZero) {
   struct Case {
     double value;
