@@ -47,6 +47,7 @@
 
 // Start, shared settings, messages
 #include "kvshare/settings/catalogue.h"
+#include "kvshare/settings/connectinfo.h"
 #include "kvshare/settings/datetimeformat.h"
 #include "kvshare/settings/globals.h"
 #include "kvshare/settings/language.h"

@@ -10,9 +10,15 @@ namespace kvshare::app {
 
 CLI::App* AddCommand(CLI::App& parent, Plan& plan, std::string_view name, std::string_view purpose,
                      std::string_view examples) {
+  CLI::App* command = AddQuietCommand(parent, name, purpose, examples);
+  command->add_flag("--json", plan.json, "One JSON object a line");
+  return command;
+}
+
+CLI::App* AddQuietCommand(CLI::App& parent, std::string_view name, std::string_view purpose,
+                          std::string_view examples) {
   CLI::App* command = parent.add_subcommand(std::string(name), std::string(purpose));
   command->group("Commands");
-  command->add_flag("--json", plan.json, "One JSON object a line");
   command->footer("\nExamples:\n" + std::string(examples));
   return command;
 }

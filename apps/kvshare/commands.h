@@ -40,7 +40,9 @@ void DeclareDoctor(CLI::App& parent, Plan& plan);
 void DeclareSettings(CLI::App& parent, Plan& plan);
 void DeclareDialect(CLI::App& parent, Plan& plan);
 void DeclareLog(CLI::App& parent, Plan& plan);
+void DeclareDataset(CLI::App& parent, Plan& plan);
 void DeclareCompany(CLI::App& parent, Plan& plan);
+void DeclareCompanyCreate(CLI::App& company, Plan& plan);
 void DeclarePost(CLI::App& parent, Plan& plan);
 void DeclareReceipts(CLI::App& parent, Plan& plan);
 void DeclareVersion(CLI::App& parent, Plan& plan);
@@ -52,6 +54,10 @@ void DeclareReplication(CLI::App& parent, Plan& plan);
 // Adds a command with its `--json` and its worked examples.
 CLI::App* AddCommand(CLI::App& parent, Plan& plan, std::string_view name, std::string_view purpose,
                      std::string_view examples);
+
+// One that prints no rows, so that there is nothing for `--json`.
+CLI::App* AddQuietCommand(CLI::App& parent, std::string_view name, std::string_view purpose,
+                          std::string_view examples);
 
 // The operands of a command for items.
 void AddItems(CLI::App& command, Plan& plan, std::string_view name, std::string_view description);

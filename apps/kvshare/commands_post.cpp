@@ -29,7 +29,7 @@ using receipts::Document;
 using receipts::Receipt;
 
 constexpr std::string_view kCompanyExamples =
-    "  kvshare company --connect SHOP            the tables of a company, in an empty database\n";
+    "  kvshare company create --connect SHOP     the tables of a company, in an empty database\n";
 constexpr std::string_view kPostExamples =
     "  kvshare post --connect SHOP day.csv       each document whole or not at all\n"
     "  kvshare post --connect SHOP day.csv       again: posts what is missing, doubles nothing\n"
@@ -236,7 +236,7 @@ class PostRun {
 
 void RequireCompany(TSQLConnection& connection, const std::string& connect) {
   if (posting::IsCompany(connection)) return;
-  throw Exception("there is no company in this database; `kvshare company --connect " +
+  throw Exception("there is no company in this database; `kvshare company create --connect " +
                   UsageText("--connect", connect) + "` makes one");
 }
 
@@ -256,10 +256,10 @@ int Post(const Options& options, const Settings& settings, const Stdio& stdio) {
 
 }  // namespace
 
-void DeclareCompany(CLI::App& parent, Plan& plan) {
+void DeclareCompanyCreate(CLI::App& company, Plan& plan) {
   const auto connect = std::make_shared<std::string>();
   CLI::App* command =
-      AddCommand(parent, plan, "company", "Make the tables of a sample company", kCompanyExamples);
+      AddQuietCommand(company, "create", "Make the tables of a sample company", kCompanyExamples);
   AddConnect(*command, *connect);
   command->callback([connect, &plan] {
     plan.action = [connect](const Stdio&) { return MakeCompany(*connect); };

@@ -302,13 +302,9 @@ CLI::App* AddSettings(CLI::App& settings, Plan& plan, std::string_view name,
   return AddCommand(settings, plan, name, purpose, std::string(examples) + std::string(kKeyNote));
 }
 
-// One that prints no rows, so that there is nothing for --json.
 CLI::App* AddQuiet(CLI::App& settings, std::string_view name, std::string_view purpose,
                    std::string_view examples) {
-  CLI::App* command = settings.add_subcommand(std::string(name), std::string(purpose));
-  command->group("Commands");
-  command->footer("\nExamples:\n" + std::string(examples) + std::string(kKeyNote));
-  return command;
+  return AddQuietCommand(settings, name, purpose, std::string(examples) + std::string(kKeyNote));
 }
 
 void DeclareList(CLI::App& settings, Plan& plan) {

@@ -4,8 +4,11 @@
 #include <charconv>
 
 #include "apps/kvshare/moments.h"
+#include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/format.h"
 #include "kvshare/rtl/formatdatetime.h"
 #include "kvshare/rtl/formatsettings.h"
+#include "kvshare/rtl/strutils.h"
 
 namespace kvshare::app {
 
@@ -81,6 +84,83 @@ void AppendField(std::string& out, const TField& field) {
       break;
     default:
       field.AppendString(out);
+  }
+}
+
+namespace {
+
+[[noreturn]] void Refuse(std::string_view text, std::string_view kind) {
+  throw EConvertError(Format("'%s' is not a valid %s value", {text, kind}));
+}
+
+template <typename Number>
+Number ReadNumber(std::string_view text, std::string_view kind) {
+  Number value{};
+  const char* end = text.data() + text.size();
+  const auto [last, error] = std::from_chars(text.data(), end, value);
+  if (error != std::errc() || last != end) Refuse(text, kind);
+  return value;
+}
+
+std::string BytesOfHex(std::string_view text) {
+  std::string bytes;
+  if (text.size() % 2 != 0) Refuse(text, "hexadecimal");
+  for (; !text.empty(); text.remove_prefix(2)) {
+    unsigned byte = 0;
+    const char* end = text.data() + 2;
+    const auto [last, error] = std::from_chars(text.data(), end, byte, 16);
+    if (error != std::errc() || last != end) Refuse(text.substr(0, 2), "hexadecimal");
+    bytes.push_back(static_cast<char>(byte));
+  }
+  return bytes;
+}
+
+void StoreWhole(TField& field, const std::string& text) {
+  if (field.Size() > 0 && text.size() > static_cast<std::size_t>(field.Size())) {
+    throw EConvertError(Format("%d bytes, the field has %d",
+                               {static_cast<std::int64_t>(text.size()), field.Size()}));
+  }
+  field.SetAsString(text);
+}
+
+// With a point, whatever the process's separator is.
+void StoreDecimal(TField& field, std::string text) {
+  if (text.find_first_not_of("+-0123456789.") != std::string::npos) Refuse(text, "decimal");
+  if (const std::size_t point = text.find('.'); point != std::string::npos) {
+    text[point] = FormatSettings.DecimalSeparator;
+  }
+  field.SetAsString(text);
+}
+
+}  // namespace
+
+void StoreField(TField& field, std::string_view text) {
+  const TFieldForm form = FormOf(field.DataType());
+  const bool letters = form == TFieldForm::Text || form == TFieldForm::Bytes;
+  if (text.empty() && !letters) return field.Clear();
+  switch (form) {
+    case TFieldForm::Bytes:
+      return StoreWhole(field, BytesOfHex(text));
+    case TFieldForm::Boolean:
+      if (!SameText(text, "true") && !SameText(text, "false")) Refuse(text, "boolean");
+      return field.SetAsBoolean(SameText(text, "true"));
+    case TFieldForm::Integer:
+      return field.SetAsInteger(ReadNumber<std::int64_t>(text, "integer"));
+    case TFieldForm::Real:
+      return field.SetAsFloat(ReadNumber<double>(text, "floating point"));
+    case TFieldForm::Decimal:
+      return StoreDecimal(field, std::string(text));
+    case TFieldForm::Date: {
+      const TDateTime moment = ParseIso(text);
+      if (DecodeTime(moment) != TTimeParts{}) Refuse(text, "date");
+      return field.SetAsDateTime(moment);
+    }
+    case TFieldForm::Time:
+      return field.SetAsDateTime(TimeOf(ParseIso("1899-12-30T" + std::string(text))));
+    case TFieldForm::Moment:
+      return field.SetAsDateTime(ParseIso(text));
+    default:
+      StoreWhole(field, std::string(text));
   }
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "kvshare/data/field.h"
 
@@ -16,5 +17,9 @@ namespace kvshare::app {
 //   the rest   as it is
 // Throws EDatabaseError for a letter that code page 874 lacks.
 void AppendField(std::string& out, const TField& field);
+
+// Stores what AppendField has written, and "" as Null in everything but texts and bytes. Throws an
+// Exception for a text that is no such value, and for one that the field would cut.
+void StoreField(TField& field, std::string_view text);
 
 }  // namespace kvshare::app

@@ -19,8 +19,8 @@ namespace {
 // One way to print rows. What is printed is appended as UTF-8.
 class RowPrinter {
  public:
-  explicit RowPrinter(const TSQLQuery& query) {
-    for (int i = 0; i < query.FieldCount(); ++i) fields_.push_back(&query.Fields(i));
+  explicit RowPrinter(const TDataSet& set) {
+    for (int i = 0; i < set.FieldCount(); ++i) fields_.push_back(&set.Fields(i));
   }
   virtual ~RowPrinter() = default;
   RowPrinter(const RowPrinter&) = delete;
@@ -47,7 +47,7 @@ class RowPrinter {
 
 class TablePrinter : public RowPrinter {
  public:
-  explicit TablePrinter(const TSQLQuery& query) : RowPrinter(query) {
+  explicit TablePrinter(const TDataSet& set) : RowPrinter(set) {
     Cells names;
     for (const TField* field : Fields()) {
       names.push_back(Legible(field->FieldName(), ' '));
@@ -117,7 +117,8 @@ class CsvPrinter : public RowPrinter {
 
   void Print(std::string& out) override {
     PrintLine(out, [this](std::string& line, const TField& field) {
-      if (!field.IsNull()) AppendText(line, Value(field));
+      // A line of nothing would be no row to a reader.
+      if (!field.IsNull() || Fields().size() == 1) AppendText(line, Value(field));
     });
   }
 
@@ -134,7 +135,7 @@ class CsvPrinter : public RowPrinter {
   }
 
   void AppendText(std::string& out, std::string_view text) {
-    if (!text.empty() && text.find_first_of(",\"\r\n") == std::string_view::npos) {
+    if (IsBare(text)) {
       AppendUtf8(out, text);
       return;
     }
@@ -144,12 +145,19 @@ class CsvPrinter : public RowPrinter {
     AppendUtf8(out, quoted_);
   }
 
+  // Readers take blanks off the ends of a cell without quotes.
+  static bool IsBare(std::string_view text) {
+    const auto blank = [](char c) { return c == ' ' || c == '\t'; };
+    return !text.empty() && text.find_first_of(",\"\r\n") == std::string_view::npos &&
+           !blank(text.front()) && !blank(text.back());
+  }
+
   std::string quoted_;
 };
 
 class JsonPrinter : public RowPrinter {
  public:
-  explicit JsonPrinter(const TSQLQuery& query) : RowPrinter(query) {
+  explicit JsonPrinter(const TDataSet& set) : RowPrinter(set) {
     for (const TField* field : Fields()) {
       names_.emplace_back(names_.empty() ? "{" : ",");
       AppendJsonString(names_.back(), Cp874ToUtf8(field->FieldName()));
@@ -191,22 +199,22 @@ class JsonPrinter : public RowPrinter {
   std::vector<std::string> names_;  // with what stands around them
 };
 
-std::unique_ptr<RowPrinter> PrinterOf(RowForm form, const TSQLQuery& query) {
+std::unique_ptr<RowPrinter> PrinterOf(RowForm form, const TDataSet& set) {
   switch (form) {
     case RowForm::Csv:
-      return std::make_unique<CsvPrinter>(query);
+      return std::make_unique<CsvPrinter>(set);
     case RowForm::Json:
-      return std::make_unique<JsonPrinter>(query);
+      return std::make_unique<JsonPrinter>(set);
     case RowForm::Table:
       break;
   }
-  return std::make_unique<TablePrinter>(query);
+  return std::make_unique<TablePrinter>(set);
 }
 
 }  // namespace
 
-void WriteRows(TSQLQuery& query, RowForm form, BlockWriter& out) {
-  const std::unique_ptr<RowPrinter> printer = PrinterOf(form, query);
+void WriteRows(TDataSet& set, RowForm form, BlockWriter& out) {
+  const std::unique_ptr<RowPrinter> printer = PrinterOf(form, set);
   std::uint64_t row = 1;
   std::size_t whole = 0;  // how much of the buffer is complete lines
   const auto keep = [&] {
@@ -215,7 +223,7 @@ void WriteRows(TSQLQuery& query, RowForm form, BlockWriter& out) {
   };
   try {
     printer->Begin(out.Buffer());
-    for (keep(); !query.Eof(); ++row, query.Next()) {
+    for (keep(); !set.Eof(); ++row, set.Next()) {
       printer->Print(out.Buffer());
       keep();
     }
@@ -227,6 +235,20 @@ void WriteRows(TSQLQuery& query, RowForm form, BlockWriter& out) {
     out.Flush();
     throw Exception("row " + std::to_string(row) + ": " + e.Message());
   }
+}
+
+std::string TextOfRows(TDataSet& set, RowForm form) {
+  std::string text;
+  const std::unique_ptr<RowPrinter> printer = PrinterOf(form, set);
+  std::uint64_t row = 1;
+  try {
+    printer->Begin(text);
+    for (; !set.Eof(); ++row, set.Next()) printer->Print(text);
+    printer->End(text);
+  } catch (const Exception& e) {
+    throw Exception("row " + std::to_string(row) + ": " + e.Message());
+  }
+  return text;
 }
 
 }  // namespace kvshare::app

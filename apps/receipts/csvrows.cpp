@@ -29,7 +29,7 @@ std::uint64_t LineBreaks(std::string_view cell) {
 }  // namespace
 
 CsvRows::CsvRows(Sink sink) : sink_(std::move(sink)) {
-  if (csv_init(&parser_, CSV_REPALL_NL) != 0) throw std::bad_alloc();
+  if (csv_init(&parser_, CSV_REPALL_NL | CSV_EMPTY_IS_NULL) != 0) throw std::bad_alloc();
   csv_set_blk_size(&parser_, kGrowth);
   csv_set_realloc_func(&parser_, BoundedRealloc);
 }
@@ -57,7 +57,8 @@ void CsvRows::CellCallback(void* cell, std::size_t size, void* self) {
   auto* rows = static_cast<CsvRows*>(self);
   if (rows->error_) return;
   try {
-    rows->TakeCell({static_cast<const char*>(cell), cell == nullptr ? 0 : size});
+    const bool missing = cell == nullptr;
+    rows->TakeCell({static_cast<const char*>(cell), missing ? 0 : size}, missing);
   } catch (...) {
     rows->error_ = std::current_exception();
   }
@@ -73,8 +74,12 @@ void CsvRows::RowCallback(int terminator, void* self) {
   }
 }
 
-void CsvRows::TakeCell(std::string_view cell) {
-  if (count_ == cells_.size()) cells_.emplace_back();
+void CsvRows::TakeCell(std::string_view cell, bool missing) {
+  if (count_ == cells_.size()) {
+    cells_.emplace_back();
+    missing_.push_back(false);
+  }
+  missing_[count_] = missing;
   cells_[count_++] = cell;
   breaks_ += LineBreaks(cell);
   afterCr_ = false;

@@ -32,19 +32,23 @@ class CsvRows {
   std::string_view Feed(std::string_view bytes);
   std::string_view Finish();
 
+  // Whether a cell of the row that the sink has is empty and stands in no quotes.
+  bool IsMissing(std::size_t cell) const { return missing_[cell]; }
+
   // Of the row that is being read, from 1.
   std::uint64_t Line() const { return line_; }
 
  private:
   static void CellCallback(void* cell, std::size_t size, void* self);
   static void RowCallback(int terminator, void* self);
-  void TakeCell(std::string_view cell);
+  void TakeCell(std::string_view cell, bool missing);
   void TakeRow(int terminator);
   void Rethrow();
 
   Sink sink_;
   csv_parser parser_{};
   std::vector<std::string> cells_;  // used again for every row
+  std::vector<bool> missing_;
   std::size_t count_ = 0;
   std::uint64_t line_ = 1;
   std::uint64_t breaks_ = 0;  // line breaks inside the cells of this row

@@ -235,7 +235,7 @@ class Prepared final : public data::PreparedStatement {
 std::unique_ptr<data::PreparedStatement> PostgresConnection::Prepare(std::string_view sql) {
   Ready(sql);
   return std::make_unique<Prepared>(*this, "kvshare" + std::to_string(++prepared_),
-                                             drivers::NumberedPlaceholders(sql));
+                                    drivers::NumberedPlaceholders(sql));
 }
 
 std::unique_ptr<data::Cursor> PostgresConnection::Query(

@@ -246,15 +246,7 @@ Variant TField::ImageValue(TFieldImage image) const {
 }
 
 Variant TField::ValueIn(const TRecordReader& record) const {
-  const TRecordReader* earlier = std::exchange(shown_, &record);
-  try {
-    Variant value = Value();
-    shown_ = earlier;
-    return value;
-  } catch (...) {
-    shown_ = earlier;
-    throw;
-  }
+  return Showing(record, [this] { return Value(); });
 }
 
 }  // namespace kvshare

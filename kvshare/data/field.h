@@ -172,6 +172,12 @@ class KVSHARE_API TField : public TComponent {
   // What a user has typed: OnSetText alone decides, else SetAsString.
   void SetText(std::string_view text);
 
+  // DisplayText of another value, which the record need not have. Throws as SetValue does.
+  std::string DisplayTextOf(const Variant& value);
+  // A whole line that a user has typed in the place of the text: without anything Null, else
+  // SetText of what EditMask makes of it (TEditMask::ValueOfLine, with its error).
+  void SetTextOfLine(std::string_view line);
+
   // Null, the value, or Unassigned where the dataset has none (clientdataset.h).
   Variant OldValue() const { return ImageValue(TFieldImage::Old); }
   Variant NewValue() const { return ImageValue(TFieldImage::New); }
@@ -187,6 +193,17 @@ class KVSHARE_API TField : public TComponent {
   data::OwnedCell Converted(const Variant& value);
   // The value in another record of the same columns.
   Variant ValueIn(const TRecordReader& record) const;
+  // What `read` gives while accessors read that record.
+  template <typename Read>
+  auto Showing(const TRecordReader& record, Read read) const {
+    struct Restored {
+      const TField& field;
+      const TRecordReader* earlier;
+      ~Restored() { field.shown_ = earlier; }
+    };
+    const Restored restored{*this, std::exchange(shown_, &record)};
+    return read();
+  }
 
   // What accessors read: the record, or what they are shown in its place for a moment.
   const TRecordReader& Record() const { return shown_ != nullptr ? *shown_ : *record_; }

@@ -2,6 +2,7 @@
 #include "kvshare/data/dataset.h"
 #include "kvshare/data/editmask.h"
 #include "kvshare/data/field.h"
+#include "kvshare/data/record.h"
 #include "kvshare/data/wireforms.h"
 #include "kvshare/rtl/formatdatetime.h"
 #include "kvshare/rtl/formatfloat.h"
@@ -49,6 +50,16 @@ void TField::AppendOwnText(std::string& out, bool display) const {
     default:
       AppendString(out);
   }
+}
+
+std::string TField::DisplayTextOf(const Variant& value) {
+  const data::OwnedCell cell = Converted(value);
+  const data::CellReader reader(cell.View());
+  return Showing(reader, [this] { return DisplayText(); });
+}
+
+void TField::SetTextOfLine(std::string_view line) {
+  line.empty() ? Clear() : SetText(TEditMask(EditMask).ValueOfLine(line));
 }
 
 void TField::SetText(std::string_view text) {

@@ -185,6 +185,7 @@ PacketNode& PacketReader::Open(std::string_view name) {
   }
   if (path_.size() == kDeepest) throw PacketError(0, "elements too deep inside each other");
   PacketNode& parent = *path_.back();
+  if (name == kRowData && path_.size() != 1) throw PacketError(0, "rows inside another element");
   const bool once = name == "METADATA" || name == "FIELDS" || name == "PARAMS" || name == kRowData;
   if (once && parent.Child(name) != nullptr) throw PacketError(0, "a second " + Shown(name));
   parent.children.push_back({std::string(name), {}, {}, 0});

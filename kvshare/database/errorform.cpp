@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "kvshare/data/editmask.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/ui/backend.h"
 
@@ -36,14 +37,38 @@ bool IsBinary(TFieldType type) {
   }
 }
 
+// What stands for the values of fields that have no text.
+std::string_view KindText(TFieldType type) {
+  if (IsBinary(type)) return "(Binary)";
+  if (type == TFieldType::ftADT) return "(ADT)";
+  return type == TFieldType::ftArray ? "(Array)" : "";
+}
+
+void StoreTyped(TField& field, const std::string& typed) {
+  if (field.OnSetText || !field.EditMask.empty()) {
+    field.SetTextOfLine(typed);
+  } else {
+    field.SetNewValue(typed);
+  }
+}
+
 }  // namespace
 
 std::string ErrorValueText(const Variant& value, TFieldType type) {
   if (value.IsEmpty()) return std::string(kUnchanged);
-  if (IsBinary(type)) return "(Binary)";
-  if (type == TFieldType::ftADT) return "(ADT)";
-  if (type == TFieldType::ftArray) return "(Array)";
-  return VarToStr(value);
+  const std::string_view kind = KindText(type);
+  return kind.empty() ? VarToStr(value) : std::string(kind);
+}
+
+// A handler may show today for Null, or 00:00: true on a screen where that will be stored, false
+// where two people ask what the record has.
+std::string ErrorValueText(const Variant& value, TField& field) {
+  const bool hasText = !value.IsEmpty() && !value.IsNull() && KindText(field.DataType()).empty();
+  if (hasText && field.OnGetText) return field.DisplayTextOf(value);
+  std::string text = ErrorValueText(value, field.DataType());
+  if (!hasText || field.EditMask.empty() || FormOf(field.DataType()) != TFieldForm::Text)
+    return text;
+  return TEditMask(field.EditMask).Format(text);
 }
 
 TUpdateErrorForm::TUpdateErrorForm(std::string_view name, std::string_view caption,
@@ -124,9 +149,9 @@ void TUpdateErrorForm::BuildRows() {
     if (field.FieldKind() != TFieldKind::fkData) continue;
     TErrorFieldRow row;
     row.Field = &field;
-    row.NewValue = ErrorValueText(field.NewValue(), field.DataType());
-    row.OldValue = ErrorValueText(field.OldValue(), field.DataType());
-    row.CurrentValue = ErrorValueText(field.CurValue(), field.DataType());
+    row.NewValue = ErrorValueText(field.NewValue(), field);
+    row.OldValue = ErrorValueText(field.OldValue(), field);
+    row.CurrentValue = ErrorValueText(field.CurValue(), field);
     rows_.push_back(std::move(row));
   }
 }
@@ -244,7 +269,7 @@ void TUpdateErrorForm::WriteEdits() {
     for (const TErrorFieldRow& row : rows_) {
       if (!row.Edited) continue;
       earlier.emplace_back(row.Field, row.Field->Value());
-      row.Field->SetNewValue(row.EditValue);
+      StoreTyped(*row.Field, row.EditValue);
     }
   } catch (...) {
     if (!earlier.empty()) earlier.pop_back();

@@ -32,6 +32,9 @@ struct KVSHARE_API TErrorFieldRow : TObject {
 // A value as the dialogs show it: `<Unchanged>` for Unassigned, `(Binary)`, `(ADT)` and `(Array)`
 // for fields of these kinds, else VarToStr. Memos are text.
 KVSHARE_API std::string ErrorValueText(const Variant& value, TFieldType type);
+// The same for a field: where it has OnGetText or an EditMask for its text, a value that is not
+// Null is shown as the field shows it. Throws what OnGetText does.
+KVSHARE_API std::string ErrorValueText(const Variant& value, TField& field);
 
 // An action that a user may choose, and what the grid shows while it is chosen.
 struct TErrorChoice {
@@ -72,8 +75,9 @@ class KVSHARE_API TUpdateErrorForm : public TForm {
   const std::vector<TErrorFieldRow>& Rows() const { return rows_; }
 
   // Shows the form and tells whether the user pressed OK. Then what he has typed is in the fields,
-  // where the action chosen takes it: all of it or nothing. A text that a field refuses throws the
-  // field's error while the form is still shown.
+  // where the action chosen takes it: all of it or nothing. Fields with OnSetText or an EditMask
+  // take it as a line (TField::SetTextOfLine), others as a Variant. A text that a field refuses
+  // throws the field's error while the form is still shown.
   bool Ask();
   int Action() const { return Choice().action; }
 

@@ -20,7 +20,7 @@ _kvshare_languages() {
 
 _kvshare_commands() {
   printf '%s\n' words round share qty format mask date encode decode key message receipts settings \
-    version files doctor connect sql company post dialect rights \
+    version files doctor connect sql dataset company post dialect rights \
     replication log
 }
 
@@ -32,6 +32,8 @@ _kvshare_subcommands() {
     files) printf '%s\n' count list copy delete ;;
     log) printf '%s\n' show follow verify ;;
     connect) printf '%s\n' list test show tables ;;
+    company) printf '%s\n' list add edit remove open create ;;
+    dataset) printf '%s\n' show convert compare ;;
     rights) printf '%s\n' show check ;;
     replication) printf '%s\n' show take update ;;
   esac
@@ -40,6 +42,10 @@ _kvshare_subcommands() {
 # The names of the connection file.
 _kvshare_connections() {
   kvshare connect list 2>/dev/null | cut -f1
+}
+
+_kvshare_companies() {
+  kvshare company list 2>/dev/null | cut -f1
 }
 
 _kvshare_layouts() {
@@ -62,7 +68,14 @@ _kvshare_options() { # _kvshare_options COMMAND
     message) printf '%s\n' --language --list ;;
     dialect) printf '%s\n' --file --field --value --matchcase --date ;;
     sql) printf '%s\n' --connect --batch --csv ;;
-    company) echo --connect ;;
+    "company create") echo --connect ;;
+    "company list" | "company remove") echo --list ;;
+    "company add" | "company edit")
+      printf '%s\n' --list --connection --log --pos-data --pos-packing --packing --reports --documents
+      [[ $1 == *edit ]] && echo --rename ;;
+    "dataset show") printf '%s\n' --from --changes --fields --csv ;;
+    "dataset convert") printf '%s\n' --from --to --fields ;;
+    "dataset compare") printf '%s\n' --from --to --key ;;
     post)
       printf '%s\n' --connect --position --round --vat-round --vat --cash-step --price-includes-vat \
         --print --discount --era --width ;;
@@ -74,8 +87,11 @@ _kvshare_options() { # _kvshare_options COMMAND
       printf '%s\n' --round --vat-round --vat --discount --cash-step --era --price-includes-vat --width ;;
   esac
   case $1 in
-    date | settings | files | log | connect | rights | replication) ;;
+    date | settings | files | log | connect | company | rights | replication) ;;
+    "company add" | "company edit" | "company remove" | "company create") ;;
     "settings set" | "settings delete" | "settings export" | "settings import") ;;
+    date | settings | files | log | connect | dataset | rights | replication) ;;
+    "dataset convert" | "settings set" | "settings delete" | "settings export" | "settings import") ;;
     *) echo --json ;;
   esac
   echo --help
@@ -104,16 +120,22 @@ _kvshare_value() {
     "receipts --vat" | "post --vat" | "receipts --discount" | "post --discount")
       _kvshare_offer "$3" < <(printf '%s\n' line document) ;;
     "message --language") _kvshare_offer "$3" < <(_kvshare_languages) ;;
+    "dataset "*" --from" | "dataset "*" --to")
+      _kvshare_offer "$3" < <(printf '%s\n' packet csv json) ;;
     "date show --layout") _kvshare_offer "$3" < <(_kvshare_layouts) ;;
     "date show --language") _kvshare_offer "$3" < <(printf '%s\n' th en) ;;
     "date show --era" | "date parse --era" | "receipts --era" | "post --era") _kvshare_offer "$3" < <(printf '%s\n' 543 0) ;;
-    *" --connect") _kvshare_offer "$3" < <(_kvshare_connections) ;;
-    "sql --batch" | "encode --key-file" | "decode --key-file" | "settings export --output" | "dialect --file" | "log "*" --file")
+    *" --connect" | "company "*" --connection") _kvshare_offer "$3" < <(_kvshare_connections) ;;
+    "sql --batch" | "encode --key-file" | "decode --key-file" | "settings export --output" | "dialect --file" | "log "*" --file" | \
+      "company "*" --list" | "company "*" --log")
       _kvshare_offer_files "$3" ;;
     "dialect --field" | "dialect --value" | "dialect --date") ;;
     "log show --day" | "log show --user" | "log show --computer" | "log follow --lines") ;;
     "encode --key" | "decode --key" | "words --currency" | "qty --sku" | "receipts --width" | "post --width") ;;
+    "company "*" --pos-data" | "company "*" --pos-packing" | "company "*" --packing") ;;
+    "company "*" --reports" | "company "*" --documents" | "company "*" --rename") ;;
     "files "*" --mask" | "post --position") ;;
+    "files "*" --mask" | "post --position" | "dataset convert --fields" | "dataset compare --key") ;;
     *) return 1 ;;
   esac
 }
@@ -128,10 +150,14 @@ _kvshare_first_operand() {
 
 _kvshare_operand() { # _kvshare_operand COMMAND WORD
   case $1 in
-    date | settings | files | log | connect | rights | replication) _kvshare_offer "$2" < <(_kvshare_subcommands "$1") ;;
+    date | settings | files | log | connect | company | rights | replication)
+      _kvshare_offer "$2" < <(_kvshare_subcommands "$1") ;;
     receipts | post | version | "settings import" | "files "*) _kvshare_offer_files "$2" ;;
+    date | settings | files | log | connect | dataset | rights | replication) _kvshare_offer "$2" < <(_kvshare_subcommands "$1") ;;
+    receipts | post | version | "settings import" | "files "* | "dataset "*) _kvshare_offer_files "$2" ;;
     "connect test" | "connect show" | "connect tables")
       _kvshare_offer "$2" < <(_kvshare_connections) ;;
+    "company edit" | "company remove" | "company open") _kvshare_offer "$2" < <(_kvshare_companies) ;;
     dialect) _kvshare_offer "$2" < <(kvshare dialect 2>/dev/null) ;;
     message) _kvshare_offer "$2" < <(_kvshare_messages) ;;
     round) _kvshare_first_operand && _kvshare_offer "$2" < <(_kvshare_modes) ;;

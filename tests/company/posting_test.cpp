@@ -43,7 +43,7 @@ class Posting : public ServerCompany {
       DropTable(table);
     }
     connection_->Close();
-    const app::Outcome made = app::Kvshare({"company", "--connect", kAlias});
+    const app::Outcome made = app::Kvshare({"company", "create", "--connect", kAlias});
     EXPECT_EQ(made.err, "");
   }
 
@@ -237,13 +237,13 @@ TEST_F(Posting, TheRightIsAskedFor) {
 }
 
 TEST_F(Posting, AHalfMadeCompanyIsCompleted) {
-  EXPECT_EQ(Kvshare({"company", "--connect", kAlias}).err,
+  EXPECT_EQ(Kvshare({"company", "create", "--connect", kAlias}).err,
             "kvshare: there is a company already in this database\n");
   Run("DROP TABLE SCTYTAB");
   Run("DELETE FROM KOVRAVERSION");
   const std::string day = kHead + "D1,2026-11-24,,a,1,1,,7\n";
   EXPECT_THAT(Post(day).err, StartsWith("kvshare: there is no company in this database; "));
-  EXPECT_EQ(Kvshare({"company", "--connect", kAlias}).status, 0);
+  EXPECT_EQ(Kvshare({"company", "create", "--connect", kAlias}).status, 0);
   EXPECT_EQ(Post(day).status, 0);
 }
 

@@ -444,5 +444,39 @@ TEST_F(ClientDataSet, KeepsEveryRecordUnderRandomWork) {
   EXPECT_GT(set.ChangeCount(), 0);
 }
 
+TEST_F(ClientDataSet, FieldsOfTheNextOpeningLeaveTheOpenSetAlone) {
+  AddBase({"A"});
+  set.FieldDefs().Add("LATER", ftInteger, 0, true);
+  Add("B");
+  EXPECT_TRUE(set.Locate("CODE", "B"));
+  EXPECT_EQ(MessageOf<EDatabaseError>([&] { set.SetIndexFieldNames("LATER"); }),
+            "Field 'LATER' not found");
+  EXPECT_EQ(set.FieldCount(), 4);
+  set.CreateDataSet();
+  EXPECT_EQ(set.FieldCount(), 5);
+}
+
+TEST_F(ClientDataSet, AFilterOfTheClosedSetCountsWhenItIsOpened) {
+  set.Close();
+  set.SetStatusFilter({.usDeleted = true});
+  set.CreateDataSet();
+  Add("A");
+  set.MergeChangeLog();
+  EXPECT_EQ(set.RecordCount(), 0);
+  set.SetStatusFilter({});
+  EXPECT_EQ(Codes(), "A ");
+}
+
+TEST_F(ClientDataSet, AmountsKeepAllDigits) {
+  Add("A");
+  for (const std::string_view text : {"0", "0.0001", "-0.0001", "-0.5", "1.05", "100", "-12.34",
+                                      "922337203685477.5807", "-922337203685477.5808"}) {
+    set.Edit();
+    set.FieldByName("PRICE").SetAsCurrency(StrToCurr(text));
+    set.Post();
+    EXPECT_EQ(set.FieldByName("PRICE").AsString(), text);
+  }
+}
+
 }  // namespace
 }  // namespace kvshare

@@ -202,6 +202,7 @@ TEST(Packet, RefusesWhatIsNoPacket) {
       {Items("", "<ROW CODE=\"A\" CODE=\"B\"/>"), "duplicate attribute"},
       {Items("", "<ROW><ROW/></ROW>"), "inside a record"},
       {Items("", "<LINE/>"), "no ROW"},
+      {Items("<ROWDATA/>", ""), "rows inside another element"},
       {Items("", "<ROW RowState=\"256\"/>"), "RowState '256'"},
       {Items("", "text"), "text between"},
       {Items("<PARAMS PRIMARY_KEY=\"3\"/>", ""), "PRIMARY_KEY names field 3"},

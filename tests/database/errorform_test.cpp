@@ -9,9 +9,11 @@
 #include "kvshare/data/clientdataset.h"
 #include "kvshare/database/posterror.h"
 #include "kvshare/database/recerror.h"
+#include "kvshare/dates/dbdate.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
+#include "kvshare/settings/globals.h"
 #include "kvshare/ui/backend.h"
 #include "tests/support.h"
 #include "tests/ui/terminal.h"
@@ -324,6 +326,51 @@ TEST_F(ErrorForm, ARefusedTextLeavesTheRecordAsItWas) {
   };
   EXPECT_THROW(Reconcile(ukModify, okWithoutButton), EDatabaseError);
   EXPECT_EQ(Value("NAME") + Value("QTY"), "typed12");
+}
+
+// Dates as screens show them: in the Buddhist era. What is typed goes the same way back.
+TEST_F(ErrorForm, ValuesAsTheFieldsShowThem) {
+  YearBase = 543;
+  for (const char* name : {"DAY", "TAXID"})
+    set.FieldDefs().Add(name, name[0] == 'D' ? ftDate : ftString, 20);
+  set.Close();
+  set.CreateDataSet();
+  TKovraDbDate::SetDateField(set, "DAY");
+  set.FieldByName("TAXID").EditMask = "0-0000;0;_";
+  set.Append();
+  set.FieldByName("TAXID").SetAsString("12345");
+  set.Post();
+  set.MergeChangeLog();
+  set.Edit();
+  set.server = {{"DAY", "2024-02-29"}, {"TAXID", "54321"}};
+  const auto open = [](const TReconcileErrorForm& form) {
+    EXPECT_EQ(RowOf(form, 6), "DAY|<Unchanged>|29/02/2567|") << "Null is not today";
+    EXPECT_EQ(RowOf(form, 7), "TAXID|<Unchanged>|5-4321|1-2345");
+  };
+  struct Case {
+    int row;
+    std::string_view typed, error, day, id;
+  };
+  const Case cases[] = {
+      {6, "5/3/2567", "no error", "05/03/2567", "12345"},
+      {6, "5/3/67", "Invalid input value.  Use escape key to abandon changes", "05/03/2567",
+       "12345"},
+      {6, "31/02/2567", "31/02/2567 วันที่ไม่ถูกต้อง", "05/03/2567", "12345"},
+      {7, "2-3456", "no error", "05/03/2567", "23456"},
+      {6, "", "no error", "", "23456"},
+  };
+  for (const Case& c : cases) {
+    Reconcile(ukModify, [&](TReconcileErrorForm& form) {
+      open(form);
+      Choose(form, "Correct");
+      Type(form, c.row, c.typed);
+      EXPECT_EQ(Cp874ToUtf8(MessageOf<Exception>([&] { form.OKBtn.Click(); })), c.error);
+      EXPECT_EQ(set.FieldByName("DAY").IsNull() ? "" : set.FieldByName("DAY").Text(), c.day);
+      EXPECT_EQ(Value("TAXID"), c.id);
+      form.PressEsc();
+    });
+  }
+  YearBase = 0;
 }
 
 TEST_F(ErrorForm, OfAPost) {
