@@ -214,6 +214,8 @@ void BM_ApplyUpdates_RawClient(benchmark::State& state) {
   sqlite3_prepare_v2(database, kUpdate, -1, &update, nullptr);
   std::string now = Cp874ToUtf8("สมุดบัญชีแยกประเภท"_th);
   std::string next = "0";
+  const std::string day = "2026-11-25 14:30:05";
+  const std::string later = "2026-11-25 14:30:05.001";
   for (auto _ : state) {
     sqlite3_exec(database, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
     for (int id = 1; id <= kInserts; ++id) {
@@ -225,8 +227,8 @@ void BM_ApplyUpdates_RawClient(benchmark::State& state) {
       sqlite3_bind_int(update, 2, id);
       bind(3, now);
       bind(4, amount);
-      bind(5, "2026-11-25 14:30:05");
-      bind(6, "2026-11-25 14:30:05.001");
+      bind(5, day);
+      bind(6, later);
       sqlite3_step(update);
       if (sqlite3_changes(database) != 1) state.SkipWithError("a record was not found");
       sqlite3_reset(update);

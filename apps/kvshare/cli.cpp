@@ -53,6 +53,7 @@ void Declare(CLI::App& app, Plan& plan) {
   DeclareLog(app, plan);
   DeclareConnect(app, plan);
   DeclareSql(app, plan);
+  DeclareEdit(app, plan);
   DeclareDataset(app, plan);
   DeclareCompany(app, plan);
   DeclarePost(app, plan);

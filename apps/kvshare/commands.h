@@ -47,6 +47,7 @@ void DeclarePost(CLI::App& parent, Plan& plan);
 void DeclareReceipts(CLI::App& parent, Plan& plan);
 void DeclareVersion(CLI::App& parent, Plan& plan);
 void DeclareConnect(CLI::App& parent, Plan& plan);
+void DeclareEdit(CLI::App& parent, Plan& plan);
 void DeclareSql(CLI::App& parent, Plan& plan);
 void DeclareRights(CLI::App& parent, Plan& plan);
 void DeclareReplication(CLI::App& parent, Plan& plan);

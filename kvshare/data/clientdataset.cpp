@@ -301,6 +301,7 @@ TUpdateStatus TClientDataSet::UpdateStatus() const {
 
 void TClientDataSet::RevertRecord() {
   CheckActive();
+  CheckNotHeld();
   Cancel();
   const RowId row = records_->Row();
   if (row == kNoRow) return;
@@ -310,6 +311,7 @@ void TClientDataSet::RevertRecord() {
 
 bool TClientDataSet::UndoLastChange(bool followChange) {
   CheckActive();
+  CheckNotHeld();
   Cancel();
   const RowId newest = records_->Table().NewestChange();
   if (newest == kNoRow) return false;
@@ -324,6 +326,7 @@ bool TClientDataSet::UndoLastChange(bool followChange) {
 
 void TClientDataSet::CancelUpdates() {
   CheckActive();
+  CheckNotHeld();
   Cancel();
   records_->Table().RevertAll();
   Restand();

@@ -201,6 +201,7 @@ class KVSHARE_API TClientDataSet : public TDataSet {
   data::UpdateTarget TargetOf(const TDataSetProvider& provider) const;
   data::Record RecordOf(TDataSet& row) const;
   void Reconcile(std::vector<data::Refusal>& refusals);
+  void DecideAboutAll(std::vector<data::Refusal>& refusals);
   TReconcileAction Decide(data::Refusal& refusal, TReconcileAction action, int previousError);
   void ActOn(data::Refusal& refusal, TReconcileAction action);
   data::Record Merged(const data::Refusal& refusal) const;

@@ -116,12 +116,14 @@ int TClientDataSet::ApplyUpdates(int maxErrors) {
   data::Applied applied = resolver.Apply(maxErrors);
   if (applied.written) {
     for (const RowId row : applied.rows) records_->Table().Accept(row);
+    Restand();
   }
-  for (Refusal& refusal : applied.refusals) {
-    if (const auto query = resolver.Fetch(refusal.row)) refusal.server = RecordOf(*query);
+  if (OnReconcileError && !applied.refusals.empty()) {
+    for (Refusal& refusal : applied.refusals) {
+      if (const auto query = resolver.Fetch(refusal.row)) refusal.server = RecordOf(*query);
+    }
+    Reconcile(applied.refusals);
   }
-  Reconcile(applied.refusals);
-  Restand();
   return static_cast<int>(applied.refusals.size());
 }
 
@@ -139,13 +141,23 @@ Record TClientDataSet::RecordOf(TDataSet& row) const {
       buffer.Put(i, field.Converted(server.Value()).View());
     }
   }
-  return Record(records_->Layout(), buffer);
+  return {records_->Layout(), buffer};
 }
 
 // --- Deciding
 
+// What was decided before an error stands.
 void TClientDataSet::Reconcile(std::vector<Refusal>& refusals) {
-  if (!OnReconcileError) return;
+  try {
+    DecideAboutAll(refusals);
+  } catch (...) {
+    Restand();
+    throw;
+  }
+  Restand();
+}
+
+void TClientDataSet::DecideAboutAll(std::vector<Refusal>& refusals) {
   int previous = 0;
   for (Refusal& refusal : refusals) {
     const auto first = refusal.last ? TReconcileAction::raAbort : TReconcileAction::raSkip;
@@ -224,7 +236,7 @@ Record TClientDataSet::Merged(const Refusal& refusal) const {
         original != nullptr ? value != original->At(layout, i) : value.kind != CellKind::Null;
     if (changed) buffer.Put(i, value);
   }
-  return Record(layout, buffer);
+  return {layout, buffer};
 }
 
 }  // namespace kvshare

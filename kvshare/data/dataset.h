@@ -148,6 +148,7 @@ class KVSHARE_API TDataSet : public TComponent {
   void ForgetFields() { fields_.clear(); }
 
   void CheckActive() const;
+  void CheckNotHeld() const;
   // Ends a pending edit as a move does.
   void CheckBrowseMode();
   void SetState(TDataSetState state) { state_ = state; }
@@ -167,7 +168,6 @@ class KVSHARE_API TDataSet : public TComponent {
   }
   void CheckStorable(const TField& field) const;
   void CheckEditable() const;
-  void CheckNotHeld() const;
   void CheckRequired() const;
   void RefuseUniDirectional() const;
   void Begin(bool append);

@@ -133,7 +133,8 @@ void TField::StoreReal(double value) {
 void TField::StoreDecimal(std::string_view digits) {
   std::string shortest;
   data::AppendShortest(shortest, digits, '.');
-  Store(Cell::Of(std::string_view(shortest)));
+  const std::string_view value = shortest;
+  Store(Cell::Of(value));
 }
 
 void TField::StoreMoment(TDateTime moment) {

@@ -58,10 +58,11 @@ std::string TDataSetProvider::ResolvedTable() const {
 
 void TDataSetProvider::OpenQuery() {
   query_.Close();
-  ownStatement_ = ownStatement_ || query_.SQL().Count() == 0;
-  if (ownStatement_ && !TableName.empty()) {
+  const bool own = query_.SQL().Count() == 0 || query_.SQL().Text() == ownStatement_;
+  if (own && !TableName.empty()) {
     query_.SQL().Clear();
     query_.SQL().Add("select * from " + TableName);
+    ownStatement_ = query_.SQL().Text();
   }
   query_.Open();
 }

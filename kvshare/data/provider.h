@@ -54,7 +54,7 @@ class KVSHARE_API TDataSetProvider : public TComponent {
 
   TSQLConnection& connection_;
   TSQLQuery query_;
-  bool ownStatement_ = false;  // the query has the statement that was made here
+  std::string ownStatement_;  // the query's, where it was made here
 };
 
 }  // namespace kvshare

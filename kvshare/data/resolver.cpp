@@ -132,33 +132,37 @@ Resolver::Attempt Resolver::Try(int maxErrors, ResolverTransaction& transaction)
   const bool guards = transaction.GuardsChanges(maxErrors);
   table_.ForEachChange([&](RowId row) {
     if (attempt.end != End::Done) return;
-    try {
-      if (guards) transaction.BeginChange();
-      Write(row);
-      if (guards) transaction.KeepChange();
-      attempt.rows.push_back(row);
-      return;
-    } catch (const SeveralRecords& e) {
-      if (ambiguous_.insert(row).second) {
-        attempt.end = End::Again;
-        return;
-      }
-      attempt.refusals.push_back(RefusalOf(row, e));
-    } catch (const EServerError& e) {
-      if (e.ConnectionLost()) throw;
-      attempt.refusals.push_back(RefusalOf(row, e));
-      if (e.Conflict()) attempt.end = End::Undone;
-    } catch (const Exception& e) {
-      attempt.refusals.push_back(RefusalOf(row, e));
-    }
+    if (guards) transaction.BeginChange();
+    const bool written = TryChange(row, attempt);
     if (attempt.end != End::Done) return;
     if (IsTooMany(attempt.refusals.size(), maxErrors)) {
       attempt.end = End::TooMany;
     } else if (guards) {
-      transaction.UndoChange();
+      written ? transaction.KeepChange() : transaction.UndoChange();
     }
   });
   return attempt;
+}
+
+bool Resolver::TryChange(RowId row, Attempt& attempt) {
+  try {
+    Write(row);
+    attempt.rows.push_back(row);
+    return true;
+  } catch (const SeveralRecords& e) {
+    if (ambiguous_.insert(row).second) {
+      attempt.end = End::Again;
+    } else {
+      attempt.refusals.push_back(RefusalOf(row, e));
+    }
+  } catch (const EServerError& e) {
+    if (e.ConnectionLost()) throw;
+    attempt.refusals.push_back(RefusalOf(row, e));
+    if (e.Conflict()) attempt.end = End::Undone;
+  } catch (const Exception& e) {
+    attempt.refusals.push_back(RefusalOf(row, e));
+  }
+  return false;
 }
 
 Refusal Resolver::RefusalOf(RowId row, const Exception& error) const {

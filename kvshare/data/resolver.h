@@ -62,6 +62,8 @@ class Resolver {
   };
 
   Attempt Try(int maxErrors, ResolverTransaction& transaction);
+  // Whether the change is written; else the attempt tells why not.
+  bool TryChange(RowId row, Attempt& attempt);
   void Write(RowId row);
   bool MakeStatement(RowId row);
   void RunStatement(RowId row);

@@ -18,6 +18,10 @@ class KVSHARE_API Console {
   explicit Console(int input = kStandardInput, int output = kStandardError)
       : input_(input), output_(output) {}
 
+  // From now on lines that no terminal has shown while they were typed are written as they are
+  // read, so that what is on the output reads as a talk.
+  void EchoLines() { echoes_ = true; }
+
   // Whether both are terminals, so that somebody is there to answer.
   bool IsTerminal() const;
 
@@ -31,8 +35,11 @@ class KVSHARE_API Console {
   std::optional<std::string> ReadLine() const;
 
  private:
+  std::optional<std::string> ReadBytesOfLine() const;
+
   int input_;
   int output_;
+  bool echoes_ = false;
 };
 
 }  // namespace kvshare::os

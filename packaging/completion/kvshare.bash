@@ -20,7 +20,7 @@ _kvshare_languages() {
 
 _kvshare_commands() {
   printf '%s\n' words round share qty format mask date encode decode key message receipts settings \
-    version files doctor connect sql dataset company post dialect rights \
+    version files doctor connect sql edit dataset company post dialect rights \
     replication log
 }
 
@@ -68,6 +68,7 @@ _kvshare_options() { # _kvshare_options COMMAND
     message) printf '%s\n' --language --list ;;
     dialect) printf '%s\n' --file --field --value --matchcase --date ;;
     sql) printf '%s\n' --connect --batch --csv ;;
+    edit) printf '%s\n' --key --set --new --delete --yes --era ;;
     "company create") echo --connect ;;
     "company list" | "company remove") echo --list ;;
     "company add" | "company edit")
@@ -87,10 +88,8 @@ _kvshare_options() { # _kvshare_options COMMAND
       printf '%s\n' --round --vat-round --vat --discount --cash-step --era --price-includes-vat --width ;;
   esac
   case $1 in
-    date | settings | files | log | connect | company | rights | replication) ;;
+    edit | date | settings | files | log | connect | company | dataset | rights | replication) ;;
     "company add" | "company edit" | "company remove" | "company create") ;;
-    "settings set" | "settings delete" | "settings export" | "settings import") ;;
-    date | settings | files | log | connect | dataset | rights | replication) ;;
     "dataset convert" | "settings set" | "settings delete" | "settings export" | "settings import") ;;
     *) echo --json ;;
   esac
@@ -124,7 +123,7 @@ _kvshare_value() {
       _kvshare_offer "$3" < <(printf '%s\n' packet csv json) ;;
     "date show --layout") _kvshare_offer "$3" < <(_kvshare_layouts) ;;
     "date show --language") _kvshare_offer "$3" < <(printf '%s\n' th en) ;;
-    "date show --era" | "date parse --era" | "receipts --era" | "post --era") _kvshare_offer "$3" < <(printf '%s\n' 543 0) ;;
+    "date show --era" | "date parse --era" | "receipts --era" | "post --era" | "edit --era") _kvshare_offer "$3" < <(printf '%s\n' 543 0) ;;
     *" --connect" | "company "*" --connection") _kvshare_offer "$3" < <(_kvshare_connections) ;;
     "sql --batch" | "encode --key-file" | "decode --key-file" | "settings export --output" | "dialect --file" | "log "*" --file" | \
       "company "*" --list" | "company "*" --log")
@@ -134,7 +133,7 @@ _kvshare_value() {
     "encode --key" | "decode --key" | "words --currency" | "qty --sku" | "receipts --width" | "post --width") ;;
     "company "*" --pos-data" | "company "*" --pos-packing" | "company "*" --packing") ;;
     "company "*" --reports" | "company "*" --documents" | "company "*" --rename") ;;
-    "files "*" --mask" | "post --position") ;;
+    "files "*" --mask" | "post --position" | "edit --key" | "edit --set") ;;
     "files "*" --mask" | "post --position" | "dataset convert --fields" | "dataset compare --key") ;;
     *) return 1 ;;
   esac
@@ -158,6 +157,7 @@ _kvshare_operand() { # _kvshare_operand COMMAND WORD
     "connect test" | "connect show" | "connect tables")
       _kvshare_offer "$2" < <(_kvshare_connections) ;;
     "company edit" | "company remove" | "company open") _kvshare_offer "$2" < <(_kvshare_companies) ;;
+    edit) _kvshare_first_operand && _kvshare_offer "$2" < <(_kvshare_companies; _kvshare_connections) ;;
     dialect) _kvshare_offer "$2" < <(kvshare dialect 2>/dev/null) ;;
     message) _kvshare_offer "$2" < <(_kvshare_messages) ;;
     round) _kvshare_first_operand && _kvshare_offer "$2" < <(_kvshare_modes) ;;

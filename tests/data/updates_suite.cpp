@@ -298,6 +298,25 @@ TEST_P(UpdatesSuite, SixEndingsOfADeletion) {
   }
 }
 
+// Both delete it, both give it another key: nobody's work is taken for the other's.
+TEST_P(UpdatesSuite, BothDoTheSame) {
+  Screen& me = MakeScreen();
+  Run("DELETE FROM KV_TEST WHERE ID = 1");
+  Run("UPDATE KV_TEST SET ID = 20 WHERE ID = 2");
+  me.Remove(1);
+  me.Change(2, "ID", "21");
+  me.answer = raMerge;
+  EXPECT_EQ(me.set.ApplyUpdates(-1), 2);
+  EXPECT_THAT(me.told, ElementsAre(std::string("D 1 pen/-/-: ") + kChanged,
+                                   std::string("M 21 book/-/-: ") + kChanged));
+  EXPECT_EQ(me.set.ChangeCount(), 2) << "there is nothing to merge with";
+  EXPECT_EQ(OnServer(), "3 ink 7;20 book 99.9975;");
+  me.answer = raCancel;
+  EXPECT_EQ(me.set.ApplyUpdates(-1), 2);
+  EXPECT_EQ(me.Rows(), "1 pen 12.5;2 book 99.9975;3 ink 7;");
+  EXPECT_EQ(me.set.ChangeCount(), 0);
+}
+
 TEST_P(UpdatesSuite, ARecordThatIsThereAlready) {
   Screen& me = MakeScreen();
   Run("INSERT INTO KV_TEST (ID, NAME, PRICE) VALUES (4, 'theirs', 8)");
@@ -397,6 +416,19 @@ TEST_P(UpdatesSuite, AKeyThatIsNone) {
   EXPECT_THAT(me.told[1], HasSubstr("Unable to find record.  No key specified"));
 }
 
+TEST_P(UpdatesSuite, TheSetStandsOnARecordThatIsThere) {
+  Screen& me = MakeScreen();
+  Run("UPDATE KV_TEST SET NAME = 'theirs' WHERE ID = 2");
+  me.Remove(1);
+  me.Remove(2);
+  me.set.SetStatusFilter({.usDeleted = true});
+  me.set.First();
+  me.decide = [](TClientDataSet&) { throw EConvertError("out of the handler"); };
+  EXPECT_EQ(MessageOf<EConvertError>([&] { me.set.ApplyUpdates(-1); }), "out of the handler");
+  EXPECT_EQ(me.set.FieldByName("ID").AsInteger(), 2) << "the first one is gone for good";
+  EXPECT_EQ(me.set.RecordCount(), 1);
+}
+
 TEST_P(UpdatesSuite, ErrorsOfTheHandlerLoseNothing) {
   Screen& me = MakeScreen();
   Run("DELETE FROM KV_TEST WHERE ID < 3");
@@ -407,6 +439,8 @@ TEST_P(UpdatesSuite, ErrorsOfTheHandlerLoseNothing) {
     EXPECT_EQ(MessageOf<EDatabaseError>([&] { set.Next(); }),
               "Items: Changes are being reconciled");
     EXPECT_EQ(MessageOf<EDatabaseError>([&] { set.Close(); }),
+              "Items: Changes are being reconciled");
+    EXPECT_EQ(MessageOf<EDatabaseError>([&] { set.CancelUpdates(); }),
               "Items: Changes are being reconciled");
     throw EConvertError("out of the handler");
   };

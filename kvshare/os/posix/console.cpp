@@ -40,6 +40,12 @@ void Console::Write(std::string_view bytes) const {
 }
 
 std::optional<std::string> Console::ReadLine() const {
+  std::optional<std::string> line = ReadBytesOfLine();
+  if (line && echoes_ && ::isatty(input_) != 1) Write(*line + '\n');
+  return line;
+}
+
+std::optional<std::string> Console::ReadBytesOfLine() const {
   std::string line;
   for (;;) {
     char c = 0;
