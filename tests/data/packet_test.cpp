@@ -2,11 +2,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
+#include <bit>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "kvshare/data/clientdataset.h"
+#include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/files.h"
@@ -525,6 +528,124 @@ TEST(Packet, HoldsALongMemo) {
   set.SetXMLData(saved);
   EXPECT_TRUE(set.Fields(0).AsString() == memo && set.Fields(1).AsString() == memo);
   EXPECT_TRUE(set.XMLData() == saved);
+}
+
+// One field's value in and out of a packet.
+class OneValue {
+ public:
+  explicit OneValue(std::string_view field) : field_(field) {}
+
+  // As it is saved again; `refused` for what is none.
+  std::string Saved(std::string_view text) {
+    constexpr std::string_view kBegin = "<ROW F=\"";
+    try {
+      set_.SetXMLData(Packet("<FIELD attrname=\"F\" fieldtype=\"" + field_ + "\"/>", "",
+                             std::string(kBegin).append(text).append("\"/>")));
+    } catch (const EDBClient&) {
+      return "refused";
+    }
+    const std::string packet = set_.XMLData();
+    const std::size_t begin = packet.find(kBegin) + kBegin.size();
+    return packet.substr(begin, packet.find('"', begin) - begin);
+  }
+  const TField& Field() const { return set_.Fields(0); }
+
+ private:
+  std::string field_;
+  TClientDataSet set_;
+};
+
+TEST(Packet, BringsBackEachByteOfATextAndABlob) {
+  std::string bytes;
+  for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
+  for (const TFieldType type : {ftString, ftMemo, ftBlob, ftBytes}) {
+    for (std::size_t size = 0; size <= bytes.size(); ++size) {
+      TClientDataSet set;
+      set.FieldDefs().Add("F", type);
+      set.CreateDataSet();
+      set.Append();
+      set.Fields(0).SetAsString(bytes.substr(bytes.size() - size));
+      set.Post();
+      set.SetXMLData(set.XMLData());
+      ASSERT_FALSE(set.Fields(0).IsNull());
+      ASSERT_EQ(set.Fields(0).AsString(), bytes.substr(bytes.size() - size));
+    }
+  }
+  OneValue blob("bin.hex\" SUBTYPE=\"Binary");
+  for (const auto& [text, value] :
+       std::initializer_list<std::pair<const char*, const char*>>{{"Zg==", "f"},
+                                                                  {"Zm8=", "fo"},
+                                                                  {"Zm9v", "foo"},
+                                                                  {"Zm9vYg==", "foob"},
+                                                                  {"Zm9vYmE=", "fooba"},
+                                                                  {"Zm9vYmFy", "foobar"}}) {
+    EXPECT_EQ(blob.Saved(text), text);
+    EXPECT_EQ(blob.Field().AsString(), value) << "as in RFC 4648";
+  }
+}
+
+TEST(Packet, TakesTheDaysAndTimesThatThereAre) {
+  const auto digits = [](int value, std::size_t count) {
+    const std::string text = std::to_string(value);
+    return std::string(count - std::min(count, text.size()), '0') + text;
+  };
+  OneValue date("date");
+  for (const int year : {1, 1900, 2000, 2003, 2004, 9999}) {
+    for (int month = 0; month <= 13; ++month) {
+      for (int day = 0; day <= 32; ++day) {
+        const std::string text = digits(year, 4) + digits(month, 2) + digits(day, 2);
+        TDateTime want;
+        const bool sound = TryEncodeDate(year, month, day, want);
+        ASSERT_EQ(date.Saved(text), sound ? text : "refused");
+        ASSERT_TRUE(!sound || date.Field().AsDateTime() == want);
+      }
+    }
+  }
+  OneValue time("time");
+  for (const auto& [hour, minute, second, ms] : {std::array{0, 0, 0, 0},
+                                                 {23, 59, 59, 999},
+                                                 {0, 0, 0, 1},
+                                                 {24, 0, 0, 0},
+                                                 {0, 60, 0, 0},
+                                                 {0, 0, 60, 0},
+                                                 {9, 7, 5, 40}}) {
+    const std::string text =
+        digits(hour, 2) + ":" + digits(minute, 2) + ":" + digits(second, 2) + digits(ms, 3);
+    TDateTime want;
+    const bool sound = TryEncodeTime(hour, minute, second, ms, want);
+    EXPECT_EQ(time.Saved(text), sound ? text : "refused");
+    EXPECT_TRUE(!sound || time.Field().AsDateTime() == want);
+  }
+}
+
+// However an amount is written, it is the same text in memory: keys and searches compare texts.
+TEST(Packet, ReadsEachSpellingOfANumberAlike) {
+  std::mt19937_64 random(874);
+  OneValue amount("fixedFMT");
+  for (int i = 0; i < 300; ++i) {
+    const auto raw = static_cast<std::int64_t>(random() >> (1 + random() % 63));
+    const Currency value = Currency::FromRaw(i % 2 == 0 ? raw : -raw);
+    const std::string plain = CurrToStr(value);
+    const std::string sign = plain.starts_with('-') ? "-" : "";
+    const std::string magnitude = plain.substr(sign.size());
+    const std::string integer = std::to_string(value.Raw());
+    for (const std::string& text :
+         {plain, sign + "00" + magnitude, integer + "e-4", integer + "000E-7",
+          sign + "." + std::to_string(raw) + "e" +
+              std::to_string(static_cast<int>(integer.size() - sign.size()) - 4),
+          plain + (plain.find('.') == std::string::npos ? ".000" : "000")}) {
+      ASSERT_EQ(amount.Saved(text), plain) << text;
+    }
+    const double number = std::bit_cast<double>(random());
+    TClientDataSet set;
+    set.FieldDefs().Add("F", ftFloat);
+    set.CreateDataSet();
+    set.Append();
+    set.Fields(0).SetAsFloat(number);
+    set.Post();
+    set.SetXMLData(set.XMLData());
+    ASSERT_TRUE(set.Fields(0).AsFloat() == number || number != number);
+  }
 }
 
 // Sets that were worked with in all kinds of ways are the same after a save and a load.
