@@ -33,8 +33,7 @@ void CheckTableName(std::string_view name) {
 }
 
 bool IsMoney(const TField& field) {
-  return FormOf(field.DataType()) == TFieldForm::Decimal ||
-         field.DataType() == TFieldType::ftCurrency;
+  return FormOf(field.DataType()) == TFieldForm::Decimal;
 }
 
 // Thousands as they are shown may be typed, too.
@@ -64,31 +63,6 @@ void AttachTo(TClientDataSet& set, TField& field) {
   field.DisplayFormat = dsplBahtEditMask;
   field.EditFormat = editBahtEditMask;
   field.OnSetText = SetAmountText;
-}
-
-void SetParameter(TParam& parameter, const TField& field) {
-  const Variant value = field.Value();
-  switch (FormOf(field.DataType())) {
-    case TFieldForm::Integer:
-      return parameter.SetAsInteger(field.AsLargeInt());
-    case TFieldForm::Real:
-      return parameter.SetAsFloat(field.AsFloat());
-    case TFieldForm::Date:
-      return parameter.SetAsDate(field.AsDateTime());
-    case TFieldForm::Time:
-      return parameter.SetAsTime(field.AsDateTime());
-    case TFieldForm::Moment:
-      return parameter.SetAsDateTime(field.AsDateTime());
-    case TFieldForm::Boolean:
-      return parameter.SetAsBoolean(field.AsBoolean());
-    case TFieldForm::Decimal:
-      if (std::holds_alternative<Currency>(value.Value())) {
-        return parameter.SetAsCurrency(value.AsCurrency());
-      }
-      [[fallthrough]];
-    default:
-      return parameter.SetAsString(field.AsString());
-  }
 }
 
 bool FitsFormat(std::string_view number) {
@@ -147,9 +121,8 @@ std::string TableRecord::KeyCondition() const {
 
 void TableRecord::BindKey() {
   for (std::size_t i = 0; i < key_.size(); ++i) {
-    const TField& field = set_.FieldByName(key_[i].field);
     TParam& parameter = provider_.Query().ParamByName("KEY" + std::to_string(i));
-    SetParameter(parameter, field);
+    parameter.AssignField(set_.FieldByName(key_[i].field));
   }
 }
 

@@ -5,6 +5,7 @@
 #include "kvshare/data/clientrecords.h"
 #include "kvshare/data/errors.h"
 #include "kvshare/data/packet.h"
+#include "kvshare/data/provider.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/strutils.h"
@@ -51,14 +52,9 @@ void TClientDataSet::CreateDataSet() {
   }
   shape_.reset();
   defaultOrder_.clear();
-  TDataSetProvider* const provider = std::exchange(provider_, nullptr);
-  try {
-    Open();
-  } catch (...) {
-    provider_ = provider;
-    throw;
-  }
-  provider_ = provider;
+  loaded_ = NewRecords(fieldDefs_.All());
+  Arrange(*loaded_, fieldDefs_.All(), primaryKey_, defaultOrder_);
+  Open();
 }
 
 void TClientDataSet::InternalOpen() {
@@ -82,8 +78,7 @@ std::unique_ptr<ClientRecords> TClientDataSet::NewRecords(const std::vector<TFie
 void TClientDataSet::Arrange(ClientRecords& records, const std::vector<TFieldDef>& fields,
                              std::string_view primaryKey, std::string_view defaultOrder) const {
   records.Table().SetKey(ColumnsIn(fields, primaryKey));
-  records.Order().Filter(
-      {statusFilter_.usModified, statusFilter_.usInserted, statusFilter_.usDeleted});
+  records.Order().Filter(statusFilter_);
   records.Order().Sort(ColumnsIn(
       fields, indexFieldNames_.empty() ? defaultOrder : std::string_view{indexFieldNames_}));
 }
@@ -106,6 +101,7 @@ void TClientDataSet::MakeRecords() {
 
 void TClientDataSet::InternalClose() noexcept {
   records_.reset();
+  if (provider_ != nullptr) provider_->Query().Close();  // of a fetch that was broken off
 }
 
 void TClientDataSet::EmptyDataSet() {
@@ -161,7 +157,7 @@ void TClientDataSet::CheckRequiredInPacket() const {
 void TClientDataSet::InternalPost() {
   CheckRequiredInPacket();
   records_->Post(LogChanges);
-  if (statusFilter_ != TUpdateStatusSet()) Restand();
+  if (!statusFilter_.IsEmpty()) Restand();
 }
 
 bool TClientDataSet::InternalCancel() {
@@ -281,7 +277,7 @@ void TClientDataSet::SetPrimaryKey(std::string_view names) {
 void TClientDataSet::SetStatusFilter(const TUpdateStatusSet& filter) {
   if (Active()) {
     CheckBrowseMode();
-    records_->Order().Filter({filter.usModified, filter.usInserted, filter.usDeleted});
+    records_->Order().Filter(filter);
     Restand();
   }
   statusFilter_ = filter;

@@ -52,15 +52,6 @@ struct TLookup {
   std::string LookupResultField;
 };
 
-// Which records are in view: all that are there, or those of the named statuses, deleted ones too.
-// usUnmodified has no effect.
-struct TUpdateStatusSet {
-  bool usModified = false;
-  bool usInserted = false;
-  bool usDeleted = false;
-  bool operator==(const TUpdateStatusSet&) const = default;
-};
-
 // A change is logged unless LogChanges is off; the log has one entry a record, with its values
 // before the first change. OldValue is the value before the change (Null of an inserted record),
 // NewValue the present one. While OnReconcileError runs NewValue is Unassigned in fields without a
@@ -199,7 +190,7 @@ class KVSHARE_API TClientDataSet : public TDataSet {
   void DescribeByProvider();
   void FetchFromProvider();
   data::UpdateTarget TargetOf(const TDataSetProvider& provider) const;
-  data::Record RecordOf(TDataSet& row) const;
+  data::Record RecordOf(const TDataSet& server, std::uint32_t row) const;
   void Reconcile(std::vector<data::Refusal>& refusals);
   void DecideAboutAll(std::vector<data::Refusal>& refusals);
   TReconcileAction Decide(data::Refusal& refusal, TReconcileAction action, int previousError);

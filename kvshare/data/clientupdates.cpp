@@ -23,6 +23,9 @@ EReconcileError::~EReconcileError() = default;
 
 namespace {
 
+// Of a column that the table does not have.
+constexpr TProviderFlags kNowhere{.pfInUpdate = false, .pfInWhere = false, .pfInKey = false};
+
 constexpr bool IsPlain(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
 }
@@ -75,7 +78,7 @@ void TClientDataSet::FetchFromProvider() {
   std::string scratch;
   for (; !query.Eof(); query.Next()) {
     for (int i = 0; i < layout.Columns(); ++i) {
-      data::PutCell(buffer, query.Fields(i).Record(), i, layout.Form(i), scratch);
+      data::PutCell(buffer, i, query.Fields(i).Record(), i, layout.Form(i), scratch);
     }
     table.Insert(Record(layout, buffer), false);
   }
@@ -95,9 +98,10 @@ data::UpdateTarget TClientDataSet::TargetOf(const TDataSetProvider& provider) co
     data::UpdateColumn column;
     column.name = ColumnName(field.FieldName(), wire);
     column.kind = KindOf(FormOf(field.DataType()));
-    column.flags = field.ProviderFlags;
+    column.flags = field.FieldKind() == TFieldKind::fkData ? field.ProviderFlags : kNowhere;
     column.comparable = IsComparable(field.DataType());
-    if (field.ProviderFlags.pfInKey) target.key.push_back(i);
+    column.inTable = column.flags != kNowhere;
+    if (column.flags.pfInKey) target.key.push_back(i);
     target.columns.push_back(std::move(column));
   }
   if (target.key.empty()) {
@@ -120,25 +124,31 @@ int TClientDataSet::ApplyUpdates(int maxErrors) {
   }
   if (OnReconcileError && !applied.refusals.empty()) {
     for (Refusal& refusal : applied.refusals) {
-      if (const auto query = resolver.Fetch(refusal.row)) refusal.server = RecordOf(*query);
+      if (const auto query = resolver.Fetch(refusal.row))
+        refusal.server = RecordOf(*query, refusal.row);
     }
     Reconcile(applied.refusals);
   }
   return static_cast<int>(applied.refusals.size());
 }
 
-// The server's types may differ from those of the fields that a program has declared.
-Record TClientDataSet::RecordOf(TDataSet& row) const {
+// What the server has of a record, and of columns that are none of its table what the record has.
+// Its types may differ from those of the fields that a program has declared.
+Record TClientDataSet::RecordOf(const TDataSet& server, std::uint32_t row) const {
+  const data::RecordTable& table = records_->Table();
+  const Record* original = table.Original(row);
   RecordBuffer buffer;
   buffer.Resize(records_->Layout().Columns());
+  buffer.Load(records_->Layout(), original != nullptr ? *original : table.At(row));
+  std::string scratch;
   for (int i = 0; i < records_->Layout().Columns(); ++i) {
     TField& field = Fields(i);
-    const TField& server = row.Fields(i);
-    if (server.form_ == field.form_) {
-      std::string scratch;
-      data::PutCell(buffer, server.Record(), i, field.form_, scratch);
+    const TField* theirs = server.FindField(field.FieldName());
+    if (theirs == nullptr) continue;
+    if (theirs->form_ == field.form_) {
+      data::PutCell(buffer, i, theirs->Record(), theirs->column_, field.form_, scratch);
     } else {
-      buffer.Put(i, field.Converted(server.Value()).View());
+      buffer.Put(i, field.Converted(theirs->Value()).View());
     }
   }
   return {records_->Layout(), buffer};

@@ -187,6 +187,7 @@ class KVSHARE_API TField : public TComponent {
  private:
   friend class TDataSet;
   friend class TClientDataSet;
+  friend class TParam;
 
   // The value as this field would store it, without a look at the dataset; Null of Null and
   // Unassigned. Throws as SetValue does.

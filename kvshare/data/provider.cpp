@@ -1,5 +1,8 @@
 #include "kvshare/data/provider.h"
 
+#include <algorithm>
+#include <initializer_list>
+
 #include "kvshare/data/errors.h"
 #include "kvshare/rtl/strutils.h"
 
@@ -8,33 +11,42 @@ namespace kvshare {
 namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n";
+constexpr std::string_view kEndOfWord = " \t\r\n,;()'\"`";
 
-// The word at the beginning of `text`, which loses it and the blanks in front; a quoted name is
-// one.
+// The word, quoted text, comment or mark at the beginning of `text`, which loses it and the blanks
+// in front; "" at the end.
 std::string_view TakeWord(std::string_view& text) {
   text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
-  std::size_t end = text.find_first_of(" \t\r\n,;()");
-  if (text.starts_with('"') || text.starts_with('`') || text.starts_with('[')) {
-    const char close = text.front() == '[' ? ']' : text.front();
-    end = text.find(close, 1);
-    if (end != std::string_view::npos) ++end;
-  }
-  if (end == 0) end = 1;
+  if (text.empty()) return {};
+  std::size_t end = data::SkipQuoted(text, 0);
+  if (end == 0 && text.starts_with('[')) end = text.find(']') + 1;
+  if (end == 0)
+    end = std::max<std::size_t>(std::min(text.find_first_of(kEndOfWord), text.size()), 1);
   const std::string_view word = text.substr(0, end);
   text.remove_prefix(word.size());
   return word;
 }
 
-// The table behind the first FROM, where no second one follows; "" else.
+bool IsOneOf(std::string_view word, std::initializer_list<std::string_view> words) {
+  return std::ranges::any_of(words, [word](std::string_view one) { return SameText(word, one); });
+}
+
+// The table of a statement that reads records of one table alone; "" of any other.
 std::string_view OnlyTableOf(std::string_view sql) {
-  for (std::string_view word = TakeWord(sql); !SameText(word, "FROM"); word = TakeWord(sql)) {
-    if (word.empty()) return {};
-  }
-  const std::string_view table = TakeWord(sql);
-  if (table == "(") return {};
+  int depth = 0;
+  bool conditions = false;  // behind WHERE, where tables are named for other purposes
+  std::string_view table;
+  std::string_view before;
   for (std::string_view word = TakeWord(sql); !word.empty(); word = TakeWord(sql)) {
-    if (word == "," || SameText(word, "JOIN")) return {};
-    if (SameText(word, "WHERE") || SameText(word, "ORDER")) break;
+    depth += word == "(" ? 1 : word == ")" ? -1 : 0;
+    const bool from = table.empty() && SameText(before, "FROM");
+    if (from && word == "(") return {};
+    if (from) table = word;
+    before = depth == 0 ? word : std::string_view{};
+    if (depth != 0 || table.empty()) continue;
+    conditions = conditions || IsOneOf(word, {"WHERE", "ORDER"});
+    const bool another = !conditions && (word == "," || SameText(word, "JOIN"));
+    if (another || IsOneOf(word, {"GROUP", "UNION", "EXCEPT", "INTERSECT"})) return {};
   }
   return table;
 }

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "kvshare/data/wireforms.h"
+#include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 
 namespace kvshare::data {
@@ -50,7 +51,7 @@ Cell CellOf(const TRecordReader& reader, int column, TFieldForm form) {
   return {};
 }
 
-void PutCell(RecordBuffer& out, const TRecordReader& reader, int column, TFieldForm form,
+void PutCell(RecordBuffer& out, int at, const TRecordReader& reader, int column, TFieldForm form,
              std::string& scratch) {
   Cell cell = form == TFieldForm::Text && !reader.IsNull(column) ? Cell{CellKind::Text, 0, 0, {}}
                                                                  : CellOf(reader, column, form);
@@ -74,7 +75,22 @@ void PutCell(RecordBuffer& out, const TRecordReader& reader, int column, TFieldF
         break;
     }
   }
-  out.Put(column, cell);
+  out.Put(at, cell);
+}
+
+ParameterValue WireValueOf(const Cell& cell, TFieldForm form) {
+  switch (cell.kind) {
+    case CellKind::Null:
+      return {};
+    case CellKind::Integer:
+      return cell.integer;
+    case CellKind::Real:
+      return cell.real;
+    case CellKind::Text:
+      break;
+  }
+  if (form == TFieldForm::Bytes) return Bytes{std::string(cell.text)};
+  return form == TFieldForm::Text ? Cp874ToUtf8(cell.text) : std::string(cell.text);
 }
 
 RecordLayout::RecordLayout(std::vector<TFieldForm> forms) : forms_(std::move(forms)) {

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "kvshare/data/driver.h"
 #include "kvshare/data/field.h"
 #include "kvshare/data/fieldtypes.h"
 
@@ -65,12 +66,15 @@ class OwnedCell {
 // What `reader` has in a column of that form.
 Cell CellOf(const TRecordReader& reader, int column, TFieldForm form);
 
-// Puts such a value into `out`, with its text in the form of which equal values have equal bytes:
-// characters in code page 874, decimals without zeros at the end, moments without .000. `scratch`
-// is for texts on the way.
+// Puts such a value into a column of `out`, with its text in the form of which equal values have
+// equal bytes: characters in code page 874, decimals without zeros at the end, moments without
+// .000. `scratch` is for texts on the way.
 class RecordBuffer;
-void PutCell(RecordBuffer& out, const TRecordReader& reader, int column, TFieldForm form,
+void PutCell(RecordBuffer& out, int at, const TRecordReader& reader, int column, TFieldForm form,
              std::string& scratch);
+
+// A value as it crosses the driver contract. Throws EConvertError for a byte that is no letter.
+ParameterValue WireValueOf(const Cell& cell, TFieldForm form);
 
 // Where the columns lie in a block: bits that tell what is null, eight bytes a column (a number, or
 // place and length of a text), the texts.

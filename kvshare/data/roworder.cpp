@@ -54,14 +54,14 @@ bool RowOrder::Less(RowId a, RowId b) const {
 }
 
 bool RowOrder::IsInView(RowId row) const {
-  if (!statuses_.Any()) return table_.IsThere(row);
+  if (statuses_.IsEmpty()) return table_.IsThere(row);
   switch (table_.Status(row)) {
     case TUpdateStatus::usModified:
-      return statuses_.modified;
+      return statuses_.usModified;
     case TUpdateStatus::usInserted:
-      return statuses_.inserted;
+      return statuses_.usInserted;
     case TUpdateStatus::usDeleted:
-      return statuses_.deleted;
+      return statuses_.usDeleted;
     case TUpdateStatus::usUnmodified:
       break;
   }
@@ -73,7 +73,7 @@ void RowOrder::Sort(std::vector<int> columns) {
   Rebuild();
 }
 
-void RowOrder::Filter(StatusSet statuses) {
+void RowOrder::Filter(TUpdateStatusSet statuses) {
   statuses_ = statuses;
   Rebuild();
 }

@@ -11,14 +11,6 @@
 
 namespace kvshare::data {
 
-// Which records are in view: all that are there, or those of the named statuses, deleted ones too.
-struct StatusSet {
-  bool modified = false;
-  bool inserted = false;
-  bool deleted = false;
-  bool Any() const { return modified || inserted || deleted; }
-};
-
 // How two values of a form follow each other: Null first, texts by their bytes.
 std::weak_ordering Compare(const Cell& a, const Cell& b, TFieldForm form);
 
@@ -32,7 +24,7 @@ class RowOrder {
 
   // By the values of these columns, equal ones as they were appended; without columns as they lie.
   void Sort(std::vector<int> columns);
-  void Filter(StatusSet statuses);
+  void Filter(TUpdateStatusSet statuses);
   void Rebuild();  // after the table has changed by itself
   const std::vector<int>& Columns() const { return columns_; }
 
@@ -64,7 +56,7 @@ class RowOrder {
   std::size_t PlaceFor(RowId row) const;
 
   const RecordTable& table_;
-  StatusSet statuses_;
+  TUpdateStatusSet statuses_;
   std::vector<int> columns_;
   std::vector<RowId> rows_;
   int count_ = 0;

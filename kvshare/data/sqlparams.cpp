@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "kvshare/data/errors.h"
+#include "kvshare/data/field.h"
+#include "kvshare/data/record.h"
 #include "kvshare/data/wireforms.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/format.h"
@@ -28,6 +30,14 @@ void TParam::SetAsTime(TDateTime moment) {
 
 void TParam::SetAsDateTime(TDateTime moment) {
   value_ = data::TextOfMoment(moment);
+}
+
+void TParam::AssignField(const TField& field) {
+  data::RecordBuffer value;
+  value.Resize(1);
+  std::string scratch;
+  data::PutCell(value, 0, field.Record(), field.column_, field.form_, scratch);
+  value_ = data::WireValueOf(value.At(0), field.form_);
 }
 
 TParam& TParams::operator[](int index) {
@@ -68,7 +78,8 @@ std::size_t Behind(std::string_view sql, std::size_t at, std::string_view end) {
   return found == std::string_view::npos ? sql.size() : found + end.size();
 }
 
-// Where a quoted text or a comment that starts at `at` ends; `at` itself when none starts there.
+}  // namespace
+
 std::size_t SkipQuoted(std::string_view sql, std::size_t at) {
   const char c = sql[at];
   if (c == '\'' || c == '"' || c == '`') return Behind(sql, at + 1, sql.substr(at, 1));
@@ -76,6 +87,8 @@ std::size_t SkipQuoted(std::string_view sql, std::size_t at) {
   if (sql.substr(at, 2) == "/*") return Behind(sql, at + 2, "*/");
   return at;
 }
+
+namespace {
 
 std::size_t EndOfName(std::string_view sql, std::size_t at) {
   while (at < sql.size() && ContinuesName(sql[at])) ++at;

@@ -1,6 +1,7 @@
 // The parameters of a statement.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -13,6 +14,8 @@
 #include "kvshare/rtl/datetime.h"
 
 namespace kvshare {
+
+class TField;
 
 // A parameter's value; Null until it is set. Amounts and dates go to the server as exact texts.
 class KVSHARE_API TParam {
@@ -33,6 +36,8 @@ class KVSHARE_API TParam {
   void SetAsTime(TDateTime moment);
   void SetAsDateTime(TDateTime moment);
   void SetAsBlob(std::string_view bytes) { value_ = data::Bytes{std::string(bytes)}; }
+  // A field's value with all its digits, Null too. Throws as SetAsString does.
+  void AssignField(const TField& field);
 
   // As it crosses the driver contract.
   const data::ParameterValue& WireValue() const { return value_; }
@@ -59,6 +64,9 @@ class KVSHARE_API TParams {
 };
 
 namespace data {
+
+// Where a quoted text or a comment that starts at `at` ends; `at` itself when none starts there.
+std::size_t SkipQuoted(std::string_view sql, std::size_t at);
 
 // A statement with its `:name` and `?` places taken out. A name is letters, digits and `_`, a first
 // digit excepted; `::` is none, nor what stands in quotes ('..', "..", `..`) or comments (`--` to

@@ -12,6 +12,16 @@ namespace kvshare {
 
 enum class TUpdateStatus : std::uint8_t { usUnmodified, usModified, usInserted, usDeleted };
 
+// Which records are in view: all that are there, or those of the named statuses, deleted ones too.
+// usUnmodified has no effect.
+struct TUpdateStatusSet {
+  bool usModified = false;
+  bool usInserted = false;
+  bool usDeleted = false;
+  bool operator==(const TUpdateStatusSet&) const = default;
+  bool IsEmpty() const { return *this == TUpdateStatusSet(); }
+};
+
 enum class TUpdateKind : std::uint8_t { ukModify, ukInsert, ukDelete };
 
 // What becomes of a change that a server refused.

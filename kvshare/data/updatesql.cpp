@@ -4,7 +4,6 @@
 #include <optional>
 
 #include "kvshare/data/wireforms.h"
-#include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 
 namespace kvshare::data {
@@ -32,26 +31,7 @@ void UpdateSql::Begin(std::string_view words) {
 }
 
 void UpdateSql::AddValue(const Cell& cell, TFieldForm form) {
-  switch (cell.kind) {
-    case CellKind::Null:
-      values_.emplace_back();
-      return;
-    case CellKind::Integer:
-      values_.emplace_back(cell.integer);
-      return;
-    case CellKind::Real:
-      values_.emplace_back(cell.real);
-      return;
-    case CellKind::Text:
-      break;
-  }
-  if (form == TFieldForm::Bytes) {
-    values_.emplace_back(Bytes{std::string(cell.text)});
-  } else if (form == TFieldForm::Text) {
-    values_.emplace_back(Cp874ToUtf8(cell.text));
-  } else {
-    values_.emplace_back(std::string(cell.text));
-  }
+  values_.push_back(WireValueOf(cell, form));
 }
 
 bool UpdateSql::IsKey(int column) const {
@@ -107,9 +87,12 @@ void UpdateSql::Delete(const Record& before) {
 
 bool UpdateSql::Select(const Record& record) {
   Begin("select ");
-  for (std::size_t i = 0; i < target_.columns.size(); ++i) {
-    if (i > 0) text_ += ", ";
-    text_ += target_.columns[i].name;
+  std::string_view joint;
+  for (const UpdateColumn& column : target_.columns) {
+    if (!column.inTable) continue;
+    text_ += joint;
+    text_ += column.name;
+    joint = ", ";
   }
   text_ += " from ";
   text_ += target_.table;

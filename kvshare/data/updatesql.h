@@ -19,6 +19,7 @@ struct UpdateColumn {
   ColumnKind kind = ColumnKind::Text;
   TProviderFlags flags;
   bool comparable = true;  // no memo, no blob
+  bool inTable = true;     // not worked out by the query or the program
   std::string equal;       // the condition that it has a value
 };
 
@@ -45,7 +46,7 @@ class UpdateSql {
   // False where nothing that may be written has changed: there is no statement then.
   bool Update(const Record& before, const Record& now);
   void Delete(const Record& before);
-  // The record as the server has it, by its key; false without a key.
+  // The columns of the record as the server has them, by its key; false without a key.
   bool Select(const Record& record);
 
  private:

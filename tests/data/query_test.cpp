@@ -5,6 +5,8 @@
 #include <cmath>
 #include <random>
 
+#include "kvshare/data/clientdataset.h"
+#include "kvshare/data/provider.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/format.h"
@@ -196,6 +198,71 @@ TEST(Param, MomentsHaveAllTheirDigits) {
     param.SetAsDateTime(moment);
     ASSERT_EQ(text(), day + " " + clock);
   }
+}
+
+TEST_F(Query, ProvidersKnowTheOnlyTable) {
+  const struct {
+    const char *sql, *table;
+  } cases[] = {
+      {"select * from ITEM", "ITEM"},
+      {"SELECT A,B FROM ITEM I WHERE A IN (1, 2) AND B = (SELECT MAX(X) FROM U, V)", "ITEM"},
+      {"select 'x from STOCK y' as NOTE, A from ITEM;", "ITEM"},
+      {"select A -- from STOCK\nfrom ITEM", "ITEM"},
+      {"select (select max(X) from STOCK) as M from ITEM order by A, B", "ITEM"},
+      {"select * from \"Odd name\" where A = 1", "\"Odd name\""},
+      {"select * from [Odd name]", "[Odd name]"},
+      {"select * from shop.ITEM", "shop.ITEM"},
+      {"select * from ITEM, STOCK", ""},
+      {"select * from ITEM inner join STOCK on A = B", ""},
+      {"select * from (select * from ITEM) X", ""},
+      {"select * from ITEM where A = 1 union select * from STOCK", ""},
+      {"select A, count(*) as N from ITEM group by A", ""},
+      {"select 1", ""},
+      {"select '", ""},
+  };
+  for (const auto& c : cases) {
+    TDataSetProvider provider(connection_);
+    provider.Query().SQL().SetText(c.sql);
+    if (*c.table != '\0') {
+      EXPECT_EQ(provider.ResolvedTable(), c.table) << c.sql;
+    } else {
+      EXPECT_EQ(ErrorOf([&] { provider.ResolvedTable(); }),
+                "Unable to resolve records.  Table name not found.")
+          << c.sql;
+    }
+  }
+}
+
+TEST_F(Query, ParametersTakeAFieldsValue) {
+  TClientDataSet set;
+  set.FieldDefs().Add("N", TFieldType::ftString, 10);
+  set.FieldDefs().Add("B", TFieldType::ftFMTBcd, 8);
+  set.FieldDefs().Add("I", TFieldType::ftInteger);
+  set.CreateDataSet();
+  set.Append();
+  constexpr std::string_view kName = "ก"_th;
+  set.FieldByName("N").SetAsString(kName);
+  set.FieldByName("B").SetAsString("123456789012345678.12345678");
+  query_.SQL().SetText("SELECT :N, :B, :I");
+  for (const char* name : {"N", "B", "I"}) {
+    query_.ParamByName(name).AssignField(set.FieldByName(name));
+  }
+  query_.Open();
+  EXPECT_EQ(query_.Fields(0).AsString(), kName);
+  EXPECT_EQ(query_.Fields(1).AsString(), "123456789012345678.12345678");
+  EXPECT_TRUE(query_.Fields(2).IsNull());
+}
+
+// Nothing of a fetch that fails holds the file.
+TEST_F(Query, AFetchThatFailsLetsGo) {
+  TDataSetProvider provider(connection_);
+  provider.Query().SQL().SetText("SELECT 1 AS ID FROM T");
+  TClientDataSet set;
+  set.SetPrimaryKey("ID");
+  set.SetProvider(&provider);
+  EXPECT_EQ(MessageOf<EDBClient>([&] { set.Open(); }), "Key violation.");
+  EXPECT_FALSE(set.Active());
+  EXPECT_FALSE(provider.Query().Active());
 }
 
 }  // namespace

@@ -317,6 +317,25 @@ TEST_P(UpdatesSuite, BothDoTheSame) {
   EXPECT_EQ(me.set.ChangeCount(), 0);
 }
 
+TEST_P(UpdatesSuite, AColumnThatTheTableLacksIsNotAskedFor) {
+  Screen& me = MakeScreen();
+  me.set.Close();
+  me.provider.Query().SQL().SetText(
+      "SELECT ID, NAME, PRICE, 'from KV_NONE' AS NOTE FROM KV_TEST WHERE ID IN (1, 2)");
+  me.set.Open();
+  me.set.FieldByName("NOTE").ProviderFlags = {.pfInUpdate = false, .pfInWhere = false};
+  Run("UPDATE KV_TEST SET PRICE = 50 WHERE ID = 1");
+  me.Change(1, "NAME", "mine");
+  me.answer = raMerge;
+  me.decide = [](TClientDataSet& set) {
+    EXPECT_TRUE(set.FieldByName("NOTE").CurValue().IsEmpty());
+  };
+  EXPECT_EQ(me.set.ApplyUpdates(-1), 1);
+  EXPECT_EQ(me.Rows(), "1 mine 50;2 book 99.9975;");
+  EXPECT_EQ(me.set.ApplyUpdates(-1), 0);
+  EXPECT_EQ(OnServer(), "1 mine 50;2 book 99.9975;3 ink 7;");
+}
+
 TEST_P(UpdatesSuite, ARecordThatIsThereAlready) {
   Screen& me = MakeScreen();
   Run("INSERT INTO KV_TEST (ID, NAME, PRICE) VALUES (4, 'theirs', 8)");
