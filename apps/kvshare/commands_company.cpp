@@ -1,9 +1,11 @@
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
 
 #include "apps/kvshare/commands.h"
 #include "apps/kvshare/connections.h"
+#include "apps/kvshare/startedlibrary.h"
 #include "kvshare/data/clientdataset.h"
 #include "kvshare/database/dbxconf.h"
 #include "kvshare/os/files.h"
@@ -13,8 +15,6 @@
 #include "kvshare/rtl/strutils.h"
 #include "kvshare/settings/connectinfo.h"
 #include "kvshare/settings/globals.h"
-#include "kvshare/settings/package.h"
-#include "kvshare/settings/programsettings.h"
 
 namespace kvshare::app {
 
@@ -38,6 +38,7 @@ constexpr std::string_view kOpenExamples =
 constexpr std::string_view kName = "Alias_Name";
 constexpr std::string_view kConnection = "Alias_Alias";
 constexpr std::string_view kLog = "Alias_LogFile";
+constexpr std::string_view kDocuments = "Alias_Doc_Dir";
 
 // What an option sets, and what a program reads.
 struct ListField {
@@ -56,8 +57,8 @@ constexpr ListField kFields[] = {
     {"Alias_PosH_Dir", "--pos-packing", "Packing of the points of sale", "pos_packing", 255, true},
     {"Alias_Pack_Dir", "--packing", "Packing", "packing", 255, true},
     {"Alias_Rpt_Dir", "--reports", "Reports", "reports", 255, true},
-    {"Alias_Doc_Dir", "--documents", "Documents, a folder below for each connection", "documents",
-     255, true},
+    {kDocuments, "--documents", "Documents, a folder below for each connection", "documents", 255,
+     true},
 };
 
 struct Options {
@@ -65,21 +66,6 @@ struct Options {
   std::string name;
   std::string rename;
   std::string values[std::size(kFields)];
-};
-
-// The library as a program of the suite starts and ends it.
-class StartedLibrary {
- public:
-  StartedLibrary() {
-    Initialize();
-    SetEditMaskAndFormatStr();
-  }
-  ~StartedLibrary() {
-    ClearDBMSConnectInfo();
-    Finalize();
-  }
-  StartedLibrary(const StartedLibrary&) = delete;
-  StartedLibrary& operator=(const StartedLibrary&) = delete;
 };
 
 // The list as it lies in its file; a new one where there is none.
@@ -143,52 +129,62 @@ std::string UsageName(std::string_view option, const std::string& utf8) {
   return name;
 }
 
-int Add(const Options& options) {
+// Where a company's own things lie unless it is told.
+std::string DefaultOf(std::string_view field, const std::string& connection) {
+  if (field == kLog) return GetKovraShareDataPath() + "Log\\" + connection + ".log";
+  if (field == kDocuments) return GetKovraShareDataPath() + "Document\\";
+  return {};
+}
+
+// One change of the list: all of it, or the file stays as it is.
+int OnList(const Options& options,
+           const std::function<void(CompanyList& list, const std::string& name)>& change) {
   const std::string name = UsageName("NAME", options.name);
   const StartedLibrary library;
   CompanyList list(options);
-  list.RefuseDouble(name);
-  TClientDataSet& set = list.Set();
-  set.Append();
-  PutText(set.FieldByName(kName), name);
-  PutOptions(set, options);
-  TField& log = set.FieldByName(kLog);
-  if (log.AsString().empty()) {
-    const std::string connection = set.FieldByName(kConnection).AsString();
-    PutText(log, GetKovraShareDataPath() + "Log\\" + connection + ".log");
-  }
-  set.Post();
+  change(list, name);
   list.Save();
   return kDone;
+}
+
+int Add(const Options& options) {
+  return OnList(options, [&options](CompanyList& list, const std::string& name) {
+    list.RefuseDouble(name);
+    TClientDataSet& set = list.Set();
+    set.Append();
+    PutText(set.FieldByName(kName), name);
+    PutOptions(set, options);
+    const std::string connection = set.FieldByName(kConnection).AsString();
+    for (const ListField& known : kFields) {
+      TField* field = set.FindField(known.field);
+      const bool open = field != nullptr && field->AsString().empty();
+      if (open) PutText(*field, DefaultOf(known.field, connection));
+    }
+    set.Post();
+  });
 }
 
 int Change(const Options& options) {
-  const std::string name = UsageName("NAME", options.name);
-  const StartedLibrary library;
-  CompanyList list(options);
-  std::string renamed;
-  if (!options.rename.empty()) {
-    renamed = UsageName("--rename", options.rename);
-    if (renamed != name) list.RefuseDouble(renamed);
-  }
-  list.Require(name);
-  TClientDataSet& set = list.Set();
-  set.Edit();
-  if (!renamed.empty()) PutText(set.FieldByName(kName), renamed);
-  PutOptions(set, options);
-  set.Post();
-  list.Save();
-  return kDone;
+  return OnList(options, [&options](CompanyList& list, const std::string& name) {
+    std::string renamed;
+    if (!options.rename.empty()) {
+      renamed = UsageName("--rename", options.rename);
+      if (renamed != name) list.RefuseDouble(renamed);
+    }
+    list.Require(name);
+    TClientDataSet& set = list.Set();
+    set.Edit();
+    if (!renamed.empty()) PutText(set.FieldByName(kName), renamed);
+    PutOptions(set, options);
+    set.Post();
+  });
 }
 
 int Remove(const Options& options) {
-  const std::string name = UsageName("NAME", options.name);
-  const StartedLibrary library;
-  CompanyList list(options);
-  list.Require(name);
-  list.Set().Delete();
-  list.Save();
-  return kDone;
+  return OnList(options, [](CompanyList& list, const std::string& name) {
+    list.Require(name);
+    list.Set().Delete();
+  });
 }
 
 RowPrinter PrintList(const Options& options) {

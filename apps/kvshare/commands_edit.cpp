@@ -9,18 +9,14 @@
 #include "apps/kvshare/commands.h"
 #include "apps/kvshare/connections.h"
 #include "apps/kvshare/recordtalk.h"
+#include "apps/kvshare/startedlibrary.h"
 #include "apps/kvshare/tablerecord.h"
 #include "kvshare/database/dbpost.h"
 #include "kvshare/database/sqlfunc.h"
-#include "kvshare/platform/verinfo.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
-#include "kvshare/rtl/formatsettings.h"
 #include "kvshare/settings/connectinfo.h"
-#include "kvshare/settings/datetimeformat.h"
 #include "kvshare/settings/globals.h"
-#include "kvshare/settings/package.h"
-#include "kvshare/settings/programsettings.h"
 
 namespace kvshare::app {
 
@@ -118,42 +114,22 @@ Order UsageOrder(const Options& options) {
   return order;
 }
 
-// The library as a program of the suite starts and ends it, with the company's connection.
+// A company as a program of the suite opens it.
 class CompanySession {
  public:
   explicit CompanySession(const Order& order) {
-    Initialize();
-    try {
-      SetDefaultDateTimeFormat();
-      ReadNumberSettings(*MyKovraRegistry);
-      YearBase = order.era;
-      WithoutBoxes([&] {
-        ReadDbmsConnectInfo(order.company);
-        ConnectDBMS(connection_, KovraAliasName, true);
-      });
-    } catch (...) {
-      Leave();
-      throw;
-    }
+    YearBase = order.era;
+    WithoutBoxes([&] {
+      ReadDbmsConnectInfo(order.company);
+      ConnectDBMS(connection_, KovraAliasName, true);
+    });
   }
-  ~CompanySession() {
-    connection_.Close();
-    Leave();
-  }
-  CompanySession(const CompanySession&) = delete;
-  CompanySession& operator=(const CompanySession&) = delete;
 
   TSQLConnection& Connection() { return connection_; }
 
  private:
-  void Leave() {
-    ClearDBMSConnectInfo();
-    Finalize();
-    FormatSettings = formats_;
-  }
-
-  TFormatSettings formats_ = FormatSettings;
-  TSQLConnection connection_;
+  StartedLibrary library_;
+  TSQLConnection connection_;  // closed before the library ends
 };
 
 os::Console ConsoleOf(const Stdio& stdio) {

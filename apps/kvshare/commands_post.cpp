@@ -8,6 +8,7 @@
 #include "apps/kvshare/connections.h"
 #include "apps/kvshare/dayinput.h"
 #include "apps/kvshare/dayoutput.h"
+#include "apps/kvshare/startedlibrary.h"
 #include "apps/posting/company.h"
 #include "apps/posting/poster.h"
 #include "apps/receipts/amounts.h"
@@ -18,7 +19,6 @@
 #include "kvshare/rtl/format.h"
 #include "kvshare/settings/catalogue.h"
 #include "kvshare/settings/globals.h"
-#include "kvshare/settings/package.h"
 #include "kvshare/settings/sqldialect.h"
 
 namespace kvshare::app {
@@ -57,36 +57,24 @@ Settings UsageSettings(const Options& options, bool json) {
   return settings;
 }
 
-// The library as a program of the suite starts and ends it, with the company's globals: its
-// connection, its server's dialect and its log.
+// A connection's database with the globals of a company: its server's dialect and its log.
 class OpenCompany {
  public:
   explicit OpenCompany(const std::string& connect) {
-    Initialize();
-    try {
-      OpenConnection(connection_, connect);
-      const std::string alias = connection_.ConnectionName();
-      KovraAliasName = alias;
-      KovraAliasTradeName = GetdbxTradeName(alias);
-      KovraLogDatabaseName = GetKovraShareDataPath() + "Log\\";
-      KovraLogTableName = alias + ".log";
-      WithoutBoxes([] { ReadSQLIntf(""); });
-    } catch (...) {
-      Finalize();
-      throw;
-    }
+    OpenConnection(connection_, connect);
+    const std::string alias = connection_.ConnectionName();
+    KovraAliasName = alias;
+    KovraAliasTradeName = GetdbxTradeName(alias);
+    KovraLogDatabaseName = GetKovraShareDataPath() + "Log\\";
+    KovraLogTableName = alias + ".log";
+    WithoutBoxes([] { ReadSQLIntf(""); });
   }
-  ~OpenCompany() {
-    connection_.Close();
-    Finalize();
-  }
-  OpenCompany(const OpenCompany&) = delete;
-  OpenCompany& operator=(const OpenCompany&) = delete;
 
   TSQLConnection& Connection() { return connection_; }
 
  private:
-  TSQLConnection connection_;
+  StartedLibrary library_;
+  TSQLConnection connection_;  // closed before the library ends
 };
 
 int MakeCompany(const std::string& connect) {

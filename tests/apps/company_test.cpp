@@ -31,6 +31,8 @@ TEST_F(CompanyCommands, TheListIsKept) {
                         R"("pos_data":"","pos_packing":"","packing":"","reports":"",)"
                         R"("documents":"D:\\Doc\\"})"));
   home_.Make("Program Files/QXN/Share/SqlIntf.ini", "");
+  EXPECT_THAT(Run({"company", "open", "ร้านใหญ่"}).out,
+              HasSubstr("documents\tC:\\ProgramData\\QXN\\Share\\Document\\SHOP\\\n"));
   EXPECT_THAT(Run({"company", "open", "ร้านใหญ่"}).out, HasSubstr("reports\tC:\\Rpt\\\n"));
   ExpectDone({"company", "remove", "Second"});
   EXPECT_EQ(List(), first);
