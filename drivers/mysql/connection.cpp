@@ -6,6 +6,7 @@
 
 #include "drivers/common/cursors.h"
 #include "drivers/common/entry.h"
+#include "drivers/common/exactly.h"
 #include "drivers/common/parameters.h"
 #include "drivers/mysql/errors.h"
 #include "drivers/mysql/rows.h"
@@ -49,7 +50,7 @@ class MySqlConnection final : public data::Connection {
   void Commit() override { Execute("COMMIT"); }
   void Rollback() override { Execute("ROLLBACK"); }
   std::string Exactly(std::string_view column, data::ColumnKind kind) const override;
-  std::string Quoted(std::string_view name) const override;
+  std::string Quoted(std::string_view name) const override { return drivers::QuotedBy('`', name); }
   std::vector<std::string> TableNames(bool system) override;
   void SetLockTimeout(std::int32_t milliseconds) override;
   std::string ServerVersion() override;
@@ -187,25 +188,9 @@ void MySqlConnection::Begin(Isolation isolation) {
   Execute("START TRANSACTION");
 }
 
-// Collations take letters of either case, and often blanks at the end, for the same; a text beside
-// a decimal makes both of them reals.
 std::string MySqlConnection::Exactly(std::string_view column, data::ColumnKind kind) const {
-  const std::string name(column);
-  switch (kind) {
-    case data::ColumnKind::Text:
-    case data::ColumnKind::Memo:
-      return name + " = ? COLLATE " + (IsMariaDb() ? "utf8mb4_nopad_bin" : "utf8mb4_bin");
-    case data::ColumnKind::Decimal:
-      return name + " = CAST(? AS DECIMAL(65,30))";
-    default:
-      return name + " = ?";
-  }
-}
-
-std::string MySqlConnection::Quoted(std::string_view name) const {
-  std::string quoted = "`";
-  for (const char c : name) quoted.append(c == '`' ? 2 : 1, c);
-  return quoted + "`";
+  return drivers::ExactlyBy(IsMariaDb() ? drivers::kMariaDbForms : drivers::kMySqlForms, column,
+                            kind);
 }
 
 std::vector<std::string> MySqlConnection::TableNames(bool system) {

@@ -72,9 +72,13 @@ class OdbcConnection final : public data::Connection {
     End(SQL_ROLLBACK);
     SetLockTimeout(lockMilliseconds_);  // some servers take a setting back with the rest
   }
-  bool FailureEndsTransaction() const override { return dbms_.starts_with("PostgreSQL"); }
-  std::string Exactly(std::string_view column, data::ColumnKind kind) const override;
-  std::string Quoted(std::string_view name) const override;
+  bool FailureEndsTransaction() const override { return DialectOf(dbms_).failureEndsTransaction; }
+  std::string Exactly(std::string_view column, data::ColumnKind kind) const override {
+    return drivers::ExactlyBy(DialectOf(dbms_).exactly, column, kind);
+  }
+  std::string Quoted(std::string_view name) const override {
+    return drivers::QuotedBy(DialectOf(dbms_).quote, name);
+  }
   std::vector<std::string> TableNames(bool system) override;
   void SetLockTimeout(std::int32_t milliseconds) override;
   std::string ServerVersion() override { return Info(SQL_DBMS_NAME) + " " + Info(SQL_DBMS_VER); }
@@ -89,7 +93,6 @@ class OdbcConnection final : public data::Connection {
   using Cursor = drivers::DetachableCursor<Rows>;
 
   Handle NewStatement();
-  bool IsMySql() const { return dbms_.starts_with("MariaDB") || dbms_.starts_with("MySQL"); }
   void Set(SQLINTEGER attribute, std::uintptr_t value) {
     connection_.Check(
         SQLSetConnectAttrW(connection_.Get(), attribute, Number(value), SQL_IS_UINTEGER));
@@ -226,31 +229,6 @@ std::unique_ptr<data::PreparedStatement> OdbcConnection::Prepare(std::string_vie
   statement.Check(
       SQLPrepareW(statement.Get(), Units(text.data()), static_cast<SQLINTEGER>(text.size())));
   return std::make_unique<Prepared>(*this, std::move(statement));
-}
-
-// As the servers behind need it; those that are not named compare exactly.
-std::string OdbcConnection::Exactly(std::string_view column, data::ColumnKind kind) const {
-  const bool text = kind == data::ColumnKind::Text || kind == data::ColumnKind::Memo;
-  std::string condition = std::string(column) + " = ?";
-  if (IsMySql() && text) {
-    condition +=
-        dbms_.starts_with("MariaDB") ? " COLLATE utf8mb4_nopad_bin" : " COLLATE utf8mb4_bin";
-  }
-  if (IsMySql() && kind == data::ColumnKind::Decimal) {
-    condition = std::string(column) + " = CAST(? AS DECIMAL(65,30))";
-  }
-  if (dbms_.starts_with("SQLite") && text) condition += " COLLATE BINARY";
-  if (dbms_.starts_with("Microsoft SQL Server") && text) {
-    condition += " COLLATE Latin1_General_BIN2";
-  }
-  return condition;
-}
-
-std::string OdbcConnection::Quoted(std::string_view name) const {
-  if (!IsMySql()) return Connection::Quoted(name);
-  std::string quoted = "`";
-  for (const char c : name) quoted.append(c == '`' ? 2 : 1, c);
-  return quoted + "`";
 }
 
 std::unique_ptr<data::Cursor> OdbcConnection::Query(

@@ -79,14 +79,19 @@ DriverError::Kind KindOf(const Report& report) {
   return DriverError::Kind::Other;
 }
 
+constexpr drivers::ExactForms kSqlServerForms{"? COLLATE Latin1_General_BIN2", "?"};
+
 constexpr Dialect kDialects[] = {
     {"MariaDB", "SET SESSION sql_mode = CONCAT(@@sql_mode, ',STRICT_ALL_TABLES')",
-     "SET SESSION innodb_lock_wait_timeout = ", "SET SESSION lock_wait_timeout = ", true, 0},
+     "SET SESSION innodb_lock_wait_timeout = ", "SET SESSION lock_wait_timeout = ", 0, true, false,
+     '`', drivers::kMariaDbForms},
     {"MySQL", "SET SESSION sql_mode = CONCAT(@@sql_mode, ',STRICT_ALL_TABLES')",
-     "SET SESSION innodb_lock_wait_timeout = ", "SET SESSION lock_wait_timeout = ", true, 1},
-    {"PostgreSQL", "", "SET lock_timeout = ", "", false, 1},
-    {"Microsoft SQL Server", "", "SET LOCK_TIMEOUT ", "", false, 0},
-    {"", "", "", "", false, 0},
+     "SET SESSION innodb_lock_wait_timeout = ", "SET SESSION lock_wait_timeout = ", 1, true, false,
+     '`', drivers::kMySqlForms},
+    {"PostgreSQL", "", "SET lock_timeout = ", "", 1, false, true, '"', drivers::kPlainForms},
+    {"Microsoft SQL Server", "", "SET LOCK_TIMEOUT ", "", 0, false, false, '"', kSqlServerForms},
+    {"SQLite", "", "", "", 0, false, false, '"', drivers::kSqliteForms},
+    {"", "", "", "", 0, false, false, '"', drivers::kPlainForms},
 };
 
 }  // namespace

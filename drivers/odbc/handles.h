@@ -10,6 +10,7 @@
 #include <string_view>
 #include <utility>
 
+#include "drivers/common/exactly.h"
 #include "kvshare/data/driver.h"
 
 namespace kvshare::odbc {
@@ -55,8 +56,11 @@ struct Dialect {
   const char* session;         // sent once; "" where nothing is needed
   const char* lockTimeout;     // sent with the number behind it; "" where there is none
   const char* lockTimeoutToo;  // a second one
+  std::int32_t leastTimeout;   // where 0 would mean for ever
   bool inSeconds;
-  std::int32_t leastTimeout;  // where 0 would mean for ever
+  bool failureEndsTransaction;
+  char quote;  // around names
+  drivers::ExactForms exactly;
 };
 const Dialect& DialectOf(std::string_view dbmsName);
 

@@ -3,6 +3,7 @@
 #include <charconv>
 
 #include "drivers/common/entry.h"
+#include "drivers/common/exactly.h"
 #include "drivers/sqlite/decimals.h"
 #include "drivers/sqlite/handles.h"
 #include "drivers/sqlite/rows.h"
@@ -214,8 +215,7 @@ std::unique_ptr<data::PreparedStatement> SqliteConnection::Prepare(std::string_v
 
 // Whatever collation a table has for its texts.
 std::string SqliteConnection::Exactly(std::string_view column, data::ColumnKind kind) const {
-  const bool text = kind == data::ColumnKind::Text || kind == data::ColumnKind::Memo;
-  return std::string(column) + (text ? " = ? COLLATE BINARY" : " = ?");
+  return ExactlyBy(kSqliteForms, column, kind);
 }
 
 std::unique_ptr<data::Cursor> SqliteConnection::Query(

@@ -1,0 +1,27 @@
+#include "drivers/common/exactly.h"
+
+namespace kvshare::drivers {
+
+std::string ExactlyBy(const ExactForms& forms, std::string_view column, data::ColumnKind kind) {
+  const auto equals = [column](const char* value) {
+    return std::string(column).append(" = ").append(value);
+  };
+  switch (kind) {
+    case data::ColumnKind::Text:
+    case data::ColumnKind::Memo:
+      return equals(forms.text);
+    case data::ColumnKind::Decimal:
+      return equals(forms.decimal);
+    default:
+      return equals("?");
+  }
+}
+
+std::string QuotedBy(char mark, std::string_view name) {
+  std::string quoted(1, mark);
+  for (const char c : name) quoted.append(c == mark ? 2 : 1, c);
+  quoted.push_back(mark);
+  return quoted;
+}
+
+}  // namespace kvshare::drivers

@@ -1,0 +1,30 @@
+// Conditions that hold for exactly one value, and quoted names, for servers that need more than `=`
+// and `"`.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "kvshare/data/driver.h"
+
+namespace kvshare::drivers {
+
+// What stands behind the `=` for a value.
+struct ExactForms {
+  const char* text;
+  const char* decimal;
+};
+inline constexpr ExactForms kPlainForms{"?", "?"};
+// Collations take letters of either case, and often blanks at the end, for the same; a text beside
+// a decimal makes both of them reals.
+inline constexpr ExactForms kMariaDbForms{"? COLLATE utf8mb4_nopad_bin",
+                                          "CAST(? AS DECIMAL(65,30))"};
+inline constexpr ExactForms kMySqlForms{"? COLLATE utf8mb4_bin", "CAST(? AS DECIMAL(65,30))"};
+inline constexpr ExactForms kSqliteForms{"? COLLATE BINARY", "?"};
+
+std::string ExactlyBy(const ExactForms& forms, std::string_view column, data::ColumnKind kind);
+
+// The name between two marks; a mark inside it stands twice.
+std::string QuotedBy(char mark, std::string_view name);
+
+}  // namespace kvshare::drivers
