@@ -30,6 +30,7 @@ DriverCase OnServer() {
     test.memo = "LONGTEXT";
     test.blob = "LONGBLOB";
     test.real = "DOUBLE";
+    test.quote = "`";
     test.time = "TIME(3)";
     test.moment = "DATETIME(3)";
     test.foreignLetter = "CHAR(0x4E2D USING utf16)";

@@ -35,6 +35,7 @@ struct DriverCase {
   std::string date = "DATE";
   std::string time = "TIME";
   std::string moment = "TIMESTAMP";
+  std::string quote = "\"";  // around names
 
   std::string foreignLetter;  // an SQL expression for the letter U+4E2D
 

@@ -336,6 +336,18 @@ TEST_P(UpdatesSuite, AColumnThatTheTableLacksIsNotAskedFor) {
   EXPECT_EQ(OnServer(), "1 mine 50;2 book 99.9975;3 ink 7;");
 }
 
+TEST_P(UpdatesSuite, NamesThatHaveToBeQuoted) {
+  const DriverCase& types = GetParam();
+  const std::string odd = types.quote + "Odd name" + types.quote;
+  Run("DROP TABLE KV_TEST");
+  CreateTable("NAME " + types.text + ", " + odd + " " + types.integer);
+  Run("INSERT INTO KV_TEST VALUES (1, 'pen', 5)");
+  Screen& me = MakeScreen();
+  me.Change(1, "Odd name", "6");
+  EXPECT_EQ(me.set.ApplyUpdates(0), 0) << testing::PrintToString(me.told);
+  EXPECT_EQ(Single("SELECT " + odd + " FROM KV_TEST"), "6");
+}
+
 TEST_P(UpdatesSuite, ARecordThatIsThereAlready) {
   Screen& me = MakeScreen();
   Run("INSERT INTO KV_TEST (ID, NAME, PRICE) VALUES (4, 'theirs', 8)");
