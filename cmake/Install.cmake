@@ -49,6 +49,7 @@ set(internal_headers
   rtl/iniparser.h
   rtl/lines.h
   rtl/textcursor.h
+  rtl/utf8mark.h
   settings/loadentry.h
   settings/placeholders.h
   settings/programlocale.h

@@ -11,8 +11,12 @@ namespace kvshare::app {
 CLI::App* AddCommand(CLI::App& parent, Plan& plan, std::string_view name, std::string_view purpose,
                      std::string_view examples) {
   CLI::App* command = AddQuietCommand(parent, name, purpose, examples);
-  command->add_flag("--json", plan.json, "One JSON object a line");
+  AddJson(*command, plan);
   return command;
+}
+
+void AddJson(CLI::App& command, Plan& plan) {
+  command.add_flag("--json", plan.json, "One JSON object a line");
 }
 
 CLI::App* AddQuietCommand(CLI::App& parent, std::string_view name, std::string_view purpose,

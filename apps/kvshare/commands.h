@@ -56,6 +56,8 @@ void DeclareReplication(CLI::App& parent, Plan& plan);
 CLI::App* AddCommand(CLI::App& parent, Plan& plan, std::string_view name, std::string_view purpose,
                      std::string_view examples);
 
+void AddJson(CLI::App& command, Plan& plan);
+
 // One that prints no rows, so that there is nothing for `--json`.
 CLI::App* AddQuietCommand(CLI::App& parent, std::string_view name, std::string_view purpose,
                           std::string_view examples);

@@ -234,19 +234,13 @@ using Action = int (*)(const Options&, bool, const Stdio&);
 CLI::App* AddDatasetCommand(CLI::App& dataset, Plan& plan, const std::shared_ptr<Options>& options,
                             std::string_view name, std::string_view purpose,
                             std::string_view examples, Action action) {
-  CLI::App* command = dataset.add_subcommand(std::string(name), std::string(purpose));
-  command->group("Commands");
-  command->footer("\nExamples:\n" + std::string(examples).append(kFiles));
+  CLI::App* command = AddQuietCommand(dataset, name, purpose, std::string(examples).append(kFiles));
   command->callback([options, action, &plan] {
     plan.action = [options, action, &plan](const Stdio& stdio) {
       return action(*options, plan.json, stdio);
     };
   });
   return command;
-}
-
-void AddJson(CLI::App& command, Plan& plan) {
-  command.add_flag("--json", plan.json, "One JSON object a line");
 }
 
 void AddFormat(CLI::App& command, const std::string& option, std::string& value,

@@ -253,9 +253,8 @@ void DeclareOptions(CLI::App& command, Options& options) {
 
 void DeclareEdit(CLI::App& parent, Plan& plan) {
   const auto options = std::make_shared<Options>();
-  CLI::App* command = parent.add_subcommand("edit", "Edit a record of a table, field by field");
-  command->group("Commands");
-  command->footer("\nExamples:\n" + std::string(kExamples));
+  CLI::App* command =
+      AddQuietCommand(parent, "edit", "Edit a record of a table, field by field", kExamples);
   DeclareOptions(*command, *options);
   command->callback([options, &plan] {
     plan.action = [order = UsageOrder(*options)](const Stdio& stdio) { return Run(order, stdio); };

@@ -11,6 +11,7 @@
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/strutils.h"
+#include "kvshare/rtl/utf8mark.h"
 
 namespace kvshare::app {
 
@@ -78,8 +79,7 @@ std::string ReadWhole(const std::string& name, const Stdio& stdio) {
   } else {
     AppendRest(bytes, InputFile(name).Fd());
   }
-  constexpr std::string_view kMark = "\xEF\xBB\xBF";
-  return bytes.starts_with(kMark) ? bytes.substr(kMark.size()) : bytes;
+  return std::string(WithoutUtf8Mark(bytes));
 }
 
 // The rule that cuts a line can take a half of a quoted text away: whoever typed it is told.

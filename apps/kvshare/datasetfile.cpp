@@ -11,6 +11,7 @@
 #include "kvshare/rtl/files.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/strutils.h"
+#include "kvshare/rtl/utf8mark.h"
 
 namespace kvshare::app {
 
@@ -29,9 +30,7 @@ constexpr FormatName kEnds[] = {{".xml", DataFormat::Packet}, {".cds", DataForma
 constexpr std::string_view kStandard = "-";
 
 DataFormat FormatOfText(std::string_view text) {
-  constexpr std::string_view kMark = "\xEF\xBB\xBF";
-  if (text.starts_with(kMark)) text.remove_prefix(kMark.size());
-  text = TrimLeft(text);
+  text = TrimLeft(WithoutUtf8Mark(text));
   if (text.starts_with('<') || text.starts_with('\xFF') || text.starts_with('\xFE')) {
     return DataFormat::Packet;
   }

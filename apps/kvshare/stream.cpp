@@ -1,4 +1,5 @@
 #include "apps/kvshare/stream.h"
+#include "kvshare/rtl/utf8mark.h"
 
 #include <poll.h>
 #include <unistd.h>
@@ -12,7 +13,6 @@ namespace kvshare::app {
 namespace {
 
 constexpr std::size_t kBlock = std::size_t{256} << 10;
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 [[noreturn]] void Throw(const std::string& stream) {
   throw StreamError(stream + ": " + std::generic_category().message(errno));
@@ -103,9 +103,9 @@ void LineReader::MakeRoom() {
 // Waits for three bytes unless the first ones already differ, since a pipe may give one at a time.
 void LineReader::SkipByteOrderMark() {
   const std::string_view start(buffer_.data(), end_);
-  if (start.size() < kByteOrderMark.size() && kByteOrderMark.starts_with(start)) return;
+  if (start.size() < kUtf8Mark.size() && kUtf8Mark.starts_with(start)) return;
   first_ = false;
-  if (start.starts_with(kByteOrderMark)) begin_ = seen_ = kByteOrderMark.size();
+  if (start.starts_with(kUtf8Mark)) begin_ = seen_ = kUtf8Mark.size();
 }
 
 LineReader::Result LineReader::SkipLongLine() {

@@ -8,12 +8,11 @@
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/strutils.h"
+#include "kvshare/rtl/utf8mark.h"
 
 namespace kvshare::app {
 
 namespace {
-
-constexpr std::string_view kMark = "\xEF\xBB\xBF";
 
 using Cells = std::vector<std::optional<std::string>>;
 
@@ -169,12 +168,11 @@ std::optional<std::string_view> TextTable::At(std::size_t row, std::size_t colum
 }
 
 TextTable ReadCsvTable(std::string_view utf8) {
-  if (utf8.starts_with(kMark)) utf8.remove_prefix(kMark.size());
-  return CsvReader().Read(utf8);
+  return CsvReader().Read(WithoutUtf8Mark(utf8));
 }
 
 TextTable ReadJsonTable(std::string_view utf8) {
-  if (utf8.starts_with(kMark)) utf8.remove_prefix(kMark.size());
+  utf8 = WithoutUtf8Mark(utf8);
   TextTable table;
   if (TrimLeft(utf8).starts_with('[')) {
     ReadJson(table, utf8, 0);

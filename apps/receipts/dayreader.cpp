@@ -7,12 +7,11 @@
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/strutils.h"
+#include "kvshare/rtl/utf8mark.h"
 
 namespace kvshare::receipts {
 
 namespace {
-
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 bool IsBlank(std::span<const std::string> cells) {
   return std::ranges::all_of(cells, [](const std::string& cell) { return Trim(cell).empty(); });
@@ -38,11 +37,11 @@ bool DayReader::Feed(std::string_view bytes) {
   std::string joined;
   if (!started_) {
     start_ += bytes;
-    if (start_.size() < kByteOrderMark.size() && kByteOrderMark.starts_with(start_)) return true;
+    if (start_.size() < kUtf8Mark.size() && kUtf8Mark.starts_with(start_)) return true;
     started_ = true;
     joined = std::move(start_);
     bytes = joined;
-    if (bytes.starts_with(kByteOrderMark)) bytes.remove_prefix(kByteOrderMark.size());
+    bytes = WithoutUtf8Mark(bytes);
   }
   if (const std::string_view wrong = rows_.Feed(bytes); !wrong.empty()) Stop(rows_.Line(), wrong);
   return !stopped_;

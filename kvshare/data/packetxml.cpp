@@ -14,6 +14,7 @@
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/strutils.h"
+#include "kvshare/rtl/utf8mark.h"
 
 namespace kvshare::data {
 
@@ -50,8 +51,6 @@ std::string DeclaredEncoding(std::string_view packet) {
   if (end == std::string_view::npos) return {};
   return std::string(declaration.substr(begin + 1, end - begin - 1));
 }
-
-constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
 
 bool IsUtf16(std::string_view packet) {
   using namespace std::string_view_literals;
@@ -285,7 +284,7 @@ void ReadPacketXml(std::string_view packet, PacketHandler& handler) {
   const Coding coding = CodingOf(packet);
   std::size_t lines = 0;
   if (coding != Coding::Utf16) {
-    if (packet.starts_with(kUtf8Mark)) packet.remove_prefix(kUtf8Mark.size());
+    packet = WithoutUtf8Mark(packet);
     const std::string_view trimmed =
         packet.substr(std::min(packet.find_first_not_of(" \t\r\n"), packet.size()));
     const std::string_view before = packet.substr(0, packet.size() - trimmed.size());

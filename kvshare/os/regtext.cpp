@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/utf8mark.h"
 
 namespace kvshare::os::reg {
 
@@ -62,12 +63,11 @@ std::u16string DecodeUtf8(std::string_view bytes) {
 std::u16string Decode(std::string_view file) {
   constexpr std::string_view kUtf16 = "\xFF\xFE";
   constexpr std::string_view kUtf16BigEndian = "\xFE\xFF";
-  constexpr std::string_view kUtf8 = "\xEF\xBB\xBF";
   if (file.starts_with(kUtf16)) return DecodeUtf16(file.substr(kUtf16.size()));
   if (file.starts_with(kUtf16BigEndian)) {
     ThrowAtLine(1, "the file is in UTF-16 with the higher byte first; save it as UTF-16LE");
   }
-  if (file.starts_with(kUtf8)) return DecodeUtf8(file.substr(kUtf8.size()));
+  if (file.starts_with(kUtf8Mark)) return DecodeUtf8(WithoutUtf8Mark(file));
   std::u16string text(file.size(), u'\0');
   std::ranges::transform(file, text.begin(), LetterOf);
   return text;

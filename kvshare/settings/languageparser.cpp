@@ -5,6 +5,7 @@
 
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/utf8mark.h"
 #include "kvshare/settings/language.h"
 #include "kvshare/settings/placeholders.h"
 
@@ -112,8 +113,7 @@ std::string Describe(const TMessageRow& row) {
 class Parser {
  public:
   TLanguage Read(std::string_view utf8) {
-    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-    if (utf8.starts_with(kByteOrderMark)) utf8.remove_prefix(kByteOrderMark.size());
+    utf8 = WithoutUtf8Mark(utf8);
     while (!utf8.empty() && language_.Warnings.size() < kLanguageLineWarnings) {
       const std::string_view line = utf8.substr(0, utf8.find('\n'));
       utf8.remove_prefix(std::min(line.size() + 1, utf8.size()));
