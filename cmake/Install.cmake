@@ -53,6 +53,7 @@ set(internal_headers
   settings/loadentry.h
   settings/placeholders.h
   settings/programlocale.h
+  ui/bitmaprle.h
   ui/consoleform.h
   ui/consoleparts.h
   ui/consoletext.h)

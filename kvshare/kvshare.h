@@ -39,9 +39,14 @@
 #include "kvshare/ui/application.h"
 #include "kvshare/ui/backend.h"
 #include "kvshare/ui/bitmap.h"
+#include "kvshare/ui/canvas.h"
 #include "kvshare/ui/controls.h"
+#include "kvshare/ui/desktop.h"
+#include "kvshare/ui/formwindow.h"
 #include "kvshare/ui/messages.h"
+#include "kvshare/ui/printer.h"
 #include "kvshare/ui/printing.h"
+#include "kvshare/ui/recordingprinter.h"
 #include "kvshare/ui/stdcontrols.h"
 #include "kvshare/ui/stringgrid.h"
 
@@ -67,6 +72,7 @@
 // Platform services
 #include "kvshare/platform/fileinfo.h"
 #include "kvshare/platform/files.h"
+#include "kvshare/platform/printbmp.h"
 #include "kvshare/platform/uguid.h"
 #include "kvshare/platform/verinfo.h"
 #include "kvshare/platform/win32.h"

@@ -44,6 +44,7 @@ void DeclareDataset(CLI::App& parent, Plan& plan);
 void DeclareCompany(CLI::App& parent, Plan& plan);
 void DeclareCompanyCreate(CLI::App& company, Plan& plan);
 void DeclarePost(CLI::App& parent, Plan& plan);
+void DeclarePrinters(CLI::App& parent, Plan& plan);
 void DeclareReceipts(CLI::App& parent, Plan& plan);
 void DeclareVersion(CLI::App& parent, Plan& plan);
 void DeclareConnect(CLI::App& parent, Plan& plan);

@@ -3,6 +3,7 @@
 #include "apps/kvshare/commands.h"
 #include "apps/kvshare/dayinput.h"
 #include "apps/kvshare/dayoutput.h"
+#include "apps/kvshare/daypaper.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/format.h"
 
@@ -19,19 +20,24 @@ constexpr std::string_view kExamples =
     "                                            totals in quarters of a baht\n"
     "  kvshare receipts --vat line --price-includes-vat day.csv\n"
     "  kvshare receipts --json day.csv           one JSON object a document\n"
+    "  kvshare receipts --pdf day.pdf day.csv    on pages; the day's total is printed\n"
     "Columns, in any order: document, date, customer, item, quantity, price, discount, vat.\n";
 
 struct Options {
   std::string file = "-";
+  std::string pdf;
   RuleOptions rules;
   LayoutOptions layout;
 };
 
 class ReceiptsRun {
  public:
-  ReceiptsRun(receipts::Rules rules, receipts::Layout layout, bool json, const Stdio& stdio)
+  // With a `pdf` the documents stand there instead of on standard output.
+  ReceiptsRun(receipts::Rules rules, receipts::Layout layout, const std::string& pdf, bool json,
+              const Stdio& stdio)
       : rules_(rules),
         layout_(layout),
+        paper_(pdf.empty() ? nullptr : std::make_unique<DayPaper>(pdf)),
         output_(stdio, json),
         reader_([this](const receipts::Problem& problem) { output_.Report(problem); }) {}
 
@@ -50,7 +56,8 @@ class ReceiptsRun {
       const Receipt receipt = Calculate(document, rules_);
       AddToDay(receipt);
       WarnOfWords(document, receipt.total);
-      output_.Print(document, receipt, layout_);
+      if (paper_) paper_->Print(document, receipt, layout_);
+      if (!paper_ || output_.Json()) output_.Print(document, receipt, layout_);
       output_.ShowProgress(++printed_);
     } catch (const receipts::UnprintableDocument& e) {
       ++left_;
@@ -78,6 +85,9 @@ class ReceiptsRun {
   }
 
   void Finish() {
+    if (paper_ && !paper_->Finish()) {
+      output_.Report({0, 0, "", "no document is printed, and no PDF file is written", false});
+    }
     if (!dayFits_) {
       output_.Report({0, 0, "", "the day's total is out of range and not printed", false});
     } else if (!output_.Json() && printed_ != 0) {
@@ -88,6 +98,7 @@ class ReceiptsRun {
 
   receipts::Rules rules_;
   receipts::Layout layout_;
+  std::unique_ptr<DayPaper> paper_;
   DayOutput output_;
   receipts::DayReader reader_;
   receipts::DayTotal day_;
@@ -100,7 +111,7 @@ std::function<int(const Stdio&)> MakeReceipts(const Options& options, const Plan
   return [options, json = plan.json, rules = UsageRules(options.rules),
           layout = UsageLayout(options.layout, options.rules)](const Stdio& stdio) {
     const DayInput input(options.file, stdio);
-    return ReceiptsRun(rules, layout, json, stdio).Run(input);
+    return ReceiptsRun(rules, layout, options.pdf, json, stdio).Run(input);
   };
 }
 
@@ -113,6 +124,8 @@ void DeclareReceipts(CLI::App& parent, Plan& plan) {
   command->add_option("FILE", options->file, "The file (default: standard input)");
   AddRules(*command, options->rules);
   AddLayout(*command, options->layout);
+  command->add_option("--pdf", options->pdf, "The documents on pages of that file")
+      ->type_name("FILE");
   command->callback([options, &plan] { plan.action = MakeReceipts(*options, plan); });
 }
 

@@ -38,9 +38,11 @@ std::optional<Column> FindColumn(std::string_view header) {
 }
 
 std::string Problem::Message() const {
-  std::string message = "line " + std::to_string(line);
+  std::string message;
+  if (line > 0) message = "line " + std::to_string(line);
   if (position > 0) message += ", column " + std::to_string(position) + " (" + column + ")";
-  message += warning ? ": warning: " : ": ";
+  if (!message.empty()) message += ": ";
+  if (warning) message += "warning: ";
   for (const char c : text) message.push_back(static_cast<unsigned char>(c) < 32 ? '?' : c);
   return message;
 }

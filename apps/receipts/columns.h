@@ -20,8 +20,8 @@ std::optional<Column> FindColumn(std::string_view header);
 
 // Something that a person must look at. `text` is UTF-8.
 struct Problem {
-  std::uint64_t line = 0;
-  int position = 0;  // of the column, from 1; 0: the whole line
+  std::uint64_t line = 0;  // from 1; 0: the whole file
+  int position = 0;        // of the column, from 1; 0: the whole line
   std::string column;
   std::string text;
   bool warning = false;

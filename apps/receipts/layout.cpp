@@ -32,36 +32,65 @@ bool MaySplit(std::string_view text, std::size_t at) {
          kLeading.find(text[at - 1]) == std::string_view::npos;
 }
 
-// Where the piece ends that begins at 0: at most `width` columns, marks included. At least one
-// letter, so that wrapping comes to an end.
-std::size_t PieceEnd(std::string_view text, std::size_t width) {
-  std::size_t columns = 0;
-  std::size_t blank = 0;  // the last blank after a letter
-  std::size_t i = 0;
-  for (; i < text.size(); ++i) {
-    if (!IsMark(text[i]) && columns++ == width) break;
-    if (text[i] == ' ') blank = i;
-  }
-  if (i == text.size() || text[i] == ' ') return i;
-  if (blank != 0) return blank;
-  std::size_t split = i;
+// Where the piece ends whose first `fitting` bytes fit, marks included: there, or before it. At
+// least one letter, so that wrapping comes to an end.
+std::size_t SplitAt(std::string_view text, std::size_t fitting) {
+  if (fitting == text.size() || text[fitting] == ' ') return fitting;
+  const std::size_t blank = text.rfind(' ', fitting);
+  if (blank != std::string_view::npos && blank != 0) return blank;
+  std::size_t split = fitting;
   while (split > 1 && !MaySplit(text, split)) --split;
-  return split > 1 ? split : i;
+  return split > 1 ? split : fitting;
 }
 
-}  // namespace
+// The bytes that at most `width` columns take.
+std::size_t FittingColumns(std::string_view text, std::size_t width) {
+  std::size_t columns = 0;
+  std::size_t i = 0;
+  while (i < text.size() && (IsMark(text[i]) || columns++ != width)) ++i;
+  return i;
+}
 
-std::vector<std::string> Wrap(std::string_view text, std::size_t width) {
+// The most bytes, one letter with its marks at least, that are not wider.
+std::size_t FittingUnits(std::string_view text, int width, const TextMeasure& widthOf) {
+  const auto letterEnd = [text](std::size_t i) {
+    while (i < text.size() && IsMark(text[i])) ++i;
+    return i;
+  };
+  std::size_t fits = letterEnd(1);
+  std::size_t tooLong = text.size() + 1;
+  while (fits + 1 < tooLong) {
+    const std::size_t middle = letterEnd(fits + (tooLong - fits) / 2);
+    if (middle >= tooLong) break;
+    (widthOf(text.substr(0, middle)) <= width ? fits : tooLong) = middle;
+  }
+  return fits;
+}
+
+template <typename Fitting>
+std::vector<std::string> Pieces(std::string_view text, Fitting fitting) {
   const std::string clean = WithoutControls(text);
   std::string_view rest = clean;
   std::vector<std::string> pieces;
   do {
-    const std::size_t end = PieceEnd(rest, width);
+    const std::size_t end = rest.empty() ? 0 : SplitAt(rest, fitting(rest));
     pieces.emplace_back(rest.substr(0, end));
     rest.remove_prefix(end);
     rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
   } while (!rest.empty());
   return pieces;
+}
+
+}  // namespace
+
+std::vector<std::string> Wrap(std::string_view text, std::size_t width) {
+  return Pieces(text, [width](std::string_view rest) { return FittingColumns(rest, width); });
+}
+
+std::vector<std::string> Wrap(std::string_view text, int width, const TextMeasure& widthOf) {
+  return Pieces(text, [width, &widthOf](std::string_view rest) {
+    return widthOf(rest) <= width ? rest.size() : FittingUnits(rest, width, widthOf);
+  });
 }
 
 std::string PadRight(std::string_view text, std::size_t width) {

@@ -2,6 +2,7 @@
 // which Thai vowels and marks above and below take none.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,6 +13,11 @@ namespace kvshare::receipts {
 // and never between a letter and its marks. Control characters become blanks. "" is one empty
 // piece.
 std::vector<std::string> Wrap(std::string_view text, std::size_t width);
+
+// The same for a device that measures texts; a longer beginning of a text is not narrower. A letter
+// that is wider alone is a piece.
+using TextMeasure = std::function<int(std::string_view)>;
+std::vector<std::string> Wrap(std::string_view text, int width, const TextMeasure& widthOf);
 
 // Blanks up to `width` columns, behind and in front; a wider text stays whole.
 std::string PadRight(std::string_view text, std::size_t width);

@@ -12,6 +12,25 @@ namespace kvshare {
 
 namespace {
 
+// Stands where there is no printer for pages.
+class TNoPrinter : public TPrinter {
+ public:
+  TSize PageSize() override { Refuse(); }
+  TSize PixelsPerInch() override { Refuse(); }
+  TCanvas& Canvas() override { Refuse(); }
+
+ protected:
+  void StartJob() override { Refuse(); }
+  void StartPage() override { Refuse(); }
+  void FinishJob() override { Refuse(); }
+  void ThrowAway() noexcept override {}
+
+ private:
+  [[noreturn]] static void Refuse() {
+    throw EPrinter("There is no default printer currently selected");
+  }
+};
+
 TUserInterface*& InForce() {
   static TConsoleInterface console;
   static TUserInterface* inForce = &console;
@@ -26,6 +45,10 @@ int TUserInterface::ShowModalForm(TForm& form) {
   form.Dismiss();
   return form.ModalResult;
 }
+
+void TUserInterface::ProcessMessages() {}
+
+void TUserInterface::RunUntilHidden(TForm& /*form*/) {}
 
 TSize TUserInterface::ScreenSize() {
   return {};
@@ -48,6 +71,15 @@ int TUserInterface::FormatDrive(int /*drive*/) {
 TSpooler& TUserInterface::Spooler() {
   static const std::unique_ptr<TSpooler> folders = MakeFolderSpooler();
   return *folders;
+}
+
+TPrinter& TUserInterface::Printer() {
+  static TNoPrinter none;
+  return none;
+}
+
+std::unique_ptr<TPrinter> TUserInterface::PdfPrinter(std::string_view /*fileName*/) {
+  throw EPrinter("PDF files need the library kvshare-desktop");
 }
 
 int TConsoleInterface::ShowMessage(const TMessageBox& message) {

@@ -13,7 +13,9 @@
 #include "kvshare/ui/bitmap.h"
 #include "kvshare/ui/controls.h"
 #include "kvshare/ui/messages.h"
+#include "kvshare/ui/printer.h"
 #include "kvshare/ui/printing.h"
+#include "kvshare/ui/recordingprinter.h"
 
 namespace kvshare {
 
@@ -27,14 +29,19 @@ class KVSHARE_API TUserInterface {
   // Shows the message and returns the answer, an mr value.
   virtual int ShowMessage(const TMessageBox& message) = 0;
 
-  // Comes first in TForm::ShowModal: a back end with windows makes them and tells what their frames
-  // take (TWinControl::SetFrame).
+  // Comes first in TForm::ShowModal and Show: a back end with windows makes them (TForm::SetWindow)
+  // and tells what their frames take (TWinControl::SetFrame).
   virtual void PrepareForm(TForm& form);
   // Comes last there: lets the user work with the form, and returns its ModalResult once that is
   // not mrNone. A back end with a user shows him a handler's Exception, unless it is an EAbort, and
   // the form stays, also where ModalResult was set before it. A back end that shows no forms
   // answers as Esc does, then as the close box.
   virtual int ShowModalForm(TForm& form);
+
+  // What is waiting for windows: repaints, the user's clicks and keys.
+  virtual void ProcessMessages();
+  // The same until the form is hidden or closed; a back end without windows returns at once.
+  virtual void RunUntilHidden(TForm& form);
 
   // The screen's size, 0 by 0 where there is none.
   virtual TSize ScreenSize();
@@ -49,6 +56,12 @@ class KVSHARE_API TUserInterface {
   virtual int FormatDrive(int drive);
 
   virtual TSpooler& Spooler();  // the folder spooler unless a back end has another
+
+  // The default printer for pages; where there is none, its BeginDoc throws.
+  virtual TPrinter& Printer();
+  // A printer whose job becomes a PDF file, whole or not at all. Throws EPrinter where pages cannot
+  // be drawn; EndDoc throws EInOutError when the file cannot be written.
+  virtual std::unique_ptr<TPrinter> PdfPrinter(std::string_view fileName);
 };
 
 // Speaks UTF-8 on standard error. In force from the start.
@@ -78,6 +91,7 @@ class KVSHARE_API THeadlessInterface : public TUserInterface {
   // Runs the next step, which does what a user would; a form that it leaves open is dismissed.
   int ShowModalForm(TForm& form) override;
   TSize ScreenSize() override { return screen; }
+  TPrinter& Printer() override { return paper; }
 
   std::vector<TMessageBox> messages;
   std::deque<int> answers;  // one a message
@@ -85,6 +99,7 @@ class KVSHARE_API THeadlessInterface : public TUserInterface {
   std::vector<std::string> shown;                 // the captions of the forms
   std::deque<std::function<void(TForm&)>> steps;  // one a form
   TSize screen{1024, 768};
+  TRecordingPrinter paper;
 };
 
 // The back end in force.

@@ -9,11 +9,18 @@ TControl::TControl(TComponent* owner, std::string_view name)
 
 TControl::TControl(TComponent* owner, std::string_view name, TForm* parent)
     : TComponent(owner, name), parent_(parent) {
-  if (parent_ != nullptr) parent_->controls_.push_back(this);
+  if (parent_ == nullptr) return;
+  parent_->controls_.push_back(this);
+  if (parent_->window_) parent_->window_->ControlsChanged();
 }
 
 TControl::~TControl() {
   if (parent_ != nullptr) parent_->Remove(*this);
+}
+
+void TControl::Changed() const {
+  const auto* form = parent_ != nullptr ? parent_ : dynamic_cast<const TForm*>(this);
+  if (form != nullptr && form->window_) form->window_->ControlChanged(*this);
 }
 
 void TControl::SetLeft(int left) {

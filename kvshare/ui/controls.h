@@ -6,13 +6,16 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "kvshare/export.h"
 #include "kvshare/rtl/component.h"
 #include "kvshare/rtl/stringlist.h"
+#include "kvshare/ui/formwindow.h"
 #include "kvshare/ui/messages.h"
 
 namespace kvshare {
@@ -57,18 +60,28 @@ class KVSHARE_API TControl : public TComponent {
   void SetHeight(int height);
 
   const TBounds& Bounds() const { return bounds_; }
-  // A back end moves its window here. Any integers.
-  virtual void SetBounds(const TBounds& bounds) { bounds_ = bounds; }
+  // Any integers; a window follows.
+  void SetBounds(const TBounds& bounds) { Set(bounds_, bounds); }
 
   bool Visible() const { return visible_; }
-  virtual void SetVisible(bool visible) { visible_ = visible; }
+  void SetVisible(bool visible) { Set(visible_, visible); }
   bool Enabled() const { return enabled_; }
-  virtual void SetEnabled(bool enabled) { enabled_ = enabled; }
+  void SetEnabled(bool enabled) { Set(enabled_, enabled); }
   const std::string& Caption() const { return caption_; }
-  virtual void SetCaption(std::string_view caption) { caption_ = std::string(caption); }
+  void SetCaption(std::string_view caption) { Set(caption_, std::string(caption)); }
 
  protected:
   TControl(TComponent* owner, std::string_view name, TForm* parent);
+
+  // Tells the window of the form, where there is one.
+  void Changed() const;
+
+  template <typename T>
+  void Set(T& member, T value) {
+    if (member == value) return;
+    member = std::move(value);
+    Changed();
+  }
 
  private:
   friend class TForm;
@@ -133,7 +146,7 @@ class KVSHARE_API TForm : public TWinControl {
   std::vector<TWinControl*> TabList() const;
 
   TWindowState WindowState() const { return state_; }
-  virtual void SetWindowState(TWindowState state) { state_ = state; }
+  void SetWindowState(TWindowState state) { Set(state_, state); }
 
   // The inner size stays and the bounds follow.
   void SetFrame(TSize frame) override;
@@ -143,6 +156,7 @@ class KVSHARE_API TForm : public TWinControl {
 
   TNotifyEvent OnCreate;
   TNotifyEvent OnShow;
+  TNotifyEvent OnHide;  // when Hide, Close or the user ends what Show began
 
   // Runs OnCreate, once: for whoever has made the form. ShowModal does it where nobody has.
   void Create();
@@ -154,6 +168,18 @@ class KVSHARE_API TForm : public TWinControl {
   // a form whose OnShow sets it is not shown. The keyboard is where ActiveControl says, else with
   // the first control that can have it. Not for a form that is shown already.
   int ShowModal();
+
+  // Shows the form and returns, and the program goes on: TApplication::ProcessMessages and Run let
+  // the user work with it. Without windows that is a form nobody sees. Nothing happens to one that
+  // is shown already.
+  void Show();
+  void Hide();
+  bool Showing() const { return showing_; }
+
+  // The back end's window while there is one; it has the form's bounds as long as it lives. A form
+  // that nobody shows may get one by the back end's PrepareForm.
+  TFormWindow* Window() const { return window_.get(); }
+  void SetWindow(std::unique_ptr<TFormWindow> window);
 
   // The control that has the keyboard, nullptr for none. One that cannot have it, or that another
   // form shows, is not taken.
@@ -171,7 +197,8 @@ class KVSHARE_API TForm : public TWinControl {
   bool PressEnter();
   bool PressEsc();
   bool MoveTab(bool back = false);
-  void Close();  // the close box: mrCancel
+  // The close box: mrCancel, and a form that Show has shown is hidden.
+  void Close();
 
   // Answers for a user who is not there: Esc, and the close box if the form stays. ModalResult is
   // set afterwards.
@@ -182,11 +209,14 @@ class KVSHARE_API TForm : public TWinControl {
   void Remove(const TControl& control);
   TButton* FirstButton(bool TButton::*role) const;
   void CenterOn(TSize screen);
+  void Prepare();
 
   std::vector<TControl*> controls_;
   TWinControl* active_ = nullptr;
   TWindowState state_ = TWindowState::wsNormal;
   bool created_ = false;
+  bool showing_ = false;
+  std::unique_ptr<TFormWindow> window_;
 };
 
 }  // namespace kvshare

@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
+#include "kvshare/ui/application.h"
 #include "kvshare/ui/backend.h"
 #include "kvshare/ui/controls.h"
 #include "kvshare/ui/stdcontrols.h"
@@ -10,12 +12,15 @@ namespace kvshare {
 TForm::TForm(TComponent* owner, std::string_view name) : TWinControl(owner, name, nullptr) {}
 
 TForm::~TForm() {
+  window_.reset();
+  if (Application.MainForm == this) Application.MainForm = nullptr;
   for (TControl* control : controls_) control->parent_ = nullptr;
 }
 
 void TForm::Remove(const TControl& control) {
   std::erase(controls_, &control);
   if (active_ == &control) active_ = nullptr;
+  if (window_) window_->ControlsChanged();
 }
 
 std::vector<TWinControl*> TForm::TabList() const {
@@ -48,7 +53,7 @@ void TForm::Create() {
   if (OnCreate) OnCreate();
 }
 
-int TForm::ShowModal() {
+void TForm::Prepare() {
   TUserInterface& backEnd = UserInterface();
   Create();
   backEnd.PrepareForm(*this);
@@ -56,7 +61,29 @@ int TForm::ShowModal() {
   ModalResult = mrNone;
   if (active_ == nullptr || !active_->CanFocus()) MoveTab();
   if (OnShow) OnShow();
-  return ModalResult != mrNone ? ModalResult : backEnd.ShowModalForm(*this);
+}
+
+int TForm::ShowModal() {
+  Prepare();
+  return ModalResult != mrNone ? ModalResult : UserInterface().ShowModalForm(*this);
+}
+
+void TForm::Show() {
+  if (showing_) return;
+  Prepare();
+  showing_ = true;
+  if (window_) window_->Show();
+}
+
+void TForm::Hide() {
+  if (!showing_) return;
+  showing_ = false;
+  if (window_) window_->Hide();
+  if (OnHide) OnHide();
+}
+
+void TForm::SetWindow(std::unique_ptr<TFormWindow> window) {
+  window_ = std::move(window);
 }
 
 void TForm::SetActiveControl(TWinControl* control) {
@@ -113,6 +140,7 @@ bool TForm::MoveTab(bool back) {
 
 void TForm::Close() {
   ModalResult = mrCancel;
+  Hide();
 }
 
 void TForm::Dismiss() {

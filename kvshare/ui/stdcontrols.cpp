@@ -40,8 +40,29 @@ void TMemoLines::Add(std::string_view line) {
 }
 
 bool TMemo::TypeText(std::string_view text) {
+  return EditText(Text() + std::string(text));
+}
+
+bool TMemo::EditText(std::string_view text) {
   if (ReadOnly || !TakeFocus(*this)) return false;
-  SetText(Text() + std::string(text));
+  SetText(text);
+  if (OnChange) OnChange();
+  return true;
+}
+
+void TEdit::SetText(std::string_view text) {
+  if (text == text_) return;
+  text_ = std::string(text);
+  Changed();
+  if (OnChange) OnChange();
+}
+
+bool TEdit::TypeText(std::string_view text) {
+  if (ReadOnly || !TakeFocus(*this)) return false;
+  std::string typed(text);
+  std::erase_if(typed, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; });
+  if (MaxLength > 0) typed.resize(std::min(typed.size(), static_cast<std::size_t>(MaxLength)));
+  SetText(typed);
   return true;
 }
 
@@ -65,6 +86,7 @@ void TRadioGroup::SetItemIndex(int index) {
   index = std::clamp(index, -1, items_.Count() - 1);
   if (index == itemIndex_) return;
   itemIndex_ = index;
+  Changed();
   if (index >= 0 && OnClick) OnClick();
 }
 
@@ -77,6 +99,7 @@ bool TRadioGroup::Choose(int index) {
 void TCheckBox::SetChecked(bool checked) {
   if (checked == checked_) return;
   checked_ = checked;
+  Changed();
   if (OnClick) OnClick();
 }
 

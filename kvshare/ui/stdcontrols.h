@@ -51,9 +51,33 @@ class KVSHARE_API TMemo : public TWinControl {
   void SetText(std::string_view text) { Lines.SetText(text); }
 
   bool ReadOnly = false;  // for the user; code may write
+  TNotifyEvent OnChange;  // after the user has typed
 
   // The user types at the end.
   bool TypeText(std::string_view text);
+  // The user changes the text to this one.
+  bool EditText(std::string_view text);
+};
+
+// One line to type into.
+class KVSHARE_API TEdit : public TWinControl {
+ public:
+  using TWinControl::TWinControl;
+
+  const std::string& Text() const { return text_; }
+  void SetText(std::string_view text);  // OnChange when it changes
+
+  bool ReadOnly = false;      // for the user; code may write
+  bool RightAligned = false;  // as amounts are
+  int MaxLength = 0;          // bytes that the user may type, 0 for any number
+  TNotifyEvent OnChange;
+
+  // The user types this text in place of the one that stands there, as much of it as MaxLength
+  // allows; line ends and other control characters are left out.
+  bool TypeText(std::string_view text);
+
+ private:
+  std::string text_;
 };
 
 class KVSHARE_API TRadioGroup : public TWinControl {

@@ -100,4 +100,11 @@ bool TStringGrid::TypeText(std::string_view text) {
   return true;
 }
 
+bool TStringGrid::DoubleClick() {
+  if (!CanFocus()) return false;
+  if (Parent() != nullptr) Parent()->SetActiveControl(this);
+  if (OnDblClick) OnDblClick();
+  return true;
+}
+
 }  // namespace kvshare

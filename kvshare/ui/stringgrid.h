@@ -75,10 +75,15 @@ class KVSHARE_API TStringGrid : public TWinControl {
   // Runs after an edit of the user has changed the cell.
   std::function<void(int col, int row, const std::string& text)> OnSetEditText;
 
+  // Runs when the user chooses the selected cell: by a double click, or by the space bar where he
+  // cannot type into it.
+  TNotifyEvent OnDblClick;
+
   // The user goes to a cell; false for a fixed one, one that is not there, or one refused.
   bool SelectCell(int col, int row);
   // The user types, and the selected cell holds `text` instead of its own; false without goEditing.
   bool TypeText(std::string_view text);
+  bool DoubleClick();  // the user's, on the selected cell
 
  private:
   struct Axis {

@@ -19,7 +19,7 @@ _kvshare_languages() {
 }
 
 _kvshare_commands() {
-  printf '%s\n' words round share qty format mask date encode decode key message receipts settings \
+  printf '%s\n' words round share qty format mask date encode decode key message receipts printers settings \
     version files doctor connect sql edit dataset company post dialect rights \
     replication log
 }
@@ -34,6 +34,7 @@ _kvshare_subcommands() {
     connect) printf '%s\n' list test show tables ;;
     company) printf '%s\n' list add edit remove open create ;;
     dataset) printf '%s\n' show convert compare ;;
+    printers) printf '%s\n' list print picture ;;
     rights) printf '%s\n' show check ;;
     replication) printf '%s\n' show take update ;;
   esac
@@ -42,6 +43,10 @@ _kvshare_subcommands() {
 # The names of the connection file.
 _kvshare_connections() {
   kvshare connect list 2>/dev/null | cut -f1
+}
+
+_kvshare_printers() { # _kvshare_printers OPTIONS
+  kvshare printers list "$@" 2>/dev/null | cut -f1
 }
 
 _kvshare_companies() {
@@ -84,11 +89,16 @@ _kvshare_options() { # _kvshare_options COMMAND
     "log show") printf '%s\n' --file --day --user --computer ;;
     "log follow") printf '%s\n' --file --lines --once ;;
     "log verify") echo --file ;;
+    "printers list") echo --folders ;;
+    "printers print") printf '%s\n' --printer --folders ;;
+    "printers picture") printf '%s\n' --title --pdf --printer ;;
     receipts)
-      printf '%s\n' --round --vat-round --vat --discount --cash-step --era --price-includes-vat --width ;;
+      printf '%s\n' --round --vat-round --vat --discount --cash-step --era --price-includes-vat --width \
+        --pdf ;;
   esac
   case $1 in
     edit | date | settings | files | log | connect | company | dataset | rights | replication) ;;
+    printers | "printers print" | "printers picture") ;;
     "company add" | "company edit" | "company remove" | "company create") ;;
     "dataset convert" | "settings set" | "settings delete" | "settings export" | "settings import") ;;
     *) echo --json ;;
@@ -124,11 +134,12 @@ _kvshare_value() {
     "date show --layout") _kvshare_offer "$3" < <(_kvshare_layouts) ;;
     "date show --language") _kvshare_offer "$3" < <(printf '%s\n' th en) ;;
     "date show --era" | "date parse --era" | "receipts --era" | "post --era" | "edit --era") _kvshare_offer "$3" < <(printf '%s\n' 543 0) ;;
+    "printers "*" --printer") _kvshare_offer "$3" < <(_kvshare_printers) ;;
     *" --connect" | "company "*" --connection") _kvshare_offer "$3" < <(_kvshare_connections) ;;
-    "sql --batch" | "encode --key-file" | "decode --key-file" | "settings export --output" | "dialect --file" | "log "*" --file" | \
+    "receipts --pdf" | "printers picture --pdf" | "sql --batch" | "encode --key-file" | "decode --key-file" | "settings export --output" | "dialect --file" | "log "*" --file" | \
       "company "*" --list" | "company "*" --log")
       _kvshare_offer_files "$3" ;;
-    "dialect --field" | "dialect --value" | "dialect --date") ;;
+    "printers picture --title" | "dialect --field" | "dialect --value" | "dialect --date") ;;
     "log show --day" | "log show --user" | "log show --computer" | "log follow --lines") ;;
     "encode --key" | "decode --key" | "words --currency" | "qty --sku" | "receipts --width" | "post --width") ;;
     "company "*" --pos-data" | "company "*" --pos-packing" | "company "*" --packing") ;;
@@ -149,9 +160,10 @@ _kvshare_first_operand() {
 
 _kvshare_operand() { # _kvshare_operand COMMAND WORD
   case $1 in
-    date | settings | files | log | connect | company | rights | replication)
+    date | settings | files | log | connect | company | printers | rights | replication)
       _kvshare_offer "$2" < <(_kvshare_subcommands "$1") ;;
-    receipts | post | version | "settings import" | "files "*) _kvshare_offer_files "$2" ;;
+    receipts | post | version | "settings import" | "files "* | "printers print" | "printers picture")
+      _kvshare_offer_files "$2" ;;
     date | settings | files | log | connect | dataset | rights | replication) _kvshare_offer "$2" < <(_kvshare_subcommands "$1") ;;
     receipts | post | version | "settings import" | "files "* | "dataset "*) _kvshare_offer_files "$2" ;;
     "connect test" | "connect show" | "connect tables")

@@ -1,0 +1,75 @@
+#include "desktop/cupsconnection.h"
+
+#include <sys/socket.h>
+
+#include <utility>
+
+#include "kvshare/rtl/cp874.h"
+#include "kvshare/rtl/exceptions.h"
+
+namespace kvshare::desktop {
+
+namespace {
+
+http_t* Connect() {
+  // Without this the user would be asked at a terminal that nobody may be watching.
+  cupsSetPasswordCB2(
+      [](const char*, http_t*, const char*, const char*, void*) -> const char* { return nullptr; },
+      nullptr);
+  constexpr int kBlocking = 1;
+  http_t* http = httpConnect2(cupsServer(), ippPort(), nullptr, AF_UNSPEC, cupsEncryption(),
+                              kBlocking, kCupsSeconds * 1000, nullptr);
+  if (http != nullptr) httpSetTimeout(http, kCupsSeconds, nullptr, nullptr);
+  return http;
+}
+
+}  // namespace
+
+CupsConnection::CupsConnection() : http_(Connect(), httpClose) {}
+
+std::string CupsReason() {
+  const char* reason = cupsLastErrorString();
+  if (reason == nullptr) return "the print spooler does not answer";
+  try {
+    return Utf8ToCp874(reason);
+  } catch (const EConvertError&) {
+    return ippErrorString(cupsLastError());
+  }
+}
+
+CupsJob::CupsJob(std::string printer, const std::string& title, const char* format)
+    : printer_(std::move(printer)) {
+  if (!connection_.IsOpen()) return;
+  id_ = cupsCreateJob(connection_.Http(), printer_.c_str(), title.c_str(), 0, nullptr);
+  if (id_ == 0) return;
+  constexpr int kLastDocument = 1;
+  open_ = cupsStartDocument(connection_.Http(), printer_.c_str(), id_, title.c_str(), format,
+                            kLastDocument) == HTTP_STATUS_CONTINUE;
+}
+
+CupsJob::~CupsJob() {
+  if (id_ != 0 && !finished_) Cancel();
+}
+
+bool CupsJob::Write(std::string_view bytes) {
+  open_ = open_ && cupsWriteRequestData(connection_.Http(), bytes.data(), bytes.size()) ==
+                       HTTP_STATUS_CONTINUE;
+  return open_;
+}
+
+bool CupsJob::Finish() {
+  if (!open_) return false;
+  open_ = false;
+  finished_ =
+      cupsFinishDocument(connection_.Http(), printer_.c_str()) < IPP_STATUS_REDIRECTION_OTHER_SITE;
+  return finished_;
+}
+
+// By a connection of its own: the job's one is in the middle of the document.
+void CupsJob::Cancel() const {
+  const CupsConnection another;
+  constexpr int kKeepHistory = 0;
+  if (another.IsOpen()) cupsCancelJob2(another.Http(), printer_.c_str(), id_, kKeepHistory);
+}
+
+}  // namespace kvshare::desktop

@@ -1,0 +1,239 @@
+#include "desktop/paper.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <memory>
+
+#include "kvshare/platform/printbmp.h"
+#include "kvshare/rtl/cp874.h"
+#include "kvshare/rtl/exceptions.h"
+#include "tests/support.h"
+
+namespace kvshare::desktop {
+namespace {
+
+using testing::HasSubstr;
+
+std::string OutputOf(const std::string& command) {
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(popen(command.c_str(), "r"), pclose);
+  std::string output;
+  char block[4096];
+  while (const std::size_t n = std::fread(block, 1, sizeof block, pipe.get()))
+    output.append(block, n);
+  return output;
+}
+
+// Readers of PDF tell marks that are drawn at another height by private letters, and put blanks
+// between marks. What is left is what was printed.
+std::string PlainThai(std::string_view text) {
+  constexpr std::pair<std::string_view, std::string_view> kShifted[] = {
+      {"\uF701", "ิ"}, {"\uF702", "ี"}, {"\uF703", "ึ"}, {"\uF704", "ื"}, {"\uF705", "่"},
+      {"\uF706", "้"}, {"\uF707", "๊"}, {"\uF708", "๋"}, {"\uF709", "์"}, {"\uF70A", "่"},
+      {"\uF70B", "้"}, {"\uF70C", "๊"}, {"\uF70D", "๋"}, {"\uF70E", "์"}, {"\uF710", "ั"},
+      {"\uF711", "ํ"}, {"\uF712", "็"}, {"\uF713", "่"}, {"\uF714", "้"}, {"\uF718", "ุ"},
+      {"\uF719", "ู"}, {" ่", "่"},      {" ้", "้"},      {"ํา", "ำ"}};
+  std::string plain(text);
+  for (const auto& [from, to] : kShifted) {
+    for (std::size_t at = 0; (at = plain.find(from, at)) != std::string::npos; at += to.size()) {
+      plain.replace(at, from.size(), to);
+    }
+  }
+  return plain;
+}
+
+// Grey levels of a page, 60 dots an inch.
+struct Raster {
+  int width = 0, height = 0;
+  std::string levels;
+  int At(int x, int y) const {
+    return static_cast<unsigned char>(levels[static_cast<std::size_t>(y * width + x)]);
+  }
+  // The darkest in the area, whose corners are in hundredths of an inch.
+  int Darkest(int left, int top, int right, int bottom) const {
+    int darkest = 255;
+    for (int y = top * 60 / 100; y < bottom * 60 / 100; ++y) {
+      for (int x = left * 60 / 100; x < right * 60 / 100; ++x)
+        darkest = std::min(darkest, At(x, y));
+    }
+    return darkest;
+  }
+};
+
+constexpr std::string_view kTitle = "เอกสาร"_th;
+
+class Paper : public testing::Test {
+ protected:
+  std::unique_ptr<TPrinter> NewPrinter() const { return MakePdfPrinter(file_); }
+
+  // A job of one page that `draw` draws.
+  template <typename Draw>
+  void Print(Draw draw) const {
+    const auto printer = NewPrinter();
+    printer->Title = kTitle;
+    printer->BeginDoc();
+    draw(printer->Canvas());
+    printer->EndDoc();
+  }
+
+  std::string Texts() const { return PlainThai(OutputOf("pdftotext -layout " + file_ + " -")); }
+  std::string Fonts() const { return OutputOf("pdffonts " + file_); }
+  Raster Page() const {
+    const std::string pgm = OutputOf("pdftoppm -gray -r 60 " + file_);
+    Raster raster;
+    int most = 0, read = 0;
+    std::sscanf(pgm.c_str(), "P5 %d %d %d%n", &raster.width, &raster.height, &most, &read);
+    raster.levels = pgm.substr(static_cast<std::size_t>(read) + 1);
+    return raster;
+  }
+
+  TemporaryFolder folder_;
+  std::string file_ = folder_.File("page.pdf");
+};
+
+TEST_F(Paper, ASheetAndItsUnits) {
+  const auto printer = NewPrinter();
+  EXPECT_EQ(printer->PixelsPerInch(), (TSize{600, 600}));
+  EXPECT_EQ(printer->PageSize(), (TSize{4661, 6416})) << "A4 less a quarter and half an inch";
+  Print([](TCanvas& canvas) { canvas.FillRect({}); });
+  EXPECT_THAT(OutputOf("pdfinfo " + file_), HasSubstr("(A4)"));
+  EXPECT_THAT(OutputOf("pdfinfo " + file_), HasSubstr("เอกสาร"));
+}
+
+TEST_F(Paper, CellsAreAsHighAsTheyAreAsked) {
+  const auto printer = NewPrinter();
+  TCanvas& canvas = printer->Canvas();
+  for (const int height : {1, 7, 67, 100, 1000}) {
+    canvas.Font = {"Arial", height};
+    EXPECT_EQ(canvas.TextHeight("X"), height);
+    // Letters of a cell are as wide as letters of the height that makes the cell: between 8 and 10
+    // tenths of it.
+    if (height < 50) continue;
+    const int width = canvas.TextWidth("MMMMMMMMMM");
+    canvas.Font.Height = -height * 9 / 10;
+    EXPECT_NEAR(width, canvas.TextWidth("MMMMMMMMMM"), width / 8) << height;
+  }
+  canvas.Font = {"Arial", -600};
+  EXPECT_GT(canvas.TextHeight("X"), 600) << "letters, not their cell";
+  canvas.Font = {"Arial", 0};
+  EXPECT_NEAR(canvas.TextHeight("X"), 95, 10) << "the usual ten points";
+}
+
+TEST_F(Paper, WidthsAreSumsOfAdvances) {
+  const auto printer = NewPrinter();
+  TCanvas& canvas = printer->Canvas();
+  canvas.Font = {"Arial", 200};
+  EXPECT_EQ(canvas.TextWidth(""), 0);
+  EXPECT_NEAR(canvas.TextWidth("0000000000"), 10 * canvas.TextWidth("0"), 10);
+  EXPECT_EQ(canvas.TextWidth("ที่นี่"_th), canvas.TextWidth("ทน"_th)) << "marks take no room";
+  const int plain = canvas.TextWidth("Total");
+  canvas.Font.Bold = true;
+  EXPECT_GT(canvas.TextWidth("Total"), plain);
+}
+
+TEST_F(Paper, ThaiIsTextWithItsFontInside) {
+  const std::string words = Cp874ToUtf8("(หนึ่งพันสองร้อยบาทถ้วน)"_th);
+  Print([](TCanvas& canvas) {
+    canvas.Font = {"Arial", 150};
+    canvas.TextOut(600, 600, "(หนึ่งพันสองร้อยบาทถ้วน)"_th);
+    canvas.TextOut(600, 900, "Total 1,200.00");
+  });
+  EXPECT_THAT(Texts(), HasSubstr(words));
+  EXPECT_THAT(Texts(), HasSubstr("Total 1,200.00"));
+  const std::string fonts = Fonts();
+  std::size_t lines = 0;
+  for (std::size_t at = fonts.find("Identity-H"); at != std::string::npos;
+       at = fonts.find("Identity-H", at + 1)) {
+    EXPECT_EQ(fonts.substr(at + 17, 3), "yes") << "embedded: " << fonts;
+    ++lines;
+  }
+  EXPECT_EQ(lines, 2U) << "one for each script: " << fonts;
+}
+
+TEST_F(Paper, TextsStandWhereTheyAreDrawn) {
+  Print([](TCanvas& canvas) {
+    canvas.Font = {"Arial", 300};
+    canvas.TextOut(1200, 1800, "HHHH");
+  });
+  const Raster page = Page();
+  // The cell's top left lies at 2.25, 3.5 inches of the sheet, the margins included.
+  EXPECT_LT(page.Darkest(225, 355, 310, 400), 60);
+  EXPECT_EQ(page.Darkest(0, 0, 827, 345), 255) << "nothing above";
+  EXPECT_EQ(page.Darkest(0, 345, 220, 410), 255) << "nothing before";
+  EXPECT_EQ(page.Darkest(0, 402, 827, 1169), 255) << "nothing below";
+}
+
+TEST_F(Paper, TheBrushLiesUnderATextOnWhatWasThere) {
+  Print([](TCanvas& canvas) {
+    canvas.Brush = {0, 0, 0};
+    canvas.FillRect({0, 0, 1200, 600});
+    canvas.Brush = clWhite;
+    canvas.Font = {"Arial", 300};
+    canvas.TextOut(300, 150, "      ");
+  });
+  const Raster page = Page();
+  EXPECT_EQ(page.At(60 * 30 / 100, 60 * 60 / 100), 0);
+  EXPECT_EQ(page.At(60 * 85 / 100, 60 * 100 / 100), 255) << "the cell";
+}
+
+TEST_F(Paper, PicturesKeepTheirColoursAndOrder) {
+  // Four squares: black, white, white, black.
+  TPicture picture{2, 2, {{}, clWhite, clWhite, {}}};
+  Print([&picture](TCanvas& canvas) {
+    canvas.StretchDraw({0, 0, 1200, 1200}, picture);
+    canvas.StretchDraw({0, 3000, 0, 4000}, picture);
+    canvas.StretchDraw({0, 6000, 1200, 600'000}, picture);  // past the page's foot
+    canvas.StretchDraw({0, 2000, 600, 2600}, {});
+  });
+  const Raster page = Page();
+  const int left = 40, right = 150, top = 70, bottom = 170;  // inside each square
+  EXPECT_LT(page.Darkest(left, top, left + 20, top + 20), 30);
+  EXPECT_GT(page.Darkest(right, top, right + 20, top + 20), 225);
+  EXPECT_GT(page.Darkest(left, bottom, left + 20, bottom + 20), 225);
+  EXPECT_LT(page.Darkest(right, bottom, right + 20, bottom + 20), 30);
+}
+
+TEST_F(Paper, ABitmapFileAsAPage) {
+  class OnPdf : public PaperInterface {
+   public:
+    explicit OnPdf(const std::string& file) : printer(MakePdfPrinter(file)) {}
+    TPrinter& Printer() override { return *printer; }
+    std::unique_ptr<TPrinter> printer;
+  };
+  OnPdf ui(file_);
+  const TUseInterface use(ui);
+  const std::string bitmap = folder_.File("s.bmp");
+  std::ofstream(bitmap, std::ios::binary) << BitmapFileBytes({2, 1, {{}, {}}});
+  TPrintBitmap::PrintBmpFile(bitmap, "ยอดขาย"_th);
+  EXPECT_THAT(Texts(), HasSubstr("ยอดขาย"));
+  const Raster page = Page();
+  EXPECT_LT(page.Darkest(350, 100, 480, 120), 100) << "the title in the middle";
+  const int left = 25 + 93, width = 590;  // 12 and 76 per cent of the printable width
+  EXPECT_LT(page.Darkest(left + 5, 150, left + width - 5, 160), 10) << "the picture";
+  EXPECT_EQ(page.Darkest(left - 60, 150, left - 5, 400), 255);
+  EXPECT_EQ(page.Darkest(left + width + 5, 150, 827, 400), 255);
+  EXPECT_LT(page.Darkest(left, 1105, left + 150, 1119), 130) << "the footer at the page's foot";
+}
+
+TEST_F(Paper, FilesAppearWholeOrNotAtAll) {
+  const auto printer = NewPrinter();
+  printer->BeginDoc();
+  printer->NewPage();
+  EXPECT_EQ(printer->PageNumber(), 2);
+  EXPECT_FALSE(std::filesystem::exists(file_)) << "not before its end";
+  printer->Abort();
+  EXPECT_FALSE(std::filesystem::exists(file_));
+  printer->BeginDoc();
+  printer->NewPage();
+  printer->EndDoc();
+  EXPECT_THAT(OutputOf("pdfinfo " + file_), HasSubstr("Pages:           2"));
+
+  const auto nowhere = MakePdfPrinter(folder_.File("none/page.pdf"));
+  nowhere->BeginDoc();
+  EXPECT_THROW(nowhere->EndDoc(), EInOutError);
+  EXPECT_FALSE(nowhere->Printing());
+}
+
+}  // namespace
+}  // namespace kvshare::desktop
