@@ -60,6 +60,7 @@ void Declare(CLI::App& app, Plan& plan) {
   DeclareRights(app, plan);
   DeclareReplication(app, plan);
   DeclarePrinters(app, plan);
+  DeclareDialog(app, plan);
   DeclareDoctor(app, plan);
   DeclareSettings(app, plan);
   DeclareVersion(app, plan);

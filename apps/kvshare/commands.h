@@ -39,6 +39,7 @@ void DeclareMessage(CLI::App& parent, Plan& plan);
 void DeclareDoctor(CLI::App& parent, Plan& plan);
 void DeclareSettings(CLI::App& parent, Plan& plan);
 void DeclareDialect(CLI::App& parent, Plan& plan);
+void DeclareDialog(CLI::App& parent, Plan& plan);
 void DeclareLog(CLI::App& parent, Plan& plan);
 void DeclareDataset(CLI::App& parent, Plan& plan);
 void DeclareCompany(CLI::App& parent, Plan& plan);

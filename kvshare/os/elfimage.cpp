@@ -89,15 +89,36 @@ class Notes {
   int left_ = 4096;  // notes of a file that are looked at; programs have a handful
 };
 
+// The program headers, one behind the other; none where the file does not hold them.
+std::optional<std::string> ProgramHeaders(const ImageReader& image, const Layout& layout) {
+  const auto header = image.Bytes(0, layout.headerSize);
+  if (!header || Load<uint16_t>(*header, layout.rowSize) != layout.row) return std::nullopt;
+  const std::size_t count = Load<uint16_t>(*header, layout.rowCount);
+  return image.Bytes(layout.Address(*header, layout.tableOffset), layout.row * count);
+}
+
 }  // namespace
+
+bool IsCutShort(const ImageReader& image) {
+  const Layout* layout = LayoutOf(image);
+  if (layout == nullptr) return false;
+  const auto rows = ProgramHeaders(image, *layout);
+  if (!rows) return true;
+
+  constexpr uint32_t kLoadedSegment = 1;
+  const uint64_t end = image.Size();
+  for (std::size_t at = 0; at < rows->size(); at += layout->row) {
+    if (Load<uint32_t>(*rows, at) != kLoadedSegment) continue;
+    const uint64_t offset = layout->Address(*rows, at + layout->offset);
+    if (offset > end || layout->Address(*rows, at + layout->size) > end - offset) return true;
+  }
+  return false;
+}
 
 std::string VersionBlockOfElf(const ImageReader& image) {
   const Layout* layout = LayoutOf(image);
   if (layout == nullptr) return {};
-  const auto header = image.Bytes(0, layout->headerSize);
-  if (!header || Load<uint16_t>(*header, layout->rowSize) != layout->row) return {};
-  const std::size_t count = Load<uint16_t>(*header, layout->rowCount);
-  const auto rows = image.Bytes(layout->Address(*header, layout->tableOffset), layout->row * count);
+  const auto rows = ProgramHeaders(image, *layout);
   if (!rows) return {};
 
   constexpr uint32_t kNoteSegment = 4;

@@ -51,6 +51,10 @@ KVSHARE_API std::string VersionBlockOfImage(const ImageReader& image);
 // A resource's own length has 16 bits; linkers pad it.
 inline constexpr std::size_t kLargestVersionBlock = std::size_t{1} << 20;
 
+// Whether a program or library of this system has lost its end, so that a loader that trusts its
+// headers would look at bytes that are not there. False for files of another kind.
+KVSHARE_API bool IsCutShort(const ImageReader& image);
+
 // Of one kind of image.
 std::string VersionBlockOfPe(const ImageReader& image);
 std::string VersionBlockOfElf(const ImageReader& image);

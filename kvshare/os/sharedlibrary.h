@@ -1,6 +1,7 @@
 // Libraries that are loaded by name while the program runs.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,7 +30,12 @@ class KVSHARE_API SharedLibrary {
   int ErrorCode() const { return error_; }
   const std::string& ErrorText() const { return errorText_; }  // the system's own, UTF-8
 
-  // nullptr when the library has no such entry.
+  // The system's own number of the library: the same as long as it is loaded, whoever loads it
+  // besides; 0 when it is not.
+  std::uintptr_t Handle() const { return reinterpret_cast<std::uintptr_t>(handle_); }
+
+  // nullptr when the library has no such entry itself: those of the libraries that it needs do not
+  // count.
   void* Entry(std::string_view name) const;
 
   // Every file that a name is looked for as, in order, letter case ignored; of a bare name in the

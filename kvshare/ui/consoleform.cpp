@@ -24,6 +24,7 @@ constexpr std::string_view kHelp =
     "NUMBER=TEXT   types TEXT into that row of the table\n"
     "cNUMBER       checks a box, or takes the mark away\n"
     "bNUMBER       presses a button\n"
+    "eNUMBER=TEXT  types TEXT instead of the line that is there\n"
     "mNUMBER=TEXT  types a line into a memo\n"
     "Enter alone   presses the button that is marked so\n"
     "q             presses the button that is marked so, or closes the form\n"
@@ -129,6 +130,9 @@ std::string_view ObeyTyping(TForm& form, char letter, std::size_t number, std::s
     case '\0':
       return With(ShownRows(form), number,
                   [text](const auto& row) { return TypeIntoRow(*row.control, row.index, text); });
+    case 'e':
+      return With(ShownOfKind<TEdit>(form), number,
+                  [text](TEdit* edit) { return edit->TypeText(text); });
     case 'm':
       return With(ShownOfKind<TMemo>(form), number,
                   [text](TMemo* memo) { return TypeLine(*memo, text); });

@@ -158,6 +158,14 @@ std::string KeysOf(const TButton& button, const TForm& form, std::size_t number)
   return std::string(enter ? "Enter" : "") + (enter && esc ? ", " : "") + (esc ? "q" : "");
 }
 
+void AppendEdits(std::string& out, const TForm& form) {
+  std::size_t number = 0;
+  for (const TEdit* edit : ShownOfKind<TEdit>(form)) {
+    const std::string key = KeyOf(*edit, "e", ++number);
+    AppendLine(out, edit->ReadOnly ? "-" : key, "=", OneLine(edit->Text()));
+  }
+}
+
 void AppendButtons(std::string& out, const TForm& form) {
   out += '\n';
   std::size_t number = 0;
@@ -174,6 +182,7 @@ std::string ShownForm(const TForm& form) {
   std::string out = "\n== " + ShownCaption(form) + " ==\n";
   AppendLabels(out, form);
   AppendMemos(out, form);
+  AppendEdits(out, form);
   AppendGrids(out, form);
   AppendChoices(out, form);
   AppendChecks(out, form);

@@ -19,8 +19,8 @@ _kvshare_languages() {
 }
 
 _kvshare_commands() {
-  printf '%s\n' words round share qty format mask date encode decode key message receipts printers settings \
-    version files doctor connect sql edit dataset company post dialect rights \
+  printf '%s\n' words round share qty format mask date encode decode key message receipts printers \
+    settings version files doctor connect sql edit dataset company post dialect dialog rights \
     replication log
 }
 
@@ -72,6 +72,7 @@ _kvshare_options() { # _kvshare_options COMMAND
     "files delete") printf '%s\n' --mask --recursive --yes ;;
     message) printf '%s\n' --language --list ;;
     dialect) printf '%s\n' --file --field --value --matchcase --date ;;
+    dialog) printf '%s\n' --windows --era ;;
     sql) printf '%s\n' --connect --batch --csv ;;
     edit) printf '%s\n' --key --set --new --delete --yes --era ;;
     "company create") echo --connect ;;
@@ -99,6 +100,7 @@ _kvshare_options() { # _kvshare_options COMMAND
   case $1 in
     edit | date | settings | files | log | connect | company | dataset | rights | replication) ;;
     printers | "printers print" | "printers picture") ;;
+    edit | dialog | date | settings | files | log | connect | company | dataset | rights | replication) ;;
     "company add" | "company edit" | "company remove" | "company create") ;;
     "dataset convert" | "settings set" | "settings delete" | "settings export" | "settings import") ;;
     *) echo --json ;;
@@ -135,6 +137,7 @@ _kvshare_value() {
     "date show --language") _kvshare_offer "$3" < <(printf '%s\n' th en) ;;
     "date show --era" | "date parse --era" | "receipts --era" | "post --era" | "edit --era") _kvshare_offer "$3" < <(printf '%s\n' 543 0) ;;
     "printers "*" --printer") _kvshare_offer "$3" < <(_kvshare_printers) ;;
+    "date show --era" | "date parse --era" | "receipts --era" | "post --era" | "edit --era" | "dialog --era") _kvshare_offer "$3" < <(printf '%s\n' 543 0) ;;
     *" --connect" | "company "*" --connection") _kvshare_offer "$3" < <(_kvshare_connections) ;;
     "receipts --pdf" | "printers picture --pdf" | "sql --batch" | "encode --key-file" | "decode --key-file" | "settings export --output" | "dialect --file" | "log "*" --file" | \
       "company "*" --list" | "company "*" --log")
@@ -171,6 +174,9 @@ _kvshare_operand() { # _kvshare_operand COMMAND WORD
     "company edit" | "company remove" | "company open") _kvshare_offer "$2" < <(_kvshare_companies) ;;
     edit) _kvshare_first_operand && _kvshare_offer "$2" < <(_kvshare_companies; _kvshare_connections) ;;
     dialect) _kvshare_offer "$2" < <(kvshare dialect 2>/dev/null) ;;
+    dialog)
+      _kvshare_first_operand &&
+        _kvshare_offer "$2" < <(printf '%s\n' calculator calendar date range year sql about sysinfo) ;;
     message) _kvshare_offer "$2" < <(_kvshare_messages) ;;
     round) _kvshare_first_operand && _kvshare_offer "$2" < <(_kvshare_modes) ;;
   esac

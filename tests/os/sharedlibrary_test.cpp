@@ -53,6 +53,8 @@ TEST_F(SharedLibraries, ABareNameIsLookedForAsTheSystemSpellsIt) {
     EXPECT_EQ(library.ErrorCode(), 0);
     EXPECT_EQ(AnswerOf(library), 42);
     EXPECT_EQ(library.Entry("answer"), nullptr) << "entries have letter case";
+    EXPECT_EQ(library.Entry("exit"), nullptr) << "another library's";
+    EXPECT_EQ(library.Handle(), SharedLibrary(c.name).Handle());
   }
 }
 
@@ -71,6 +73,9 @@ TEST_F(SharedLibraries, FailuresHaveTheirCodes) {
   foreign[18] = '\x02';  // the machine of an ELF file: another processor
   WriteFileBytes(folder_.File("first/libForeign.so"), foreign);
   WriteFileBytes(folder_.File("first/libText.so"), "MZ");
+  const std::string whole = ReadFileBytes(WHOLE_LIBRARY);
+  WriteFileBytes(folder_.File("first/libHead.so"), whole.substr(0, 100));
+  WriteFileBytes(folder_.File("first/libBegun.so"), whole.substr(0, 4096));
   struct Case {
     std::string name;
     int code;
@@ -88,6 +93,8 @@ TEST_F(SharedLibraries, FailuresHaveTheirCodes) {
       {std::string("c\0.so", 5), 1157, "", "a zero byte"},
       {"Foreign", 193, "libForeign.so", "another machine's"},
       {"Text", 193, "libText.so", "no library"},
+      {"Head", 193, "too short", "the copy broke off in its headers"},
+      {"Begun", 193, "too short", "the copy broke off behind them"},
       {"Lacking", 193, "NowhereToBeFound", "what it needs is missing; no later file hides that"},
   };
   for (const Case& c : cases) {

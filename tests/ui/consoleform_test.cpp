@@ -70,6 +70,24 @@ TEST(ConsoleForm, ShowsAllThatTheFormHas) {
   EXPECT_NE(ShownForm(form).find("   Enter, q: Cancel   ?"), std::string::npos);
 }
 
+TEST(ConsoleForm, LinesToTypeInto) {
+  TForm form(nullptr);
+  TEdit below(&form), above(&form), fixed(&form);
+  below.SetTop(20);
+  fixed.SetTop(30);
+  above.MaxLength = 3;
+  above.SetText("12.50");
+  below.SetText("a\tb");
+  fixed.SetText("x");
+  fixed.ReadOnly = true;
+  EXPECT_NE(ShownForm(form).find("  e1 = 12.50\n  e2 = a b\n   - = x\n"), std::string::npos);
+  const Talk talk = TalkWith(form, "e1=ก=ข-\ne2=\ne3=y\ne4=z\ne1\nq\n");
+  EXPECT_EQ(above.Text(), "ก=ข"_th) << "all behind the first =, as much as there is room for";
+  EXPECT_EQ(below.Text(), "");
+  EXPECT_EQ(fixed.Text(), "x");
+  EXPECT_NE(talk.said.find("  e1 = ก=ข\n  e2 = \n"), std::string::npos) << talk.said;
+}
+
 TEST(ConsoleForm, NoTextSteersTheTerminalOrBreaksTheTable) {
   TForm form(nullptr);
   TStringGrid grid(&form);

@@ -1,3 +1,5 @@
+#include "kvshare/os/posix/imagefile.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 
@@ -51,6 +53,14 @@ bool TellsMissing(int code) {
 }
 
 }  // namespace
+
+bool posix::FileIsCutShort(const std::string& path) {
+  try {
+    return IsCutShort(ImageFile(path));
+  } catch (const EInOutError&) {
+    return false;
+  }
+}
 
 std::string VersionBlockOfFile(std::string_view fileName) {
   try {

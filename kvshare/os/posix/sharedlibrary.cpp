@@ -1,6 +1,7 @@
 #include "kvshare/os/sharedlibrary.h"
 
 #include <dlfcn.h>
+#include <link.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -10,6 +11,7 @@
 
 #include "kvshare/os/loadedlibrary.h"
 #include "kvshare/os/paths.h"
+#include "kvshare/os/posix/imagefile.h"
 #include "kvshare/os/posix/programfolder.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/environment.h"
@@ -116,6 +118,15 @@ std::string LastErrorText() {
   return text != nullptr ? text : "";
 }
 
+// Whether the library is the one that the address belongs to.
+bool HasAddress(void* handle, const void* address) {
+  link_map* of = nullptr;
+  void* owner = nullptr;
+  Dl_info info{};
+  return ::dlinfo(handle, RTLD_DI_LINKMAP, &of) == 0 &&
+         ::dladdr1(address, &info, &owner, RTLD_DL_LINKMAP) != 0 && owner == of;
+}
+
 struct Loading {
   void* handle = nullptr;
   int error = kNotFound;
@@ -123,6 +134,8 @@ struct Loading {
 };
 
 Loading LoadFile(const std::string& file) {
+  // The system maps what the headers promise, and a copy that was broken off would end the process.
+  if (posix::FileIsCutShort(file)) return {nullptr, kNotLoadable, file + ": file too short"};
   void* handle = Load(file);
   return handle != nullptr ? Loading{handle, 0, ""}
                            : Loading{nullptr, kNotLoadable, LastErrorText()};
@@ -180,7 +193,10 @@ SharedLibrary& SharedLibrary::operator=(SharedLibrary&& other) noexcept {
 }
 
 void* SharedLibrary::Entry(std::string_view name) const {
-  return handle_ != nullptr ? ::dlsym(handle_, std::string(name).c_str()) : nullptr;
+  if (handle_ == nullptr) return nullptr;
+  // The system also looks into what the library needs.
+  void* const entry = ::dlsym(handle_, std::string(name).c_str());
+  return entry != nullptr && HasAddress(handle_, entry) ? entry : nullptr;
 }
 
 std::vector<std::string> SharedLibrary::Candidates(std::string_view name) {
