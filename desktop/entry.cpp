@@ -1,5 +1,6 @@
 #include "desktop/paper.h"
 #include "desktop/toolkit.h"
+#include "desktop/windows.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/ui/desktop.h"
 
@@ -8,8 +9,11 @@ namespace kvshare::desktop {
 namespace {
 
 TUserInterface& InterfaceFor(TDesktopUse use) {
-  if (use == TDesktopUse::Windows) throw EOSError("There are no windows yet");
   StartToolkit(use);
+  if (use == TDesktopUse::Windows) {
+    static WindowsInterface windows;
+    return windows;
+  }
   static PaperInterface paper;
   return paper;
 }

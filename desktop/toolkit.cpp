@@ -4,10 +4,12 @@
 
 #include <QApplication>
 #include <QFontDatabase>
+#include <QLibraryInfo>
 #include <QLoggingCategory>
 #include <QPluginLoader>
-#include <QtCore/QLibraryInfo>
+#include <algorithm>
 #include <memory>
+#include <string>
 
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/environment.h"
@@ -17,71 +19,67 @@ namespace kvshare::desktop {
 
 namespace {
 
-constexpr std::string_view kNoDisplay = "There is no display: ";
-constexpr std::string_view kWithoutDisplay = "offscreen";
+[[noreturn]] void ThrowNoDisplay(std::string_view why) {
+  throw EOSError(std::string("There is no display: ").append(why));
+}
 
-// What the toolkit would end the process for is found out before it is asked: a display that does
-// not answer, a part of its own that is not installed.
 void RequireDisplay() {
-  const int noScreen = 0;
-  int screen = noScreen;
-  xcb_connection_t* display = xcb_connect(nullptr, &screen);
+  xcb_connection_t* const display = xcb_connect(nullptr, nullptr);
   const bool answers = xcb_connection_has_error(display) == 0;
   xcb_disconnect(display);
-  if (!answers) {
-    const std::string_view name = Environment("DISPLAY");
-    throw EOSError(std::string(kNoDisplay) +
-                   (name.empty() ? "DISPLAY is not set" : "DISPLAY does not answer"));
+  if (answers) return;
+  const bool named = !Environment("DISPLAY").empty();
+  ThrowNoDisplay(named ? "the one that DISPLAY names does not answer" : "DISPLAY is not set");
+}
+
+void RequirePlugin(const char* platform) {
+  const QString folder = QLibraryInfo::path(QLibraryInfo::PluginsPath) + "/platforms/";
+  if (!QPluginLoader(folder + "libq" + platform + ".so").load()) {
+    ThrowNoDisplay(std::string("the toolkit's library for ") + platform + " cannot be loaded");
   }
 }
 
-void RequirePlugin(const QString& platform) {
-  const QString file =
-      QLibraryInfo::path(QLibraryInfo::PluginsPath) + "/platforms/libq" + platform + ".so";
-  QPluginLoader plugin(file);
-  if (!plugin.load()) {
-    throw EOSError(std::string(kNoDisplay) + "the toolkit's part for it cannot be loaded");
-  }
+// The toolkit's name for the kind of display. It would end the process where one does not answer or
+// a part of its own is missing, so that both are found out before.
+const char* UsablePlatform(TDesktopUse use) {
+  const bool chosen = Environment("QT_QPA_PLATFORM") == "offscreen";
+  const bool onDisplay = use == TDesktopUse::Windows && !chosen;
+  const char* platform = onDisplay ? "xcb" : "offscreen";
+  if (onDisplay) RequireDisplay();
+  RequirePlugin(platform);
+  return platform;
 }
 
-// The toolkit's name of the display's kind.
-QString PlatformFor(TDesktopUse use) {
-  const std::string_view chosen = Environment("QT_QPA_PLATFORM");
-  if (use == TDesktopUse::PaperOnly || chosen.starts_with(kWithoutDisplay)) {
-    return QString::fromLatin1(kWithoutDisplay.data());
+std::unique_ptr<QGuiApplication> MakeApplication(TDesktopUse use) {
+  // By arguments: what a variable says would be inherited by the programs that this one starts.
+  static char name[] = "kvshare";
+  static char option[] = "-platform";
+  static std::string platform;
+  platform = UsablePlatform(use);
+  static char* arguments[] = {name, option, platform.data(), nullptr};
+  static int count = 3;
+  QCoreApplication::setAttribute(Qt::AA_DisableSessionManager);
+  // What the toolkit misses (a runtime folder, a session) is not for the program's user to read.
+  if (Environment("QT_LOGGING_RULES").empty()) {
+    QLoggingCategory::setFilterRules("default.warning=false");
   }
-  RequireDisplay();
-  return "xcb";
+  if (use == TDesktopUse::PaperOnly) return std::make_unique<QGuiApplication>(count, arguments);
+  auto windows = std::make_unique<QApplication>(count, arguments);
+  QApplication::setQuitOnLastWindowClosed(false);
+  return windows;
 }
 
 }  // namespace
 
 void StartToolkit(TDesktopUse use) {
-  static bool withDisplay = false;
-  if (QCoreApplication::instance() != nullptr) {
-    const bool paperOnly = qobject_cast<QApplication*>(QCoreApplication::instance()) == nullptr;
-    if (use == TDesktopUse::Windows && paperOnly) {
-      throw EOSError(std::string(kNoDisplay) + "this program has begun to print without one");
-    }
-    return;
+  if (QCoreApplication::instance() == nullptr) {
+    // Never destroyed: at the process's end the toolkit's own statics are gone before.
+    [[maybe_unused]] static const QGuiApplication* const application =
+        MakeApplication(use).release();
   }
-  (void)withDisplay;
-  const QString platform = PlatformFor(use);
-  RequirePlugin(platform);
-  qputenv("QT_QPA_PLATFORM", platform.toUtf8());
-  static int count = 1;
-  static char name[] = "kvshare";
-  static char* arguments[] = {name, nullptr};
-  // What it misses (a runtime folder, a session) is not for the program's user to read.
-  if (Environment("QT_LOGGING_RULES").empty()) {
-    QLoggingCategory::setFilterRules("default.warning=false");
-  }
-  // Lives to the end of the process: by then parts of the toolkit that it needs are gone.
-  [[maybe_unused]] static QGuiApplication* application = nullptr;
-  if (use == TDesktopUse::Windows) {
-    application = std::make_unique<QApplication>(count, arguments).release();
-  } else {
-    application = std::make_unique<QGuiApplication>(count, arguments).release();
+  const bool hasWindows = qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr;
+  if (use == TDesktopUse::Windows && !hasWindows) {
+    ThrowNoDisplay("this program has begun to print without one");
   }
 }
 
@@ -91,6 +89,13 @@ QString Shown(std::string_view cp874) {
 
 std::string TypedText(const QString& text) {
   return Utf8ToCp874(text.toStdString());
+}
+
+QRect Reachable(const TBounds& bounds) {
+  static constexpr int kFarthest = 32767;  // coordinates of windows have 16 bits
+  const auto near = [](int value) { return std::clamp(value, -kFarthest, kFarthest); };
+  return {near(bounds.Left), near(bounds.Top), std::clamp(bounds.Width, 0, kFarthest),
+          std::clamp(bounds.Height, 0, kFarthest)};
 }
 
 bool HasThaiFont() {

@@ -1,6 +1,7 @@
 // The toolkit and the texts that cross into it.
 #pragma once
 
+#include <QRect>
 #include <QString>
 #include <string>
 #include <string_view>
@@ -14,12 +15,14 @@ namespace kvshare::desktop {
 // when the toolkit was started.
 void StartToolkit(TDesktopUse use);
 
-// Code page 874 outside, Unicode inside. A byte that stands for no letter is U+FFFD, a letter that
-// the code page lacks is `?`: for what is shown. Typed texts go through TypedText.
+// A text of the library for the screen; a byte that stands for no letter is U+FFFD.
 QString Shown(std::string_view cp874);
 
 // What a user has typed. Throws EConvertError for a letter that the code page lacks.
 std::string TypedText(const QString& text);
+
+// The bounds as far as the screen's system can count.
+QRect Reachable(const TBounds& bounds);
 
 // Whether some installed font has Thai letters.
 bool HasThaiFont();

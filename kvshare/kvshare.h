@@ -72,8 +72,8 @@
 // Platform services
 #include "kvshare/platform/fileinfo.h"
 #include "kvshare/platform/files.h"
-#include "kvshare/platform/printbmp.h"
 #include "kvshare/platform/kovrawin.h"
+#include "kvshare/platform/printbmp.h"
 #include "kvshare/platform/uguid.h"
 #include "kvshare/platform/verinfo.h"
 #include "kvshare/platform/win32.h"

@@ -59,8 +59,8 @@ void Declare(CLI::App& app, Plan& plan) {
   DeclarePost(app, plan);
   DeclareRights(app, plan);
   DeclareReplication(app, plan);
-  DeclarePrinters(app, plan);
   DeclareDialog(app, plan);
+  DeclarePrinters(app, plan);
   DeclareDoctor(app, plan);
   DeclareSettings(app, plan);
   DeclareVersion(app, plan);

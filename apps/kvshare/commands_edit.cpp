@@ -8,6 +8,7 @@
 
 #include "apps/kvshare/commands.h"
 #include "apps/kvshare/connections.h"
+#include "apps/kvshare/recordform.h"
 #include "apps/kvshare/recordtalk.h"
 #include "apps/kvshare/startedlibrary.h"
 #include "apps/kvshare/tablerecord.h"
@@ -17,6 +18,7 @@
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/settings/connectinfo.h"
 #include "kvshare/settings/globals.h"
+#include "kvshare/ui/desktop.h"
 
 namespace kvshare::app {
 
@@ -31,6 +33,7 @@ constexpr std::string_view kExamples =
     "                                            asks nothing; a text of no letters is Null\n"
     "  kvshare edit SHOP ITEM CODE=A9 --new      a new record\n"
     "  kvshare edit SHOP ITEM CODE=A9 --delete   takes it away\n"
+    "  kvshare edit SHOP ITEM CODE=A1 --windows  in a window, where there is a display\n"
     "At a field Enter alone keeps what is there, - takes it away, . ends, =TEXT types TEXT as it\n"
     "stands. What is typed is read as the field's screen reads it: dates in the era in force, all\n"
     "digits of amounts. The fields of the key are not asked for; --set changes them. When the "
@@ -48,6 +51,7 @@ struct Options {
   bool yes = false;
   bool isNew = false;
   bool isDelete = false;
+  bool windows = false;
 };
 
 // The order that a command line gives.
@@ -60,6 +64,7 @@ struct Order {
   bool yes = false;
   bool isNew = false;
   bool isDelete = false;
+  bool windows = false;
 };
 
 std::vector<std::string> SplitAtCommas(const std::string& text) {
@@ -110,6 +115,7 @@ Order UsageOrder(const Options& options) {
   order.yes = options.yes;
   order.isNew = options.isNew;
   order.isDelete = options.isDelete;
+  order.windows = options.windows;
   if (order.key.empty() && !order.isNew) RefuseUsage("KEY", "is needed");
   return order;
 }
@@ -145,7 +151,8 @@ class RecordEdit {
       : order_(order),
         console_(ConsoleOf(stdio)),
         record_(connection, order.table, order.key),
-        talk_(record_, console_) {
+        talk_(record_, console_),
+        windows_(order.windows ? &Desktop(TDesktopUse::Windows) : nullptr) {
     Set().OnReconcileError = [this](TClientDataSet& set, EReconcileError& error, TUpdateKind kind,
                                     TReconcileAction& action) {
       TKovraDbPost::ClientDataSetUserReconcileError(set, error, kind, action);
@@ -157,12 +164,10 @@ class RecordEdit {
     order_.isNew ? record_.Append() : record_.Fetch();
     if (order_.isDelete) return Delete();
     if (!order_.isNew) Set().Edit();
-    if (!PostEdits()) {
-      talk_.Say("nothing to write");
-      return kDone;
-    }
+    if (windows_ != nullptr && order_.sets.empty()) return EditInWindow();
+    if (!PostEdits()) return NothingToWrite();
     talk_.Say(record_.Title() + "\n" + talk_.Changes());
-    return order_.yes || talk_.Confirm("Write it?") ? Apply() : NotWritten();
+    return order_.yes || Confirm("Write it?") ? Apply() : NotWritten();
   }
 
  private:
@@ -189,16 +194,35 @@ class RecordEdit {
     }
   }
 
+  // The form's OK says what is asked for elsewhere.
+  int EditInWindow() {
+    const TUseInterface use(*windows_);
+    talk_.Say(record_.Title());
+    RecordForm form(record_);
+    if (!form.Edit()) return NotWritten();
+    if (!order_.isNew && Set().ChangeCount() == 0) return NothingToWrite();
+    talk_.Say(talk_.Changes());
+    return Apply();
+  }
+
+  bool Confirm(std::string_view question) {
+    if (windows_ == nullptr) return talk_.Confirm(question);
+    const TUseInterface use(*windows_);
+    const std::string text = record_.Title() + "\r\n" + std::string(question);
+    return MessageDlg(text, TMsgDlgType::mtConfirmation, {TMsgDlgBtn::mbYes, TMsgDlgBtn::mbNo},
+                      0) == mrYes;
+  }
+
   int Delete() {
     talk_.Say(record_.Title() + "\n" + talk_.Values());
-    if (!order_.yes && !talk_.Confirm("Delete it?")) return NotWritten();
+    if (!order_.yes && !Confirm("Delete it?")) return NotWritten();
     Set().Delete();
     return Apply();
   }
 
   int Apply() {
     TalkingInterface forms(console_);
-    const TUseInterface use(forms);
+    const TUseInterface use(windows_ != nullptr ? *windows_ : forms);
     while (Set().ApplyUpdates(0) != 0) {
       switch (decided_) {
         case TReconcileAction::raCancel:
@@ -207,10 +231,15 @@ class RecordEdit {
           return NotWritten();
         default:
           if (!order_.isDelete) talk_.Say(record_.Title() + "\n" + talk_.Changes());
-          if (!talk_.Confirm("Try again?")) return NotWritten();
+          if (!Confirm("Try again?")) return NotWritten();
       }
     }
     talk_.Say(order_.isDelete ? "deleted" : "written");
+    return kDone;
+  }
+
+  int NothingToWrite() {
+    talk_.Say("nothing to write");
     return kDone;
   }
 
@@ -223,6 +252,7 @@ class RecordEdit {
   const os::Console console_;
   TableRecord record_;
   RecordTalk talk_;
+  TUserInterface* windows_;  // nullptr at a terminal
   TReconcileAction decided_ = TReconcileAction::raAbort;
 };
 
@@ -246,6 +276,7 @@ void DeclareOptions(CLI::App& command, Options& options) {
   auto* isDelete = command.add_flag("--delete", options.isDelete, "Delete the record");
   isNew->excludes(isDelete);
   command.add_flag("--yes", options.yes, "Write without asking");
+  command.add_flag("--windows", options.windows, "Show the record and the dialogs as windows");
   AddEra(command, options.era);
 }
 

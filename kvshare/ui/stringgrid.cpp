@@ -29,20 +29,21 @@ void TStringGrid::SetCount(Axis& axis, int count) {
   count = std::max(count, 1);
   if (count <= axis.fixed) throw EInvalidGridOperation(axis.tooManyFixed);
   axis.sizes.resize(static_cast<std::size_t>(count), axis.defaultSize);
-  axis.count = count;
   axis.current = std::min(axis.current, count - 1);
+  Set(axis.count, count);
 }
 
 void TStringGrid::SetFixed(Axis& axis, int count) {
   if (count < 0) ThrowBadIndex();
   if (count >= axis.count) throw EInvalidGridOperation(axis.tooManyFixed);
-  axis.fixed = count;
   axis.current = std::max(axis.current, count);
+  Set(axis.fixed, count);
 }
 
 void TStringGrid::SetAll(Axis& axis, int size) {
   axis.defaultSize = size;
   std::ranges::fill(axis.sizes, size);
+  Changed();
 }
 
 const TStringGrid::Cell& TStringGrid::At(int col, int row) const {

@@ -60,8 +60,8 @@ class KVSHARE_API TStringGrid : public TWinControl {
   void SetDefaultRowHeight(int height) { SetAll(rows_, height); }
   int ColWidths(int col) const { return cols_.SizeAt(col); }
   int RowHeights(int row) const { return rows_.SizeAt(row); }
-  void SetColWidths(int col, int width) { cols_.SizeAt(col) = width; }
-  void SetRowHeights(int row, int height) { rows_.SizeAt(row) = height; }
+  void SetColWidths(int col, int width) { Set(cols_.SizeAt(col), width); }
+  void SetRowHeights(int row, int height) { Set(rows_.SizeAt(row), height); }
 
   TGridOptions Options;
 
@@ -103,9 +103,9 @@ class KVSHARE_API TStringGrid : public TWinControl {
     TObject* object = nullptr;
   };
 
-  static void SetCount(Axis& axis, int count);
-  static void SetFixed(Axis& axis, int count);
-  static void SetAll(Axis& axis, int size);
+  void SetCount(Axis& axis, int count);
+  void SetFixed(Axis& axis, int count);
+  void SetAll(Axis& axis, int size);
   const Cell& At(int col, int row) const;
   Cell& At(int col, int row);
 

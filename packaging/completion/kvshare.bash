@@ -74,7 +74,7 @@ _kvshare_options() { # _kvshare_options COMMAND
     dialect) printf '%s\n' --file --field --value --matchcase --date ;;
     dialog) printf '%s\n' --windows --era ;;
     sql) printf '%s\n' --connect --batch --csv ;;
-    edit) printf '%s\n' --key --set --new --delete --yes --era ;;
+    edit) printf '%s\n' --key --set --new --delete --yes --windows --era ;;
     "company create") echo --connect ;;
     "company list" | "company remove") echo --list ;;
     "company add" | "company edit")
@@ -98,9 +98,9 @@ _kvshare_options() { # _kvshare_options COMMAND
         --pdf ;;
   esac
   case $1 in
+    edit | dialog | date | settings | files | log | connect | company | dataset | rights | replication) ;;
     edit | date | settings | files | log | connect | company | dataset | rights | replication) ;;
     printers | "printers print" | "printers picture") ;;
-    edit | dialog | date | settings | files | log | connect | company | dataset | rights | replication) ;;
     "company add" | "company edit" | "company remove" | "company create") ;;
     "dataset convert" | "settings set" | "settings delete" | "settings export" | "settings import") ;;
     *) echo --json ;;
@@ -135,9 +135,9 @@ _kvshare_value() {
       _kvshare_offer "$3" < <(printf '%s\n' packet csv json) ;;
     "date show --layout") _kvshare_offer "$3" < <(_kvshare_layouts) ;;
     "date show --language") _kvshare_offer "$3" < <(printf '%s\n' th en) ;;
+    "date show --era" | "date parse --era" | "receipts --era" | "post --era" | "edit --era" | "dialog --era") _kvshare_offer "$3" < <(printf '%s\n' 543 0) ;;
     "date show --era" | "date parse --era" | "receipts --era" | "post --era" | "edit --era") _kvshare_offer "$3" < <(printf '%s\n' 543 0) ;;
     "printers "*" --printer") _kvshare_offer "$3" < <(_kvshare_printers) ;;
-    "date show --era" | "date parse --era" | "receipts --era" | "post --era" | "edit --era" | "dialog --era") _kvshare_offer "$3" < <(printf '%s\n' 543 0) ;;
     *" --connect" | "company "*" --connection") _kvshare_offer "$3" < <(_kvshare_connections) ;;
     "receipts --pdf" | "printers picture --pdf" | "sql --batch" | "encode --key-file" | "decode --key-file" | "settings export --output" | "dialect --file" | "log "*" --file" | \
       "company "*" --list" | "company "*" --log")

@@ -16,7 +16,9 @@ namespace {
 constexpr TSize kSheet{4661, 6416};
 constexpr TSize kInch{600, 600};
 
-Document Invoice(std::vector<std::string> items, Currency quantity = 2_baht) {
+constexpr Currency kTwo = 2_baht;
+
+Document Invoice(std::vector<std::string> items, Currency quantity = kTwo) {
   constexpr std::string_view kCustomer = "ร้านบ้านสวน"_th;
   Document document{"IV6911-0002", EncodeDate(2026, 11, 24), std::string(kCustomer), {}};
   for (std::string& item : items) {

@@ -4,17 +4,16 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <map>
 
 #include "kvshare/data/clientdataset.h"
 #include "kvshare/database/posterror.h"
 #include "kvshare/database/recerror.h"
 #include "kvshare/dates/dbdate.h"
-#include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/settings/globals.h"
 #include "kvshare/ui/backend.h"
+#include "tests/database/refused.h"
 #include "tests/support.h"
 #include "tests/ui/terminal.h"
 
@@ -25,57 +24,6 @@ using ::testing::ElementsAre;
 using enum TFieldType;
 using enum TReconcileAction;
 using enum TUpdateKind;
-
-// A record that a server has refused: NAME and QTY were changed, and the server has other values of
-// some fields.
-class Refused : public TClientDataSet {
- public:
-  Refused() : TClientDataSet(nullptr, "CUSTOMERS") {
-    FieldDefs().Add("CODE", ftString, 10);
-    FieldDefs().Add("NAME", ftString, 30);
-    FieldDefs().Add("QTY", ftInteger);
-    FieldDefs().Add("NOTE", ftMemo);
-    FieldDefs().Add("PICTURE", ftBlob);
-    AddCalculated("TOTAL", ftInteger);
-    CreateDataSet();
-    Append();
-    FieldByName("CODE").SetAsString("A001");
-    FieldByName("NAME").SetAsString("old");
-    FieldByName("NOTE").SetAsString("note");
-    FieldByName("PICTURE").SetAsString("\x01\x02");
-    Post();
-    MergeChangeLog();
-    Edit();
-    FieldByName("NAME").SetAsString("new");
-    FieldByName("QTY").SetAsInteger(5);
-    FieldByName("NAME").SetDisplayLabel("Name");
-  }
-  ~Refused() override { Close(); }
-
-  std::map<std::string, std::string> server;  // its values by field name
-
- protected:
-  const TRecordReader* Image(TFieldImage image, const TField& field, int column) const override {
-    const std::string& name = field.FieldName();
-    if (image == TFieldImage::New && name != "NAME" && name != "QTY") return nullptr;
-    if (image != TFieldImage::Cur) return TClientDataSet::Image(image, field, column);
-    const auto found = server.find(name);
-    if (found == server.end()) return nullptr;
-    reader_.text = found->second;
-    return &reader_;
-  }
-
- private:
-  struct Reader : TRecordReader {
-    std::string text;
-    bool IsNull(int) const override { return text.empty(); }
-    std::int64_t Integer(int) const override { return StrToInt(text); }
-    double Float(int) const override { return StrToFloat(text); }
-    std::string_view Text(int) const override { return text; }
-    void AppendCharacters(std::string& out, int) const override { out += text; }
-  };
-  mutable Reader reader_;
-};
 
 std::string RowOf(const TUpdateErrorForm& form, int row) {
   std::string cells = form.UpdateData.Cells(0, row);
