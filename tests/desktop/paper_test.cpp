@@ -9,21 +9,13 @@
 #include "kvshare/platform/printbmp.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
+#include "tests/desktop/tool.h"
 #include "tests/support.h"
 
 namespace kvshare::desktop {
 namespace {
 
 using testing::HasSubstr;
-
-std::string OutputOf(const std::string& command) {
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> pipe(popen(command.c_str(), "r"), pclose);
-  std::string output;
-  char block[4096];
-  while (const std::size_t n = std::fread(block, 1, sizeof block, pipe.get()))
-    output.append(block, n);
-  return output;
-}
 
 // Readers of PDF tell marks that are drawn at another height by private letters, and put blanks
 // between marks. What is left is what was printed.

@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/files.h"
@@ -150,7 +151,7 @@ void PrintCash(const char* language, const std::string& folder) {
 TEST(LanguageDeathTest, TheEnvironmentChooses) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const std::string folder = testing::TempDir() + "kvshare_languages";
-  ASSERT_EQ(std::system(("mkdir -p " + folder).c_str()), 0);  // NOLINT: a fixed command
+  std::filesystem::create_directories(folder);
   WriteFileBytes(folder + "/part.lang", "# x\n65525 = \"Cash %s\"\n65507 = \"Delete\"\n");
   struct Case {
     const char* language;
