@@ -65,7 +65,7 @@ void BM_Rows_ByDriver(benchmark::State& state) {
   std::size_t sum = 0;
   for (auto _ : state) {
     const auto connection = Connected();
-    const auto cursor = connection->Query(kQuery, {});
+    const auto cursor = connection->Query(kQuery);
     sum = 0;
     while (cursor->Next()) {
       sum += static_cast<std::size_t>(cursor->Integer(0)) + cursor->Text(1).size() +

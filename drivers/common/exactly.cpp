@@ -2,9 +2,10 @@
 
 namespace kvshare::drivers {
 
-std::string ExactlyBy(const ExactForms& forms, std::string_view column, data::ColumnKind kind) {
-  const auto equals = [column](const char* value) {
-    return std::string(column).append(" = ").append(value);
+data::Connection::Condition ExactlyBy(const ExactForms& forms, std::string_view column,
+                                      data::ColumnKind kind) {
+  const auto equals = [column](const ExactForm& form) -> data::Connection::Condition {
+    return {std::string(column).append(" = ").append(form.before), form.behind};
   };
   switch (kind) {
     case data::ColumnKind::Text:
@@ -13,7 +14,7 @@ std::string ExactlyBy(const ExactForms& forms, std::string_view column, data::Co
     case data::ColumnKind::Decimal:
       return equals(forms.decimal);
     default:
-      return equals("?");
+      return equals({"", ""});
   }
 }
 

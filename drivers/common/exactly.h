@@ -9,20 +9,26 @@
 
 namespace kvshare::drivers {
 
-// What stands behind the `=` for a value.
-struct ExactForms {
-  const char* text;
-  const char* decimal;
+// What stands behind the `=`, around the place of a value.
+struct ExactForm {
+  const char* before;
+  const char* behind;
 };
-inline constexpr ExactForms kPlainForms{"?", "?"};
+struct ExactForms {
+  ExactForm text;
+  ExactForm decimal;
+};
+inline constexpr ExactForms kPlainForms{{"", ""}, {"", ""}};
 // Collations take letters of either case, and often blanks at the end, for the same; a text beside
 // a decimal makes both of them reals.
-inline constexpr ExactForms kMariaDbForms{"? COLLATE utf8mb4_nopad_bin",
-                                          "CAST(? AS DECIMAL(65,30))"};
-inline constexpr ExactForms kMySqlForms{"? COLLATE utf8mb4_bin", "CAST(? AS DECIMAL(65,30))"};
-inline constexpr ExactForms kSqliteForms{"? COLLATE BINARY", "?"};
+inline constexpr ExactForms kMariaDbForms{{"", " COLLATE utf8mb4_nopad_bin"},
+                                          {"CAST(", " AS DECIMAL(65,30))"}};
+inline constexpr ExactForms kMySqlForms{{"", " COLLATE utf8mb4_bin"},
+                                        {"CAST(", " AS DECIMAL(65,30))"}};
+inline constexpr ExactForms kSqliteForms{{"", " COLLATE BINARY"}, {"", ""}};
 
-std::string ExactlyBy(const ExactForms& forms, std::string_view column, data::ColumnKind kind);
+data::Connection::Condition ExactlyBy(const ExactForms& forms, std::string_view column,
+                                      data::ColumnKind kind);
 
 // The name between two marks; a mark inside it stands twice.
 std::string QuotedBy(char mark, std::string_view name);

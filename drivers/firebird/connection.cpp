@@ -11,6 +11,7 @@
 #include "drivers/common/entry.h"
 #include "drivers/common/forms.h"
 #include "drivers/common/parameters.h"
+#include "drivers/common/statements.h"
 #include "drivers/firebird/handles.h"
 #include "drivers/firebird/parameters.h"
 #include "drivers/firebird/rows.h"
@@ -28,13 +29,15 @@ class FirebirdConnection final : public data::Connection {
   void Connect(const std::vector<std::pair<std::string, std::string>>& list) override;
   void Disconnect() noexcept override;
   std::int64_t Execute(std::string_view sql) override;
-  std::unique_ptr<data::Cursor> Query(std::string_view sql,
+  std::unique_ptr<data::Cursor> Query(std::string_view sql) override;
+  std::unique_ptr<data::Cursor> Query(const data::StatementParts& parts,
                                       std::span<const data::ParameterValue> parameters) override;
-  std::unique_ptr<data::PreparedStatement> Prepare(std::string_view sql) override;
+  std::unique_ptr<data::PreparedStatement> Prepare(const data::StatementParts& parts) override;
+  data::Lexis StatementLexis() const override;
   void Begin(Isolation isolation) override;
   void Commit() override;
   void Rollback() override;
-  std::string Exactly(std::string_view column, data::ColumnKind kind) const override;
+  Condition Exactly(std::string_view column, data::ColumnKind kind) const override;
   std::vector<std::string> TableNames(bool system) override;
   void SetLockTimeout(std::int32_t milliseconds) override { lockMilliseconds_ = milliseconds; }
   std::string ServerVersion() override;
@@ -156,10 +159,19 @@ std::int64_t FirebirdConnection::Execute(std::string_view sql) {
   return Repeating<std::int64_t>([this, sql] { return ExecuteOnce(sql); });
 }
 
+data::Lexis FirebirdConnection::StatementLexis() const {
+  return {.alternativeQuotes = true, .blocks = true};
+}
+
+std::unique_ptr<data::Cursor> FirebirdConnection::Query(std::string_view sql) {
+  return Repeating<std::unique_ptr<data::Cursor>>([this, sql] { return QueryOnce(sql, {}); });
+}
+
 std::unique_ptr<data::Cursor> FirebirdConnection::Query(
-    std::string_view sql, std::span<const data::ParameterValue> parameters) {
-  return Repeating<std::unique_ptr<data::Cursor>>(
-      [this, sql, parameters] { return QueryOnce(sql, parameters); });
+    const data::StatementParts& parts, std::span<const data::ParameterValue> parameters) {
+  const std::vector<data::ParameterValue> values = drivers::ValuesByPlace(parts.places, parameters);
+  const std::string sql = drivers::MarkedByQuestions(parts);
+  return Repeating<std::unique_ptr<data::Cursor>>([&] { return QueryOnce(sql, values); });
 }
 
 std::int64_t FirebirdConnection::ExecuteOnce(std::string_view sql) {
@@ -180,24 +192,27 @@ std::int64_t FirebirdConnection::ExecuteOnce(std::string_view sql) {
 
 class Prepared final : public data::PreparedStatement {
  public:
-  Prepared(FirebirdConnection& connection, Statement statement)
-      : connection_(connection), statement_(std::move(statement)) {}
+  Prepared(FirebirdConnection& connection, Statement statement, std::vector<std::size_t> places)
+      : connection_(connection), statement_(std::move(statement)), places_(std::move(places)) {}
 
   std::int64_t Run(std::span<const data::ParameterValue> parameters) override {
-    return connection_.Run(statement_, parameters);
+    return connection_.Run(statement_, drivers::ValuesByPlace(places_, parameters));
   }
 
  private:
   FirebirdConnection& connection_;
   Statement statement_;
+  std::vector<std::size_t> places_;
 };
 
-std::unique_ptr<data::PreparedStatement> FirebirdConnection::Prepare(std::string_view sql) {
+std::unique_ptr<data::PreparedStatement> FirebirdConnection::Prepare(
+    const data::StatementParts& parts) {
   std::optional<Transaction> own = OwnTransaction();
-  Statement statement(database_, own ? *own : transaction_, sql, dialect_);
+  Statement statement(database_, own ? *own : transaction_, drivers::MarkedByQuestions(parts),
+                      dialect_);
   PrepareColumns(statement.Columns());
   if (own) own->Commit();
-  return std::make_unique<Prepared>(*this, std::move(statement));
+  return std::make_unique<Prepared>(*this, std::move(statement), parts.places);
 }
 
 std::int64_t FirebirdConnection::RunOnce(Statement& statement,
@@ -260,25 +275,24 @@ void FirebirdConnection::Rollback() {
 }
 
 // Whatever character set and collation the column has.
-std::string FirebirdConnection::Exactly(std::string_view column, data::ColumnKind kind) const {
+data::Connection::Condition FirebirdConnection::Exactly(std::string_view column,
+                                                        data::ColumnKind kind) const {
   const std::string name(column);
-  if (kind != data::ColumnKind::Text && kind != data::ColumnKind::Memo) return name + " = ?";
-  return "CAST(" + name + " AS VARCHAR(8191) CHARACTER SET UTF8) COLLATE UCS_BASIC = ?";
+  if (kind != data::ColumnKind::Text && kind != data::ColumnKind::Memo) return {name + " = ", ""};
+  return {"CAST(" + name + " AS VARCHAR(8191) CHARACTER SET UTF8) COLLATE UCS_BASIC = ", ""};
 }
 
 std::vector<std::string> FirebirdConnection::TableNames(bool system) {
   const auto rows = Query(std::string("SELECT RDB$RELATION_NAME FROM RDB$RELATIONS"
                                       " WHERE COALESCE(RDB$SYSTEM_FLAG, 0) ") +
-                              (system ? "<>" : "=") + " 0 ORDER BY RDB$RELATION_NAME",
-                          {});
+                          (system ? "<>" : "=") + " 0 ORDER BY RDB$RELATION_NAME");
   std::vector<std::string> names;
   while (rows->Next()) names.emplace_back(drivers::TrimmedRight(rows->Text(0)));
   return names;
 }
 
 std::string FirebirdConnection::ServerVersion() {
-  const auto row =
-      Query("SELECT RDB$GET_CONTEXT('SYSTEM', 'ENGINE_VERSION') FROM RDB$DATABASE", {});
+  const auto row = Query("SELECT RDB$GET_CONTEXT('SYSTEM', 'ENGINE_VERSION') FROM RDB$DATABASE");
   if (!row->Next() || row->IsNull(0)) return "Firebird";
   return "Firebird " + std::string(row->Text(0));
 }

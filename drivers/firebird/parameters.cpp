@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "drivers/common/statements.h"
+
 namespace kvshare::firebird {
 namespace {
 
@@ -28,6 +30,8 @@ struct Bind {
   void operator()(double value) const { Put(SQL_DOUBLE, value); }
   void operator()(const std::string& text) const { PutText(text, kUtf8); }
   void operator()(const data::Bytes& value) const { PutText(value.bytes, kOctets); }
+  void operator()(const data::Decimal& value) const { PutText(value.digits, kUtf8); }
+  void operator()(const data::Moment& value) const { PutText(value.text, kUtf8); }
 
  private:
   XSQLVAR& Variable() const { return values[i]; }
@@ -73,10 +77,7 @@ Descriptor BoundParameters(isc_db_handle& database, Transaction& transaction, St
   Descriptor values(static_cast<ISC_SHORT>(parameters.size()));
   isc_dsql_describe_bind(status.Vector(), statement.Handle(), SQLDA_VERSION1, values.Get());
   status.Check();
-  if (static_cast<std::size_t>(values.Needed()) != parameters.size()) {
-    throw data::DriverError("The statement has " + std::to_string(values.Needed()) +
-                            " parameters, but got " + std::to_string(parameters.size()));
-  }
+  drivers::CheckParameters(static_cast<std::size_t>(values.Needed()), parameters.size());
   for (std::size_t i = 0; i < parameters.size(); ++i) {
     std::visit(Bind{database, transaction, values, i}, parameters[i]);
   }

@@ -8,6 +8,7 @@
 #include "drivers/common/entry.h"
 #include "drivers/common/exactly.h"
 #include "drivers/common/parameters.h"
+#include "drivers/common/statements.h"
 #include "drivers/mysql/errors.h"
 #include "drivers/mysql/rows.h"
 #include "kvshare/data/driver.h"
@@ -43,13 +44,15 @@ class MySqlConnection final : public data::Connection {
     Send(sql);
     return DrainResults(mysql_.get());
   }
-  std::unique_ptr<data::Cursor> Query(std::string_view sql,
+  std::unique_ptr<data::Cursor> Query(std::string_view sql) override;
+  std::unique_ptr<data::Cursor> Query(const data::StatementParts& parts,
                                       std::span<const data::ParameterValue> parameters) override;
-  std::unique_ptr<data::PreparedStatement> Prepare(std::string_view sql) override;
+  std::unique_ptr<data::PreparedStatement> Prepare(const data::StatementParts& statement) override;
+  data::Lexis StatementLexis() const override;
   void Begin(Isolation isolation) override;
   void Commit() override { Execute("COMMIT"); }
   void Rollback() override { Execute("ROLLBACK"); }
-  std::string Exactly(std::string_view column, data::ColumnKind kind) const override;
+  Condition Exactly(std::string_view column, data::ColumnKind kind) const override;
   std::string Quoted(std::string_view name) const override { return drivers::QuotedBy('`', name); }
   std::vector<std::string> TableNames(bool system) override;
   void SetLockTimeout(std::int32_t milliseconds) override;
@@ -61,8 +64,6 @@ class MySqlConnection final : public data::Connection {
   Statement PrepareText(std::string_view sql);
   bool IsMariaDb() const;
   void Send(std::string_view sql);
-  std::unique_ptr<data::Cursor> QueryPrepared(std::string_view sql,
-                                              std::span<const data::ParameterValue> parameters);
 
   std::unique_ptr<MYSQL, CloseConnection> mysql_;
   drivers::OpenCursors open_;
@@ -117,9 +118,12 @@ void MySqlConnection::Send(std::string_view sql) {
   if (mysql_real_query(mysql_.get(), sql.data(), sql.size()) != 0) Fail(mysql_.get());
 }
 
-std::unique_ptr<data::Cursor> MySqlConnection::Query(
-    std::string_view sql, std::span<const data::ParameterValue> parameters) {
-  if (!parameters.empty()) return QueryPrepared(sql, parameters);
+data::Lexis MySqlConnection::StatementLexis() const {
+  return {
+      .backslashEscapes = true, .hashComments = true, .dashesNeedBlank = true, .backticks = true};
+}
+
+std::unique_ptr<data::Cursor> MySqlConnection::Query(std::string_view sql) {
   Send(sql);
   Result rows(mysql_use_result(mysql_.get()));
   if (rows) {
@@ -141,12 +145,12 @@ Statement MySqlConnection::PrepareText(std::string_view sql) {
 
 class Prepared final : public data::PreparedStatement {
  public:
-  Prepared(MySqlConnection& connection, Statement statement)
-      : connection_(connection), statement_(std::move(statement)) {}
+  Prepared(MySqlConnection& connection, Statement statement, std::vector<std::size_t> places)
+      : connection_(connection), statement_(std::move(statement)), places_(std::move(places)) {}
 
   std::int64_t Run(std::span<const data::ParameterValue> parameters) override {
     connection_.Ready();
-    ExecuteWith(statement_.get(), parameters);
+    ExecuteWith(statement_.get(), drivers::ValuesByPlace(places_, parameters));
     const bool gives = mysql_stmt_field_count(statement_.get()) != 0;
     const auto rows = static_cast<std::int64_t>(mysql_stmt_affected_rows(statement_.get()));
     mysql_stmt_free_result(statement_.get());
@@ -156,16 +160,19 @@ class Prepared final : public data::PreparedStatement {
  private:
   MySqlConnection& connection_;
   Statement statement_;
+  std::vector<std::size_t> places_;
 };
 
-std::unique_ptr<data::PreparedStatement> MySqlConnection::Prepare(std::string_view sql) {
-  return std::make_unique<Prepared>(*this, PrepareText(sql));
+std::unique_ptr<data::PreparedStatement> MySqlConnection::Prepare(
+    const data::StatementParts& statement) {
+  return std::make_unique<Prepared>(*this, PrepareText(drivers::MarkedByQuestions(statement)),
+                                    statement.places);
 }
 
-std::unique_ptr<data::Cursor> MySqlConnection::QueryPrepared(
-    std::string_view sql, std::span<const data::ParameterValue> parameters) {
-  Statement statement = PrepareText(sql);
-  ExecuteWith(statement.get(), parameters);
+std::unique_ptr<data::Cursor> MySqlConnection::Query(
+    const data::StatementParts& parts, std::span<const data::ParameterValue> parameters) {
+  Statement statement = PrepareText(drivers::MarkedByQuestions(parts));
+  ExecuteWith(statement.get(), drivers::ValuesByPlace(parts.places, parameters));
   Result description(mysql_stmt_result_metadata(statement.get()));
   if (!description) return nullptr;
   return std::make_unique<drivers::DetachableCursor<StatementRows>>(open_, std::move(statement),
@@ -188,7 +195,8 @@ void MySqlConnection::Begin(Isolation isolation) {
   Execute("START TRANSACTION");
 }
 
-std::string MySqlConnection::Exactly(std::string_view column, data::ColumnKind kind) const {
+data::Connection::Condition MySqlConnection::Exactly(std::string_view column,
+                                                     data::ColumnKind kind) const {
   return drivers::ExactlyBy(IsMariaDb() ? drivers::kMariaDbForms : drivers::kMySqlForms, column,
                             kind);
 }
@@ -197,8 +205,7 @@ std::vector<std::string> MySqlConnection::TableNames(bool system) {
   const auto rows = Query(system ? "SELECT CONCAT(TABLE_SCHEMA, '.', TABLE_NAME)"
                                    " FROM information_schema.TABLES WHERE TABLE_SCHEMA IN"
                                    " ('information_schema', 'mysql', 'performance_schema', 'sys')"
-                                 : "SHOW TABLES",
-                          {});
+                                 : "SHOW TABLES");
   std::vector<std::string> names;
   while (rows->Next()) names.emplace_back(rows->Text(0));
   return names;

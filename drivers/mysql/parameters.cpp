@@ -1,5 +1,6 @@
 #include <vector>
 
+#include "drivers/common/statements.h"
 #include "drivers/mysql/errors.h"
 #include "drivers/mysql/rows.h"
 
@@ -18,6 +19,10 @@ struct BindValue {
   void operator()(const std::string& text) const {
     Set(MYSQL_TYPE_STRING, text.data(), text.size());
   }
+  void operator()(const data::Decimal& value) const {
+    Set(MYSQL_TYPE_NEWDECIMAL, value.digits.data(), value.digits.size());
+  }
+  void operator()(const data::Moment& value) const { (*this)(value.text); }
   void operator()(const data::Bytes& value) const {
     Set(MYSQL_TYPE_BLOB, value.bytes.data(), value.bytes.size());
   }
@@ -33,11 +38,7 @@ struct BindValue {
 }  // namespace
 
 void ExecuteWith(MYSQL_STMT* statement, std::span<const data::ParameterValue> parameters) {
-  if (mysql_stmt_param_count(statement) != parameters.size()) {
-    throw data::DriverError("The statement has " +
-                            std::to_string(mysql_stmt_param_count(statement)) +
-                            " parameters, but got " + std::to_string(parameters.size()));
-  }
+  drivers::CheckParameters(mysql_stmt_param_count(statement), parameters.size());
   std::vector<MYSQL_BIND> binds(parameters.size());
   for (std::size_t i = 0; i < parameters.size(); ++i)
     std::visit(BindValue{binds[i]}, parameters[i]);

@@ -6,6 +6,7 @@
 #include "drivers/common/cursors.h"
 #include "drivers/common/entry.h"
 #include "drivers/common/parameters.h"
+#include "drivers/common/statements.h"
 #include "drivers/odbc/handles.h"
 #include "drivers/odbc/parameters.h"
 #include "drivers/odbc/rows.h"
@@ -63,9 +64,11 @@ class OdbcConnection final : public data::Connection {
   void Connect(const std::vector<std::pair<std::string, std::string>>& list) override;
   void Disconnect() noexcept override;
   std::int64_t Execute(std::string_view sql) override;
-  std::unique_ptr<data::Cursor> Query(std::string_view sql,
+  std::unique_ptr<data::Cursor> Query(std::string_view sql) override;
+  std::unique_ptr<data::Cursor> Query(const data::StatementParts& parts,
                                       std::span<const data::ParameterValue> parameters) override;
-  std::unique_ptr<data::PreparedStatement> Prepare(std::string_view sql) override;
+  std::unique_ptr<data::PreparedStatement> Prepare(const data::StatementParts& parts) override;
+  data::Lexis StatementLexis() const override;
   void Begin(Isolation isolation) override;
   void Commit() override { End(SQL_COMMIT); }
   void Rollback() override {
@@ -73,7 +76,7 @@ class OdbcConnection final : public data::Connection {
     SetLockTimeout(lockMilliseconds_);  // some servers take a setting back with the rest
   }
   bool FailureEndsTransaction() const override { return DialectOf(dbms_).failureEndsTransaction; }
-  std::string Exactly(std::string_view column, data::ColumnKind kind) const override {
+  Condition Exactly(std::string_view column, data::ColumnKind kind) const override {
     return drivers::ExactlyBy(DialectOf(dbms_).exactly, column, kind);
   }
   std::string Quoted(std::string_view name) const override {
@@ -93,6 +96,7 @@ class OdbcConnection final : public data::Connection {
   using Cursor = drivers::DetachableCursor<Rows>;
 
   Handle NewStatement();
+  std::unique_ptr<data::Cursor> RowsOf(Handle statement);
   void Set(SQLINTEGER attribute, std::uintptr_t value) {
     connection_.Check(
         SQLSetConnectAttrW(connection_.Get(), attribute, Number(value), SQL_IS_UINTEGER));
@@ -198,13 +202,14 @@ std::int64_t OdbcConnection::Execute(std::string_view sql) {
 
 class Prepared final : public data::PreparedStatement {
  public:
-  Prepared(OdbcConnection& connection, Handle statement)
-      : connection_(connection), statement_(std::move(statement)) {}
+  Prepared(OdbcConnection& connection, Handle statement, std::vector<std::size_t> places)
+      : connection_(connection), statement_(std::move(statement)), places_(std::move(places)) {}
 
   std::int64_t Run(std::span<const data::ParameterValue> parameters) override {
     connection_.Ready();
     const Release release{statement_};
-    const BoundParameters bound(statement_, parameters);
+    const std::vector<data::ParameterValue> values = drivers::ValuesByPlace(places_, parameters);
+    const BoundParameters bound(statement_, values);
     const SQLRETURN result = SQLExecute(statement_.Get());
     statement_.Check(result);
     return result == SQL_NO_DATA ? 0 : RowsChanged(statement_);
@@ -221,29 +226,45 @@ class Prepared final : public data::PreparedStatement {
 
   OdbcConnection& connection_;
   Handle statement_;
+  std::vector<std::size_t> places_;
 };
 
-std::unique_ptr<data::PreparedStatement> OdbcConnection::Prepare(std::string_view sql) {
+std::unique_ptr<data::PreparedStatement> OdbcConnection::Prepare(
+    const data::StatementParts& parts) {
+  Handle statement = NewStatement();
+  std::u16string text = ToUtf16(drivers::MarkedByQuestions(parts));
+  statement.Check(
+      SQLPrepareW(statement.Get(), Units(text.data()), static_cast<SQLINTEGER>(text.size())));
+  return std::make_unique<Prepared>(*this, std::move(statement), parts.places);
+}
+
+std::unique_ptr<data::Cursor> OdbcConnection::Query(std::string_view sql) {
   Handle statement = NewStatement();
   std::u16string text = ToUtf16(sql);
   statement.Check(
-      SQLPrepareW(statement.Get(), Units(text.data()), static_cast<SQLINTEGER>(text.size())));
-  return std::make_unique<Prepared>(*this, std::move(statement));
+      SQLExecDirectW(statement.Get(), Units(text.data()), static_cast<SQLINTEGER>(text.size())));
+  return RowsOf(std::move(statement));
 }
 
 std::unique_ptr<data::Cursor> OdbcConnection::Query(
-    std::string_view sql, std::span<const data::ParameterValue> parameters) {
+    const data::StatementParts& parts, std::span<const data::ParameterValue> parameters) {
+  const std::vector<data::ParameterValue> values = drivers::ValuesByPlace(parts.places, parameters);
   Handle statement = NewStatement();
-  std::u16string text = ToUtf16(sql);
-  const auto size = static_cast<SQLINTEGER>(text.size());
-  if (parameters.empty()) {
-    statement.Check(SQLExecDirectW(statement.Get(), Units(text.data()), size));
-  } else {
-    statement.Check(SQLPrepareW(statement.Get(), Units(text.data()), size));
-    const BoundParameters bound(statement, parameters);
-    statement.Check(SQLExecute(statement.Get()));
-    SQLFreeStmt(statement.Get(), SQL_RESET_PARAMS);
-  }
+  std::u16string text = ToUtf16(drivers::MarkedByQuestions(parts));
+  statement.Check(
+      SQLPrepareW(statement.Get(), Units(text.data()), static_cast<SQLINTEGER>(text.size())));
+  const BoundParameters bound(statement, values);
+  statement.Check(SQLExecute(statement.Get()));
+  SQLFreeStmt(statement.Get(), SQL_RESET_PARAMS);
+  return RowsOf(std::move(statement));
+}
+
+data::Lexis OdbcConnection::StatementLexis() const {
+  return DialectOf(dbms_).lexis;
+}
+
+// Of a statement that has been executed.
+std::unique_ptr<data::Cursor> OdbcConnection::RowsOf(Handle statement) {
   SQLSMALLINT columns = 0;
   statement.Check(SQLNumResultCols(statement.Get(), &columns));
   if (columns == 0) return nullptr;

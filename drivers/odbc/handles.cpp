@@ -79,19 +79,43 @@ DriverError::Kind KindOf(const Report& report) {
   return DriverError::Kind::Other;
 }
 
-constexpr drivers::ExactForms kSqlServerForms{"? COLLATE Latin1_General_BIN2", "?"};
+constexpr drivers::ExactForms kSqlServerForms{{"", " COLLATE Latin1_General_BIN2"}, {"", ""}};
+
+constexpr data::Lexis kMySqlLexis{
+    .backslashEscapes = true, .hashComments = true, .dashesNeedBlank = true, .backticks = true};
+constexpr data::Lexis kPostgresLexis{
+    .nestedComments = true, .dollarQuotes = true, .escapeTexts = true, .subscripts = true};
 
 constexpr Dialect kDialects[] = {
     {"MariaDB", "SET SESSION sql_mode = CONCAT(@@sql_mode, ',STRICT_ALL_TABLES')",
      "SET SESSION innodb_lock_wait_timeout = ", "SET SESSION lock_wait_timeout = ", 0, true, false,
-     '`', drivers::kMariaDbForms},
+     '`', drivers::kMariaDbForms, kMySqlLexis},
     {"MySQL", "SET SESSION sql_mode = CONCAT(@@sql_mode, ',STRICT_ALL_TABLES')",
      "SET SESSION innodb_lock_wait_timeout = ", "SET SESSION lock_wait_timeout = ", 1, true, false,
-     '`', drivers::kMySqlForms},
-    {"PostgreSQL", "", "SET lock_timeout = ", "", 1, false, true, '"', drivers::kPlainForms},
-    {"Microsoft SQL Server", "", "SET LOCK_TIMEOUT ", "", 0, false, false, '"', kSqlServerForms},
-    {"SQLite", "", "", "", 0, false, false, '"', drivers::kSqliteForms},
-    {"", "", "", "", 0, false, false, '"', drivers::kPlainForms},
+     '`', drivers::kMySqlForms, kMySqlLexis},
+    {"PostgreSQL", "", "SET lock_timeout = ", "", 1, false, true, '"', drivers::kPlainForms,
+     kPostgresLexis},
+    {"Microsoft SQL Server",
+     "",
+     "SET LOCK_TIMEOUT ",
+     "",
+     0,
+     false,
+     false,
+     '"',
+     kSqlServerForms,
+     {.brackets = true, .nestedComments = true}},
+    {"SQLite",
+     "",
+     "",
+     "",
+     0,
+     false,
+     false,
+     '"',
+     drivers::kSqliteForms,
+     {.backticks = true, .brackets = true}},
+    {"", "", "", "", 0, false, false, '"', drivers::kPlainForms, {}},
 };
 
 }  // namespace

@@ -61,6 +61,7 @@ struct Dialect {
   bool failureEndsTransaction;
   char quote;  // around names
   drivers::ExactForms exactly;
+  data::Lexis lexis;
 };
 const Dialect& DialectOf(std::string_view dbmsName);
 

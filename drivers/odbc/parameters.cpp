@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "drivers/common/statements.h"
 #include "drivers/odbc/utf16.h"
 
 namespace kvshare::odbc {
@@ -16,10 +17,7 @@ BoundParameters::BoundParameters(const Handle& statement,
     : statement_(statement) {
   SQLSMALLINT wanted = 0;
   statement.Check(SQLNumParams(statement.Get(), &wanted));
-  if (static_cast<std::size_t>(wanted) != parameters.size()) {
-    throw data::DriverError("The statement has " + std::to_string(wanted) +
-                            " parameters, but got " + std::to_string(parameters.size()));
-  }
+  drivers::CheckParameters(static_cast<std::size_t>(wanted), parameters.size());
   for (const data::ParameterValue& value : parameters) {
     ++number_;
     std::visit(*this, value);

@@ -19,6 +19,8 @@ class BoundParameters {
   void operator()(const double& value);
   void operator()(const std::string& text);
   void operator()(const data::Bytes& value);
+  void operator()(const data::Decimal& value) { (*this)(value.digits); }
+  void operator()(const data::Moment& value) { (*this)(value.text); }
 
  private:
   void Bind(SQLSMALLINT valueType, SQLSMALLINT type, SQLULEN characters, const void* value,

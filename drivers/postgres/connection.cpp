@@ -10,7 +10,7 @@
 #include "drivers/common/entry.h"
 #include "drivers/common/forms.h"
 #include "drivers/common/parameters.h"
-#include "drivers/common/placeholders.h"
+#include "drivers/common/statements.h"
 #include "drivers/postgres/errors.h"
 #include "drivers/postgres/rows.h"
 #include "kvshare/data/driver.h"
@@ -42,14 +42,16 @@ class Values {
     }
   }
 
-  void operator()(std::monostate) { Add({}, 0, true); }
+  void operator()(std::monostate) { Add({}, 0, kFromPlace, true); }
   void operator()(std::int64_t value) { Add(std::to_string(value), 0); }
   void operator()(double value) { Add(drivers::FromFloat(value), 0); }
   void operator()(const std::string& text) {
     drivers::RefuseZeroByte(text);
     Add(text, 0);
   }
-  void operator()(const data::Bytes& value) { Add(value.bytes, 1); }
+  void operator()(const data::Bytes& value) { Add(value.bytes, 1, kBytea); }
+  void operator()(const data::Decimal& value) { Add(value.digits, 0, kNumeric); }
+  void operator()(const data::Moment& value) { Add(value.text, 0, TypeOf(value.kind)); }
 
   const std::vector<Oid>& Types() const { return types_; }
 
@@ -58,22 +60,30 @@ class Values {
                                  pointers_.data(), lengths_.data(), formats_.data(), 0));
   }
   bool Send(PGconn* connection, const std::string& sql) const {
-    const bool simple = texts_.empty();
-    return simple ? PQsendQuery(connection, sql.c_str()) == 1
-                  : PQsendQueryParams(connection, drivers::NumberedPlaceholders(sql).c_str(),
-                                      static_cast<int>(texts_.size()), types_.data(),
-                                      pointers_.data(), lengths_.data(), formats_.data(), 0) == 1;
+    return PQsendQueryParams(connection, sql.c_str(), static_cast<int>(texts_.size()),
+                             types_.data(), pointers_.data(), lengths_.data(), formats_.data(),
+                             0) == 1;
   }
 
  private:
+  // The server's numbers of types. It finds the type of the others from the place where they stand.
+  static constexpr Oid kFromPlace = 0;
   static constexpr Oid kBytea = 17;
+  static constexpr Oid kDate = 1082;
+  static constexpr Oid kTime = 1083;
+  static constexpr Oid kTimeStamp = 1114;
+  static constexpr Oid kNumeric = 1700;
 
-  // The server finds the type of all but bytes from the place where they stand.
-  void Add(std::string text, int format, bool null = false) {
+  static constexpr Oid TypeOf(data::ColumnKind kind) {
+    if (kind == data::ColumnKind::Date) return kDate;
+    return kind == data::ColumnKind::Time ? kTime : kTimeStamp;
+  }
+
+  void Add(std::string text, int format, Oid type = kFromPlace, bool null = false) {
     texts_.push_back(std::move(text));
     nulls_.push_back(null);
     formats_.push_back(format);
-    types_.push_back(format == 1 ? kBytea : 0);
+    types_.push_back(type);
   }
 
   std::vector<std::string> texts_;
@@ -94,9 +104,11 @@ class PostgresConnection final : public data::Connection {
     postgres_.reset();
   }
   std::int64_t Execute(std::string_view sql) override;
-  std::unique_ptr<data::Cursor> Query(std::string_view sql,
+  std::unique_ptr<data::Cursor> Query(std::string_view sql) override;
+  std::unique_ptr<data::Cursor> Query(const data::StatementParts& statement,
                                       std::span<const data::ParameterValue> parameters) override;
-  std::unique_ptr<data::PreparedStatement> Prepare(std::string_view sql) override;
+  std::unique_ptr<data::PreparedStatement> Prepare(const data::StatementParts& statement) override;
+  data::Lexis StatementLexis() const override;
   void Begin(Isolation isolation) override;
   void Commit() override;
   void Rollback() override;
@@ -110,6 +122,8 @@ class PostgresConnection final : public data::Connection {
   std::int64_t RowsChanged(const Result& result);
 
  private:
+  std::unique_ptr<data::Cursor> RowsSent();
+
   Handle postgres_;
   drivers::OpenCursors open_;
   std::int32_t lockMilliseconds_ = 10'000;
@@ -232,17 +246,34 @@ class Prepared final : public data::PreparedStatement {
   std::vector<Oid> types_;
 };
 
-std::unique_ptr<data::PreparedStatement> PostgresConnection::Prepare(std::string_view sql) {
+data::Lexis PostgresConnection::StatementLexis() const {
+  return {.nestedComments = true, .dollarQuotes = true, .escapeTexts = true, .subscripts = true};
+}
+
+std::unique_ptr<data::PreparedStatement> PostgresConnection::Prepare(
+    const data::StatementParts& statement) {
+  std::string sql = drivers::MarkedByNumbers(statement);
   Ready(sql);
-  return std::make_unique<Prepared>(*this, "kvshare" + std::to_string(++prepared_),
-                                    drivers::NumberedPlaceholders(sql));
+  return std::make_unique<Prepared>(*this, "kvshare" + std::to_string(++prepared_), std::move(sql));
+}
+
+std::unique_ptr<data::Cursor> PostgresConnection::Query(std::string_view sql) {
+  Ready(sql);
+  if (PQsendQuery(postgres_.get(), std::string(sql).c_str()) != 1) Fail(postgres_.get(), nullptr);
+  return RowsSent();
 }
 
 std::unique_ptr<data::Cursor> PostgresConnection::Query(
-    std::string_view sql, std::span<const data::ParameterValue> parameters) {
+    const data::StatementParts& statement, std::span<const data::ParameterValue> parameters) {
+  drivers::CheckParameters(statement.Parameters(), parameters.size());
+  const std::string sql = drivers::MarkedByNumbers(statement);
   Ready(sql);
-  const Values values(parameters);
-  if (!values.Send(postgres_.get(), std::string(sql))) Fail(postgres_.get(), nullptr);
+  if (!Values(parameters).Send(postgres_.get(), sql)) Fail(postgres_.get(), nullptr);
+  return RowsSent();
+}
+
+// Of the statement that has been sent.
+std::unique_ptr<data::Cursor> PostgresConnection::RowsSent() {
   PQsetSingleRowMode(postgres_.get());
   Result first(PQgetResult(postgres_.get()));
   // Of several statements the first that gives rows.
@@ -305,8 +336,7 @@ std::vector<std::string> PostgresConnection::TableNames(bool system) {
                      " AND c.relkind IN ('r', 'v') ORDER BY c.relname"
                    : "SELECT c.relname FROM pg_catalog.pg_class c JOIN pg_catalog.pg_namespace n"
                      " ON n.oid = c.relnamespace WHERE n.nspname = ANY (current_schemas(false))"
-                     " AND c.relkind IN ('r', 'p', 'v', 'm', 'f') ORDER BY c.relname",
-            {});
+                     " AND c.relkind IN ('r', 'p', 'v', 'm', 'f') ORDER BY c.relname");
   std::vector<std::string> names;
   while (rows->Next()) names.emplace_back(rows->Text(0));
   return names;

@@ -4,6 +4,7 @@
 
 #include "drivers/common/entry.h"
 #include "drivers/common/exactly.h"
+#include "drivers/common/statements.h"
 #include "drivers/sqlite/decimals.h"
 #include "drivers/sqlite/handles.h"
 #include "drivers/sqlite/rows.h"
@@ -53,19 +54,29 @@ struct Binder {
     return sqlite3_bind_blob(statement, place, value.bytes.data(), ClampSize(value.bytes.size()),
                              lifetime);
   }
+  int operator()(const data::Decimal& value) const { return (*this)(value.digits); }
+  int operator()(const data::Moment& value) const { return (*this)(value.text); }
 };
 
 void BindAll(sqlite3* database, sqlite3_stmt* statement,
              std::span<const data::ParameterValue> parameters, sqlite3_destructor_type lifetime) {
   const int places = sqlite3_bind_parameter_count(statement);
-  if (static_cast<std::size_t>(places) != parameters.size()) {
-    throw DriverError("the statement has " + std::to_string(places) + " parameters, given are " +
-                      std::to_string(parameters.size()));
-  }
+  CheckParameters(static_cast<std::size_t>(places), parameters.size());
   for (int i = 0; i < places; ++i) {
     const Binder bind{statement, i + 1, lifetime};
     if (std::visit(bind, parameters[static_cast<std::size_t>(i)]) != SQLITE_OK) Refuse(database);
   }
+}
+
+// The server knows numbered places itself.
+std::string Marked(const data::StatementParts& statement) {
+  std::string text = statement.texts.front();
+  for (std::size_t i = 0; i < statement.places.size(); ++i) {
+    text += '?';
+    text += std::to_string(statement.places[i] + 1);
+    text += statement.texts[i + 1];
+  }
+  return text;
 }
 
 class SqliteConnection : public data::Connection {
@@ -73,13 +84,15 @@ class SqliteConnection : public data::Connection {
   void Connect(const Pairs& parameters) override;
   void Disconnect() noexcept override;
   std::int64_t Execute(std::string_view sql) override;
-  std::unique_ptr<data::Cursor> Query(std::string_view sql,
+  std::unique_ptr<data::Cursor> Query(std::string_view sql) override;
+  std::unique_ptr<data::Cursor> Query(const data::StatementParts& parts,
                                       std::span<const data::ParameterValue> parameters) override;
-  std::unique_ptr<data::PreparedStatement> Prepare(std::string_view sql) override;
+  std::unique_ptr<data::PreparedStatement> Prepare(const data::StatementParts& parts) override;
+  data::Lexis StatementLexis() const override;
   void Begin(data::Isolation isolation) override;
   void Commit() override;
   void Rollback() override;
-  std::string Exactly(std::string_view column, data::ColumnKind kind) const override;
+  Condition Exactly(std::string_view column, data::ColumnKind kind) const override;
   std::vector<std::string> TableNames(bool system) override;
   void SetLockTimeout(std::int32_t milliseconds) override;
   std::string ServerVersion() override;
@@ -90,6 +103,8 @@ class SqliteConnection : public data::Connection {
  private:
   void CheckTransaction() const;
   void Run(const char* sql);
+  std::unique_ptr<data::Cursor> Run(std::string_view sql,
+                                    std::span<const data::ParameterValue> parameters);
   bool FreedSnapshot();
 
   Database database_;
@@ -207,18 +222,33 @@ class Prepared : public data::PreparedStatement {
   Statement statement_;
 };
 
-std::unique_ptr<data::PreparedStatement> SqliteConnection::Prepare(std::string_view sql) {
-  Statement statement = sqlite::Prepare(database_.get(), sql);
+std::unique_ptr<data::PreparedStatement> SqliteConnection::Prepare(
+    const data::StatementParts& parts) {
+  Statement statement = sqlite::Prepare(database_.get(), Marked(parts));
   if (!statement) throw DriverError("there is no statement to prepare");
   return std::make_unique<Prepared>(*this, database_.get(), std::move(statement));
 }
 
 // Whatever collation a table has for its texts.
-std::string SqliteConnection::Exactly(std::string_view column, data::ColumnKind kind) const {
+data::Connection::Condition SqliteConnection::Exactly(std::string_view column,
+                                                      data::ColumnKind kind) const {
   return ExactlyBy(kSqliteForms, column, kind);
 }
 
+std::unique_ptr<data::Cursor> SqliteConnection::Query(std::string_view sql) {
+  return Run(sql, {});
+}
+
 std::unique_ptr<data::Cursor> SqliteConnection::Query(
+    const data::StatementParts& parts, std::span<const data::ParameterValue> parameters) {
+  return Run(Marked(parts), parameters);
+}
+
+data::Lexis SqliteConnection::StatementLexis() const {
+  return {.backticks = true, .brackets = true};
+}
+
+std::unique_ptr<data::Cursor> SqliteConnection::Run(
     std::string_view sql, std::span<const data::ParameterValue> parameters) {
   CheckTransaction();
   Statement statement = sqlite::Prepare(database_.get(), sql);
@@ -229,7 +259,7 @@ std::unique_ptr<data::Cursor> SqliteConnection::Query(
     auto rows = std::make_unique<Rows>(database_.get(), std::move(statement), open_);
     return gives ? std::move(rows) : nullptr;
   } catch (const DriverError&) {
-    if (FreedSnapshot()) return Query(sql, parameters);
+    if (FreedSnapshot()) return Run(sql, parameters);
     throw;
   }
 }
@@ -260,7 +290,7 @@ std::vector<std::string> SqliteConnection::TableNames(bool system) {
   constexpr const char* kSystem =
       "SELECT 'sqlite_master' UNION ALL SELECT name FROM sqlite_master WHERE type = 'table' AND "
       "name LIKE 'sqlite\\_%' ESCAPE '\\'";
-  const auto rows = Query(system ? kSystem : kUser, {});
+  const auto rows = Query(system ? kSystem : kUser);
   std::vector<std::string> names;
   while (rows->Next()) names.emplace_back(rows->Text(0));
   return names;

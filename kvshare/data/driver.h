@@ -25,7 +25,7 @@
 namespace kvshare::data {
 
 // Changes with every change of this file that a driver can notice.
-inline constexpr std::int32_t kDriverContract = 3;
+inline constexpr std::int32_t kDriverContract = 4;
 
 // A failure in the server's own words.
 class KVSHARE_API DriverError : public std::runtime_error {
@@ -88,21 +88,61 @@ class KVSHARE_API Cursor {
   // To the first or the next row; false behind the last.
   virtual bool Next() = 0;
 
-  // The values of that row, columns from 0, in the form that the column's kind names; of a null or
-  // in another form they are unspecified. A view is valid until the next call of Next or of
-  // anything on the connection; the row itself stays.
+  // The values of that row, columns from 0, in the form that the column's kind names; of a null,
+  // and asked for in another form, they are unspecified. A value that does not have its column's
+  // form throws DriverError, and the row and its other values stay. A view is valid until the next
+  // call of Next or of anything on the connection.
   virtual bool IsNull(int column) const = 0;
   virtual std::int64_t Integer(int column) const = 0;
   virtual double Float(int column) const = 0;
   virtual std::string_view Text(int column) const = 0;
 };
 
-// A parameter's value: null, whole number, real, text, or bytes. Decimals and dates are texts in
-// the forms of ColumnKind.
+// A parameter's value: null, whole number, real, text, bytes, exact number, or a day or time. The
+// server is told which of them it gets: an amount beside an expression is a number there, not a
+// text that happens to have digits.
 struct Bytes {
   std::string bytes;
+  bool operator==(const Bytes&) const = default;
 };
-using ParameterValue = std::variant<std::monostate, std::int64_t, double, std::string, Bytes>;
+struct Decimal {
+  std::string digits;  // [-]digits[.digits]
+  bool operator==(const Decimal&) const = default;
+};
+struct Moment {
+  ColumnKind kind = ColumnKind::TimeStamp;  // or Date, Time
+  std::string text;                         // in the form of that kind
+  bool operator==(const Moment&) const = default;
+};
+using ParameterValue =
+    std::variant<std::monostate, std::int64_t, double, std::string, Bytes, Decimal, Moment>;
+
+// A statement with places for parameters: what stands before, between and behind the places, and
+// which parameter each place takes, counted from 0. One parameter may have several places.
+struct StatementParts {
+  std::vector<std::string> texts;  // one more than places
+  std::vector<std::size_t> places;
+
+  std::size_t Parameters() const;  // how many values it takes
+};
+
+// How a server reads statements, where that decides what is a parameter and what is not. Everywhere
+// '..' and ".." are quoted, `--` begins a comment up to the end of its line, and /* a longer one.
+struct Lexis {
+  bool backslashEscapes = false;   // \' inside '..' and ".."
+  bool hashComments = false;       // # to the end of the line
+  bool dashesNeedBlank = false;    // `--` is a comment only before a blank or the line's end
+  bool backticks = false;          // `..` is quoted
+  bool brackets = false;           // [..] is quoted
+  bool nestedComments = false;     // /* /* */ */
+  bool dollarQuotes = false;       // $$..$$ and $tag$..$tag$
+  bool escapeTexts = false;        // E'..' with backslashes
+  bool alternativeQuotes = false;  // q'{..}'
+  bool subscripts = false;         // a[l:u] has no parameters, and ?| ?& ? are operators
+  bool blocks = false;             // behind the AS of EXECUTE BLOCK a `:name` is its variable
+
+  bool operator==(const Lexis&) const = default;
+};
 
 // A statement that is run many times with other values, and gives no rows (those that it gives are
 // dropped). It lives at most as long as its connection is open.
@@ -137,26 +177,40 @@ class KVSHARE_API Connection {
   // where the server does not tell. Outside a transaction it commits itself.
   virtual std::int64_t Execute(std::string_view sql) = 0;
 
-  // A statement that gives rows; parameters stand for `?` in the text, in order. nullptr where the
-  // statement gave none (it has been executed).
-  virtual std::unique_ptr<Cursor> Query(std::string_view sql,
+  // A statement that gives rows, as it is or with parameters, as many as it takes. nullptr where it
+  // gave none (it has been executed).
+  virtual std::unique_ptr<Cursor> Query(std::string_view sql) = 0;
+  virtual std::unique_ptr<Cursor> Query(const StatementParts& statement,
                                         std::span<const ParameterValue> parameters) = 0;
 
-  // Parameters stand for `?` in the text, in order.
-  virtual std::unique_ptr<PreparedStatement> Prepare(std::string_view sql) = 0;
+  virtual std::unique_ptr<PreparedStatement> Prepare(const StatementParts& statement) = 0;
 
-  // Begin while one is active is never called. Servers without transactions do nothing.
+  // Of the server that is connected; before, of those that the driver is for.
+  virtual Lexis StatementLexis() const { return {}; }
+
+  // Begin while one is active is never called. Servers without transactions do nothing. A
+  // transaction lasts until Commit or Rollback: where a statement commits (CREATE TABLE on some
+  // servers, or the word itself), what follows is in a transaction again, and Rollback takes that
+  // back. Commit of a lost connection throws, as kind ConnectionLost, however often it is called.
   virtual void Begin(Isolation isolation) = 0;
   virtual void Commit() = 0;
   virtual void Rollback() = 0;
+
+  // How many times the active transaction, or the last one, has been committed before its Commit.
+  virtual std::int64_t EarlyCommits() const { return 0; }
 
   // Whether a statement that fails makes the server refuse all others of its transaction.
   // Everywhere else such a statement has changed nothing, and the others stand.
   virtual bool FailureEndsTransaction() const { return false; }
 
-  // A condition that holds for rows with exactly one value in `column`, `?` in it once: letter by
-  // letter and digit by digit also where the server's own `=` sees no difference.
-  virtual std::string Exactly(std::string_view column, ColumnKind kind) const;
+  // A condition that holds for rows with exactly one value in `column`, as what stands before and
+  // behind the place of that value: letter by letter and digit by digit also where the server's own
+  // `=` sees no difference.
+  struct Condition {
+    std::string before;
+    std::string behind;
+  };
+  virtual Condition Exactly(std::string_view column, ColumnKind kind) const;
   // A column's name between the server's quotation marks.
   virtual std::string Quoted(std::string_view name) const;
 

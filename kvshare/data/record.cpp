@@ -89,8 +89,20 @@ ParameterValue WireValueOf(const Cell& cell, TFieldForm form) {
     case CellKind::Text:
       break;
   }
-  if (form == TFieldForm::Bytes) return Bytes{std::string(cell.text)};
-  return form == TFieldForm::Text ? Cp874ToUtf8(cell.text) : std::string(cell.text);
+  switch (form) {
+    case TFieldForm::Bytes:
+      return Bytes{std::string(cell.text)};
+    case TFieldForm::Decimal:
+      return Decimal{std::string(cell.text)};
+    case TFieldForm::Date:
+      return Moment{ColumnKind::Date, std::string(cell.text)};
+    case TFieldForm::Time:
+      return Moment{ColumnKind::Time, std::string(cell.text)};
+    case TFieldForm::Moment:
+      return Moment{ColumnKind::TimeStamp, std::string(cell.text)};
+    default:
+      return Cp874ToUtf8(cell.text);
+  }
 }
 
 RecordLayout::RecordLayout(std::vector<TFieldForm> forms) : forms_(std::move(forms)) {

@@ -199,10 +199,11 @@ void Resolver::RunStatement(RowId row) {
 // Changes of one screen are alike: a few statements serve thousands of them.
 PreparedStatement& Resolver::Prepared() {
   constexpr std::size_t kMost = 100;
-  const auto known = prepared_.find(sql_.Text());
+  std::string text = sql_.Text();
+  const auto known = prepared_.find(text);
   if (known != prepared_.end()) return *known->second;
   if (prepared_.size() >= kMost) prepared_.clear();
-  return *prepared_.emplace(sql_.Text(), connection_.Prepare(sql_.Text())).first->second;
+  return *prepared_.emplace(std::move(text), connection_.Prepare(sql_.Parts())).first->second;
 }
 
 std::unique_ptr<TSQLQuery> Resolver::Fetch(RowId row) {

@@ -21,6 +21,7 @@ struct TSQLConnection::Session {
   data::DriverLibrary library;
   std::unique_ptr<data::Connection> connection;
   Transaction transaction = Transaction::None;
+  bool lost = false;
 };
 
 namespace {
@@ -76,13 +77,14 @@ std::string TSQLConnection::WithoutPassword(std::string text) const {
   return text;
 }
 
-void TSQLConnection::RefuseByServer(const data::DriverError& error) {
+void TSQLConnection::RefuseByServer(const data::DriverError& error, std::string_view words) {
   using Kind = data::DriverError::Kind;
+  if (session_ && error.What() == Kind::ConnectionLost) session_->lost = true;
   if (error.What() == Kind::Conflict && session_ && InTransaction()) {
     session_->transaction = Session::Transaction::Undone;
   }
   const std::string text = WithoutPassword(data::ServerText(error.what()));
-  throw EServerError(NamedMessage("SQL Server Error: " + text, this), error);
+  throw EServerError(NamedMessage(std::string(words) + "SQL Server Error: " + text, this), error);
 }
 
 template <typename Work>
@@ -94,12 +96,20 @@ auto TSQLConnection::Guarded(Work work) {
   }
 }
 
-template <typename Work>
-auto TSQLConnection::OnServer(Work work) {
-  Open();
+void TSQLConnection::CheckUsable() {
+  if (session_->lost) {
+    RefuseByServer(
+        data::DriverError("The connection was lost", data::DriverError::Kind::ConnectionLost));
+  }
   if (session_->transaction == Session::Transaction::Undone) {
     DatabaseError("The server undid the transaction", this);
   }
+}
+
+template <typename Work>
+auto TSQLConnection::OnServer(Work work) {
+  Open();
+  CheckUsable();
   return Guarded([&] { return work(*session_->connection); });
 }
 
@@ -148,7 +158,7 @@ void TSQLConnection::StartTransaction(const TTransactionDesc& description) {
   Open();
   if (InTransaction()) DatabaseError("A transaction is already active", this);
   const auto isolation = static_cast<data::Isolation>(description.IsolationLevel);
-  Guarded([&] { session_->connection->Begin(isolation); });
+  OnServer([&](data::Connection& connection) { connection.Begin(isolation); });
   session_->transaction = Session::Transaction::Active;
 }
 
@@ -163,6 +173,10 @@ void TSQLConnection::Rollback(const TTransactionDesc& /*description*/) {
   if (!InTransaction()) DatabaseError("There is no active transaction", this);
   session_->transaction = Session::Transaction::None;
   Guarded([&] { session_->connection->Rollback(); });
+}
+
+std::int64_t TSQLConnection::EarlyCommits() const {
+  return session_ ? session_->connection->EarlyCommits() : 0;
 }
 
 std::int64_t TSQLConnection::ExecuteDirect(std::string_view sql) {
@@ -188,14 +202,34 @@ std::string TSQLConnection::ServerVersion() {
       OnServer([](data::Connection& connection) { return connection.ServerVersion(); }));
 }
 
-std::unique_ptr<data::Cursor> TSQLConnection::OpenCursor(
-    std::string_view sql, const std::vector<data::ParameterValue>& parameters) {
-  return OnServer([&](data::Connection& connection) { return connection.Query(sql, parameters); });
+std::unique_ptr<data::Cursor> TSQLConnection::OpenCursor(std::string_view sql) {
+  const std::string text = data::StatementText(sql, this);
+  return OnServer([&](data::Connection& connection) { return connection.Query(text); });
 }
 
-std::unique_ptr<data::PreparedStatement> TSQLConnection::Prepare(std::string_view sql) {
-  const std::string text = data::StatementText(sql, this);
-  return OnServer([&](data::Connection& connection) { return connection.Prepare(text); });
+std::unique_ptr<data::Cursor> TSQLConnection::OpenCursor(
+    const data::StatementParts& statement, std::span<const data::ParameterValue> parameters) {
+  const data::StatementParts parts = WireParts(statement);
+  return OnServer(
+      [&](data::Connection& connection) { return connection.Query(parts, parameters); });
+}
+
+std::unique_ptr<data::PreparedStatement> TSQLConnection::Prepare(
+    const data::StatementParts& statement) {
+  const data::StatementParts parts = WireParts(statement);
+  return OnServer([&](data::Connection& connection) { return connection.Prepare(parts); });
+}
+
+data::StatementParts TSQLConnection::WireParts(const data::StatementParts& statement) const {
+  data::StatementParts parts{{}, statement.places};
+  parts.texts.reserve(statement.texts.size());
+  for (const std::string& text : statement.texts)
+    parts.texts.push_back(data::StatementText(text, this));
+  return parts;
+}
+
+data::Lexis TSQLConnection::StatementLexis() const {
+  return session_ ? session_->connection->StatementLexis() : data::kUnknownServer;
 }
 
 std::int64_t TSQLConnection::Run(data::PreparedStatement& statement,

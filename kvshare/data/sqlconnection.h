@@ -86,11 +86,17 @@ class KVSHARE_API TSQLConnection : public TComponent {
 
   // `A transaction is already active`; `There is no active transaction`. The ids are not compared.
   // After the server undid a transaction by itself, statements and Commit are refused with
-  // `The server undid the transaction` until Rollback.
+  // `The server undid the transaction` until Rollback; after the connection was lost, whoever
+  // noticed it, with `SQL Server Error: The connection was lost` until Close.
   void StartTransaction(const TTransactionDesc& description);
   void Commit(const TTransactionDesc& description);
   void Rollback(const TTransactionDesc& description);
   bool InTransaction() const;
+
+  // How many times the server has committed the active transaction, or the last one, before its
+  // Commit: what statements before such a moment wrote is there to stay. CREATE TABLE and its
+  // like do that on MariaDB and MySQL, the word COMMIT on all servers.
+  std::int64_t EarlyCommits() const;
 
   // One statement, as it is, without parameters or rows. The rows that it changed, 0 where the
   // server does not tell. A zero byte or one that is no letter is refused and nothing is sent.
@@ -116,14 +122,20 @@ class KVSHARE_API TSQLConnection : public TComponent {
   // The same for a statement, after connecting, unless the transaction was undone.
   template <typename Work>
   auto OnServer(Work work);
-  [[noreturn]] void RefuseByServer(const data::DriverError& error);
+  // `words` stand in front of the server's.
+  [[noreturn]] void RefuseByServer(const data::DriverError& error, std::string_view words = {});
+  void CheckUsable();
   std::string WithoutPassword(std::string text) const;
   void ApplyLockTimeout();
 
-  std::unique_ptr<data::Cursor> OpenCursor(std::string_view sql,
-                                           const std::vector<data::ParameterValue>& parameters);
+  // Statements are code page 874.
+  std::unique_ptr<data::Cursor> OpenCursor(std::string_view sql);
+  std::unique_ptr<data::Cursor> OpenCursor(const data::StatementParts& statement,
+                                           std::span<const data::ParameterValue> parameters);
   bool NextRow(data::Cursor& cursor);
-  std::unique_ptr<data::PreparedStatement> Prepare(std::string_view sql);
+  std::unique_ptr<data::PreparedStatement> Prepare(const data::StatementParts& statement);
+  data::StatementParts WireParts(const data::StatementParts& statement) const;
+  data::Lexis StatementLexis() const;
   std::int64_t Run(data::PreparedStatement& statement,
                    std::span<const data::ParameterValue> parameters);
   // The driver's own connection, for its facts.

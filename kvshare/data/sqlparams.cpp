@@ -13,23 +13,23 @@
 namespace kvshare {
 
 void TParam::SetAsString(std::string_view text) {
-  value_ = Cp874ToUtf8(text);
+  SetWireValue(Cp874ToUtf8(text));
 }
 
 void TParam::SetAsCurrency(Currency amount) {
-  value_ = data::DigitsOfCurrency(amount);
+  SetWireValue(data::Decimal{data::DigitsOfCurrency(amount)});
 }
 
 void TParam::SetAsDate(TDateTime moment) {
-  value_ = data::TextOfDate(moment);
+  SetWireValue(data::Moment{data::ColumnKind::Date, data::TextOfDate(moment)});
 }
 
 void TParam::SetAsTime(TDateTime moment) {
-  value_ = data::TextOfTime(moment);
+  SetWireValue(data::Moment{data::ColumnKind::Time, data::TextOfTime(moment)});
 }
 
 void TParam::SetAsDateTime(TDateTime moment) {
-  value_ = data::TextOfMoment(moment);
+  SetWireValue(data::Moment{data::ColumnKind::TimeStamp, data::TextOfMoment(moment)});
 }
 
 void TParam::AssignField(const TField& field) {
@@ -37,7 +37,7 @@ void TParam::AssignField(const TField& field) {
   value.Resize(1);
   std::string scratch;
   data::PutCell(value, 0, field.Record(), field.column_, field.form_, scratch);
-  value_ = data::WireValueOf(value.At(0), field.form_);
+  SetWireValue(data::WireValueOf(value.At(0), field.form_));
 }
 
 TParam& TParams::operator[](int index) {
@@ -97,9 +97,9 @@ std::size_t EndOfName(std::string_view sql, std::size_t at) {
 
 }  // namespace
 
-ParsedStatement ParseStatement(std::string_view sql) {
+ParsedStatement ParseStatement(std::string_view sql, const Lexis& /*lexis*/) {
   ParsedStatement parsed;
-  parsed.text.reserve(sql.size());
+  parsed.texts.emplace_back();
   for (std::size_t at = 0; at < sql.size();) {
     std::size_t end = SkipQuoted(sql, at);
     if (end == at) {
@@ -107,13 +107,13 @@ ParsedStatement ParseStatement(std::string_view sql) {
       if (named || sql[at] == '?') {
         end = named ? EndOfName(sql, at + 1) : at + 1;
         parsed.names.emplace_back(sql.substr(at + 1, end - at - 1));
-        parsed.text.push_back('?');
+        parsed.texts.emplace_back();
         at = end;
         continue;
       }
       end = at + (sql.substr(at, 2) == "::" ? 2 : 1);
     }
-    parsed.text.append(sql.substr(at, end - at));
+    parsed.texts.back().append(sql.substr(at, end - at));
     at = end;
   }
   return parsed;

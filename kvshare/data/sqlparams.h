@@ -17,35 +17,41 @@ namespace kvshare {
 
 class TField;
 
-// A parameter's value; Null until it is set. Amounts and dates go to the server as exact texts.
+// A parameter's value; Null until it is set. Amounts and dates go to the server exactly, as what
+// they are.
 class KVSHARE_API TParam {
  public:
   explicit TParam(std::string_view name) : name_(name) {}
 
   const std::string& Name() const { return name_; }
   bool IsNull() const { return value_.index() == 0; }
-  void Clear() { value_ = std::monostate{}; }
+  bool IsGiven() const { return given_; }  // a value has been set, Null too
+  void Clear() { SetWireValue({}); }
 
   // Characters of code page 874. Throws EConvertError for a byte that is no letter.
   void SetAsString(std::string_view text);
-  void SetAsInteger(std::int64_t value) { value_ = value; }
-  void SetAsFloat(double value) { value_ = value; }
-  void SetAsBoolean(bool value) { value_ = std::int64_t{value}; }
+  void SetAsInteger(std::int64_t value) { SetWireValue(value); }
+  void SetAsFloat(double value) { SetWireValue(value); }
+  void SetAsBoolean(bool value) { SetWireValue(std::int64_t{value}); }
   void SetAsCurrency(Currency amount);
   void SetAsDate(TDateTime moment);
   void SetAsTime(TDateTime moment);
   void SetAsDateTime(TDateTime moment);
-  void SetAsBlob(std::string_view bytes) { value_ = data::Bytes{std::string(bytes)}; }
+  void SetAsBlob(std::string_view bytes) { SetWireValue(data::Bytes{std::string(bytes)}); }
   // A field's value with all its digits, Null too. Throws as SetAsString does.
   void AssignField(const TField& field);
 
   // As it crosses the driver contract.
   const data::ParameterValue& WireValue() const { return value_; }
-  void SetWireValue(data::ParameterValue value) { value_ = std::move(value); }
+  void SetWireValue(data::ParameterValue value) {
+    value_ = std::move(value);
+    given_ = true;
+  }
 
  private:
   std::string name_;
   data::ParameterValue value_;
+  bool given_ = false;
 };
 
 // In the order of their first appearance in the statement.
@@ -72,10 +78,13 @@ std::size_t SkipQuoted(std::string_view sql, std::size_t at);
 // digit excepted; `::` is none, nor what stands in quotes ('..', "..", `..`) or comments (`--` to
 // the end of the line, /* .. */).
 struct ParsedStatement {
-  std::string text;                // every place as `?`
+  std::vector<std::string> texts;  // before, between and behind the places
   std::vector<std::string> names;  // of the places, in order; "" for `?`
 };
-KVSHARE_API ParsedStatement ParseStatement(std::string_view sql);
+KVSHARE_API ParsedStatement ParseStatement(std::string_view sql, const Lexis& lexis);
+
+// What a server reads that nobody knows yet.
+inline constexpr Lexis kUnknownServer{.backticks = true};
 
 }  // namespace data
 }  // namespace kvshare

@@ -97,15 +97,47 @@ int TSQLQuery::Lines::AddShared(std::string_view text, TObject* object, TStringI
   return TStringList::AddShared(text, object, identity);
 }
 
+template <typename Read>
+auto TSQLQuery::Row::Guarded(int column, Read read) const {
+  try {
+    return read(*cursor);
+  } catch (const data::DriverError& e) {
+    query_.RefuseField(column, e);
+  }
+}
+
+bool TSQLQuery::Row::IsNull(int column) const {
+  return !there || Guarded(column, [column](const auto& from) { return from.IsNull(column); });
+}
+
+std::int64_t TSQLQuery::Row::Integer(int column) const {
+  return Guarded(column, [column](const auto& from) { return from.Integer(column); });
+}
+
+double TSQLQuery::Row::Float(int column) const {
+  return Guarded(column, [column](const auto& from) { return from.Float(column); });
+}
+
+std::string_view TSQLQuery::Row::Text(int column) const {
+  return Guarded(column, [column](const auto& from) { return from.Text(column); });
+}
+
 void TSQLQuery::Row::AppendCharacters(std::string& out, int column) const {
-  AppendCp874(out, cursor->Text(column));
+  AppendCp874(out, Text(column));
+}
+
+void TSQLQuery::RefuseField(int column, const data::DriverError& error) const {
+  const std::string& name = row_.cursor->Columns()[static_cast<std::size_t>(column)].name;
+  connection_->RefuseByServer(error, "Field '" + data::ServerText(name) + "': ");
 }
 
 TSQLQuery::TSQLQuery(TComponent* owner, std::string_view name)
-    : TDataSet(owner, name), sql_([this] {
+    : TDataSet(owner, name),
+      sql_([this] {
         Close();
         parsed_ = false;
-      }) {}
+      }),
+      row_(*this) {}
 
 TSQLQuery::~TSQLQuery() {
   Close();
@@ -125,30 +157,41 @@ TParams& TSQLQuery::Params() {
   return params_;
 }
 
+// With the value that it had before, also where the server turns out to read the statement in
+// another way than was thought.
+TParam TSQLQuery::ParamNamed(const std::string& name, int unnamed) const {
+  const auto same = [&](const TParam& param) {
+    return name.empty() ? param.Name().empty() && unnamed-- == 0 : SameText(param.Name(), name);
+  };
+  const auto earlier = std::ranges::find_if(params_.params_, same);
+  return earlier == params_.params_.end() ? TParam(name) : *earlier;
+}
+
 void TSQLQuery::Parse() {
-  if (parsed_) return;
-  data::ParsedStatement statement = data::ParseStatement(sql_.Text());
+  const data::Lexis lexis =
+      connection_ == nullptr ? data::kUnknownServer : connection_->StatementLexis();
+  const bool again = parsedBy_ == lexis;
+  if (parsed_ && again) return;
+  data::ParsedStatement statement = data::ParseStatement(sql_.Text(), lexis);
   TParams params;
-  places_.clear();
+  data::StatementParts parts{std::move(statement.texts), {}};
+  int unnamed = parsed_ ? 0 : params_.Count();  // of another statement they mean something else
   for (const std::string& name : statement.names) {
     TParam* known = name.empty() ? nullptr : params.FindParam(name);
     if (known == nullptr) {
-      const TParam* earlier = name.empty() ? nullptr : params_.FindParam(name);
-      params.params_.push_back(earlier != nullptr ? *earlier : TParam(name));
+      params.params_.push_back(ParamNamed(name, name.empty() ? unnamed++ : 0));
       known = &params.params_.back();
     }
-    places_.push_back(static_cast<std::size_t>(known - params.params_.data()));
+    parts.places.push_back(static_cast<std::size_t>(known - params.params_.data()));
   }
   params_ = std::move(params);
-  parsedText_ = std::move(statement.text);
+  parts_ = std::move(parts);
+  parsedBy_ = lexis;
   parsed_ = true;
 }
 
-std::vector<data::ParameterValue> TSQLQuery::PlaceValues() const {
-  std::vector<data::ParameterValue> values;
-  values.reserve(places_.size());
-  for (const std::size_t place : places_) values.push_back(params_.params_[place].WireValue());
-  return values;
+bool TSQLQuery::AnyGiven() const {
+  return std::ranges::any_of(params_.params_, &TParam::IsGiven);
 }
 
 void TSQLQuery::CheckReady() const {
@@ -160,15 +203,21 @@ void TSQLQuery::CheckReady() const {
 
 std::unique_ptr<data::Cursor> TSQLQuery::Run() {
   CheckReady();
+  connection_->Open();
   Parse();
-  return connection_->OpenCursor(data::StatementText(parsedText_, this), PlaceValues());
+  if (!AnyGiven()) return connection_->OpenCursor(sql_.Text());
+  std::vector<data::ParameterValue> values;
+  values.reserve(params_.params_.size());
+  for (const TParam& param : params_.params_) values.push_back(param.WireValue());
+  return connection_->OpenCursor(parts_, values);
 }
 
 std::int64_t TSQLQuery::ExecSQL() {
   Close();
   CheckReady();
+  connection_->Open();
   Parse();
-  if (places_.empty()) return connection_->ExecuteDirect(sql_.Text());
+  if (!AnyGiven()) return connection_->ExecuteDirect(sql_.Text());
   Run();
   return -1;
 }

@@ -27,19 +27,20 @@ class KVSHARE_API TSQLQuery : public TDataSet {
   void SetSQLConnection(TSQLConnection* connection);  // another one closes
 
   // The statement, one list item a line; it is sent as Text. Changing it closes the query. A
-  // statement without parameters reaches the server untouched.
+  // statement none of whose parameters has been given a value reaches the server untouched.
   TStrings& SQL() { return sql_; }
   const TStrings& SQL() const { return sql_; }
 
   // `:name` and `?` in the statement (sqlparams.h), each name once. Values stay when the statement
-  // changes, by name; a `?` is reached by its number alone.
+  // changes, by name; a `?` is reached by its number alone. Where one has been given a value, the
+  // others are Null until they are.
   TParams& Params();
   TParam& ParamByName(std::string_view name) { return Params().ParamByName(name); }
 
   // Open throws EDatabaseError `Missing SQLConnection property`,
   // `Missing query, table name or procedure name`, `Cursor not returned from Query`, EServerError.
 
-  // Runs a statement without rows; the rows that it changed, -1 where there are parameters.
+  // Runs a statement without rows; the rows that it changed, -1 where parameters have values.
   std::int64_t ExecSQL();
 
   // The rows read so far, with the current one: 0 only for an empty set, all at Eof.
@@ -72,29 +73,39 @@ class KVSHARE_API TSQLQuery : public TDataSet {
     std::function<void()> changing_;
   };
 
+  // A value that the driver cannot give throws EServerError, which names the field.
   class Row : public TRecordReader {
    public:
-    bool IsNull(int column) const override { return !there || cursor->IsNull(column); }
-    std::int64_t Integer(int column) const override { return cursor->Integer(column); }
-    double Float(int column) const override { return cursor->Float(column); }
-    std::string_view Text(int column) const override { return cursor->Text(column); }
+    explicit Row(const TSQLQuery& query) : query_(query) {}
+    bool IsNull(int column) const override;
+    std::int64_t Integer(int column) const override;
+    double Float(int column) const override;
+    std::string_view Text(int column) const override;
     void AppendCharacters(std::string& out, int column) const override;
 
     std::unique_ptr<data::Cursor> cursor;
     bool there = false;
+
+   private:
+    template <typename Read>
+    auto Guarded(int column, Read read) const;
+
+    const TSQLQuery& query_;
   };
 
   void CheckReady() const;
   void Parse();
-  std::vector<data::ParameterValue> PlaceValues() const;
+  TParam ParamNamed(const std::string& name, int unnamed) const;
+  bool AnyGiven() const;
+  [[noreturn]] void RefuseField(int column, const data::DriverError& error) const;
   std::unique_ptr<data::Cursor> Run();
   void RunAgain();
 
   TSQLConnection* connection_ = nullptr;
   Lines sql_;
   TParams params_;
-  std::vector<std::size_t> places_;  // which parameter stands at each place
-  std::string parsedText_;
+  data::StatementParts parts_;  // code page 874
+  data::Lexis parsedBy_;
   bool parsed_ = false;
   Row row_;
   bool fresh_ = false;  // no row of the cursor has been read

@@ -26,12 +26,21 @@ std::optional<std::string> NextMillisecond(std::string_view text, TFieldForm for
 }  // namespace
 
 void UpdateSql::Begin(std::string_view words) {
-  text_ = words;
+  parts_.texts.assign(1, std::string(words));
+  parts_.places.clear();
   values_.clear();
 }
 
-void UpdateSql::AddValue(const Cell& cell, TFieldForm form) {
-  values_.push_back(WireValueOf(cell, form));
+void UpdateSql::AddPlace(ParameterValue value) {
+  parts_.places.push_back(values_.size());
+  parts_.texts.emplace_back();
+  values_.push_back(std::move(value));
+}
+
+std::string UpdateSql::Text() const {
+  std::string text = parts_.texts.front();
+  for (std::size_t i = 1; i < parts_.texts.size(); ++i) text.append("?").append(parts_.texts[i]);
+  return text;
 }
 
 bool UpdateSql::IsKey(int column) const {
@@ -44,35 +53,41 @@ bool UpdateSql::Changed(int column, const Record& before, const Record& now) con
 
 void UpdateSql::Insert(const Record& record) {
   Begin("insert into ");
-  text_ += target_.table;
-  std::string places;
-  const auto add = [&](bool nulls) {
+  Add(target_.table);
+  std::vector<int> written;
+  const auto take = [&](bool nulls) {
     for (int i = 0; i < layout_.Columns(); ++i) {
       const UpdateColumn& column = target_.columns[static_cast<std::size_t>(i)];
-      if (!column.flags.pfInUpdate || record.IsNull(i) != nulls) continue;
-      text_ += places.empty() ? " (" : ", ";
-      text_ += column.name;
-      places += places.empty() ? "?" : ", ?";
-      AddValue(record.At(layout_, i), layout_.Form(i));
+      if (column.flags.pfInUpdate && record.IsNull(i) == nulls) written.push_back(i);
     }
   };
-  add(false);
-  if (places.empty()) add(true);  // a record without any value is one all the same
-  text_ += ") values (";
-  text_ += places;
-  text_ += ')';
+  take(false);
+  if (written.empty()) take(true);  // a record without any value is one all the same
+  std::string_view joint = " (";
+  for (const int i : written) {
+    Add(joint);
+    Add(target_.columns[static_cast<std::size_t>(i)].name);
+    joint = ", ";
+  }
+  joint = ") values (";
+  for (const int i : written) {
+    Add(joint);
+    AddPlace(record.At(layout_, i), layout_.Form(i));
+    joint = ", ";
+  }
+  Add(")");
 }
 
 bool UpdateSql::Update(const Record& before, const Record& now) {
   Begin("update ");
-  text_ += target_.table;
+  Add(target_.table);
   for (int i = 0; i < layout_.Columns(); ++i) {
     const UpdateColumn& column = target_.columns[static_cast<std::size_t>(i)];
     if (!column.flags.pfInUpdate || !Changed(i, before, now)) continue;
-    text_ += values_.empty() ? " set " : ", ";
-    text_ += column.name;
-    text_ += " = ?";
-    AddValue(now.At(layout_, i), layout_.Form(i));
+    Add(values_.empty() ? " set " : ", ");
+    Add(column.name);
+    Add(" = ");
+    AddPlace(now.At(layout_, i), layout_.Form(i));
   }
   if (values_.empty()) return false;
   Where(before, &now);
@@ -81,7 +96,7 @@ bool UpdateSql::Update(const Record& before, const Record& now) {
 
 void UpdateSql::Delete(const Record& before) {
   Begin("delete from ");
-  text_ += target_.table;
+  Add(target_.table);
   Where(before, nullptr);
 }
 
@@ -90,15 +105,15 @@ bool UpdateSql::Select(const Record& record) {
   std::string_view joint;
   for (const UpdateColumn& column : target_.columns) {
     if (!column.inTable) continue;
-    text_ += joint;
-    text_ += column.name;
+    Add(joint);
+    Add(column.name);
     joint = ", ";
   }
-  text_ += " from ";
-  text_ += target_.table;
-  text_ += " where ";
+  Add(" from ");
+  Add(target_.table);
+  Add(" where ");
   for (const int column : target_.key) {
-    if (column != target_.key.front()) text_ += " and ";
+    if (column != target_.key.front()) Add(" and ");
     Condition(column, record.At(layout_, column), false);
   }
   return !target_.key.empty();
@@ -123,7 +138,7 @@ void UpdateSql::Where(const Record& before, const Record* now) {
   std::string_view joint = " where ";
   for (int i = 0; i < layout_.Columns(); ++i) {
     if (!Finds(i, &before, now)) continue;
-    text_ += joint;
+    Add(joint);
     joint = " and ";
     Condition(i, before.At(layout_, i), true);
   }
@@ -134,8 +149,8 @@ void UpdateSql::Condition(int column, const Cell& value, bool exactly) {
   const UpdateColumn& known = target_.columns[static_cast<std::size_t>(column)];
   const TFieldForm form = layout_.Form(column);
   if (value.kind == CellKind::Null) {
-    text_ += known.name;
-    text_ += " is null";
+    Add(known.name);
+    Add(" is null");
     return;
   }
   if (form == TFieldForm::Time || form == TFieldForm::Moment) {
@@ -144,27 +159,28 @@ void UpdateSql::Condition(int column, const Cell& value, bool exactly) {
   // A key is compared in the server's own way too: that is the one that its index knows.
   const bool plainly = !exactly || (IsKey(column) && form == TFieldForm::Text);
   if (plainly) {
-    text_ += known.name;
-    text_ += " = ?";
-    AddValue(value, form);
+    Add(known.name);
+    Add(" = ");
+    AddPlace(value, form);
   }
   if (!exactly) return;
-  if (plainly) text_ += " and ";
-  text_ += known.equal;
-  AddValue(value, form);
+  if (plainly) Add(" and ");
+  Add(known.equal.before);
+  AddPlace(value, form);
+  Add(known.equal.behind);
 }
 
 // Servers may keep digits past the milliseconds, which are not read.
 void UpdateSql::MomentCondition(const UpdateColumn& column, const Cell& value, TFieldForm form) {
   const std::optional<std::string> next = NextMillisecond(value.text, form);
-  text_ += column.name;
-  text_ += next ? " >= ?" : " = ?";
-  AddValue(value, form);
+  Add(column.name);
+  Add(next ? " >= " : " = ");
+  AddPlace(value, form);
   if (!next) return;
-  text_ += " and ";
-  text_ += column.name;
-  text_ += " < ?";
-  values_.emplace_back(*next);
+  Add(" and ");
+  Add(column.name);
+  Add(" < ");
+  AddPlace(WireValueOf(Cell::Of(std::string_view(*next)), form));
 }
 
 }  // namespace kvshare::data

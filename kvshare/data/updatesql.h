@@ -18,9 +18,9 @@ struct UpdateColumn {
   std::string name;
   ColumnKind kind = ColumnKind::Text;
   TProviderFlags flags;
-  bool comparable = true;  // no memo, no blob
-  bool inTable = true;     // not worked out by the query or the program
-  std::string equal;       // the condition that it has a value
+  bool comparable = true;       // no memo, no blob
+  bool inTable = true;          // not worked out by the query or the program
+  Connection::Condition equal;  // that it has a value, in code page 874
 };
 
 // Where the changes go and how their records are found.
@@ -39,8 +39,10 @@ class UpdateSql {
       : layout_(layout), target_(target) {}
 
   // What the last one made; code page 874.
-  const std::string& Text() const { return text_; }
+  const StatementParts& Parts() const { return parts_; }
   std::span<const ParameterValue> Values() const { return values_; }
+  // The same with `?` in each place.
+  std::string Text() const;
 
   void Insert(const Record& record);
   // False where nothing that may be written has changed: there is no statement then.
@@ -51,7 +53,9 @@ class UpdateSql {
 
  private:
   void Begin(std::string_view words);
-  void AddValue(const Cell& cell, TFieldForm form);
+  void Add(std::string_view text) { parts_.texts.back() += text; }
+  void AddPlace(ParameterValue value);
+  void AddPlace(const Cell& cell, TFieldForm form) { AddPlace(WireValueOf(cell, form)); }
   bool IsKey(int column) const;
   bool Changed(int column, const Record& before, const Record& now) const;
   // Which columns find the record.
@@ -62,7 +66,7 @@ class UpdateSql {
 
   const RecordLayout& layout_;
   const UpdateTarget& target_;
-  std::string text_;
+  StatementParts parts_;
   std::vector<ParameterValue> values_;
 };
 

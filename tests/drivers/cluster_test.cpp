@@ -129,7 +129,8 @@ class Poster {
     for (int line = 1; line <= kLines; ++line) {
       const std::vector<data::ParameterValue> row = {std::int64_t{document}, std::int64_t{line},
                                                      "เงินสด"};
-      connection_->Query("INSERT INTO kv_lines (document, line, t) VALUES (?, ?, ?)", row);
+      connection_->Query(WithPlaces("INSERT INTO kv_lines (document, line, t) VALUES (?, ?, ?)"),
+                         row);
     }
     connection_->Commit();
   }

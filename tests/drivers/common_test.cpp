@@ -5,7 +5,7 @@
 
 #include "drivers/common/forms.h"
 #include "drivers/common/parameters.h"
-#include "drivers/common/placeholders.h"
+#include "drivers/common/statements.h"
 #include "kvshare/data/driver.h"
 
 namespace kvshare::drivers {
@@ -102,34 +102,15 @@ TEST(HostName, HostAndPort) {
   }
 }
 
-TEST(Placeholders, AreNumberedOutsideLiteralsAndComments) {
-  struct Case {
-    const char* sql;
-    const char* want;
-  };
-  constexpr Case kCases[] = {
-      {"", ""},
-      {"a=? AND b IN (?,?)", "a=$1 AND b IN ($2,$3)"},
-      {"'?' ?", "'?' $1"},
-      {"'it''s ?' ?", "'it''s ?' $1"},
-      {"'\\' ? '?'", "'\\' $1 '?'"},  // a backslash escapes nothing here
-      {"E'\\'?' ?", "E'\\'?' $1"},    // but here
-      {"e'\\\\' ?", "e'\\\\' $1"},
-      {"CASE'\\' ? '?'", "CASE'\\' $1 '?'"},  // that E ends a word
-      {"\"a?\"\"b?\" ?", "\"a?\"\"b?\" $1"},
-      {"-- ?\n?", "-- ?\n$1"},
-      {"--?\r\n? - ?", "--?\r\n$1 - $2"},
-      {"/* ? /* ? */ ? */ ?", "/* ? /* ? */ ? */ $1"},
-      {"$$?$$ ?", "$$?$$ $1"},
-      {"$a$ $b$ ? $$ $a$ ?", "$a$ $b$ ? $$ $a$ $1"},
-      {"a$b$c ?", "a$b$c $1"},         // part of a name
-      {"$1 ? $2$ ?", "$1 $1 $2$ $2"},  // numbers begin no tag
-      {"'never closed ?", "'never closed ?"},
-      {"/* never closed ?", "/* never closed ?"},
-      {"$x$ never closed ?", "$x$ never closed ?"},
-      {"ก'?'? ", "ก'?'$1 "},
-  };
-  for (const Case& c : kCases) EXPECT_EQ(NumberedPlaceholders(c.sql), c.want) << c.sql;
+TEST(Statements, AreMarkedAsEachClientWants) {
+  const data::StatementParts statement{{"a = ", " OR b = ", " OR c = ", ""}, {1, 0, 1}};
+  EXPECT_EQ(MarkedByQuestions(statement), "a = ? OR b = ? OR c = ?");
+  EXPECT_EQ(MarkedByNumbers(statement), "a = $2 OR b = $1 OR c = $2");
+  const std::vector<data::ParameterValue> values = {std::int64_t{1}, "x"};
+  const std::vector<data::ParameterValue> byPlace = {"x", std::int64_t{1}, "x"};
+  EXPECT_EQ(ValuesByPlace(statement.places, values), byPlace);
+  EXPECT_THROW(ValuesByPlace(statement.places, std::span(values).first(1)), data::DriverError);
+  EXPECT_EQ(MarkedByNumbers({{"SELECT '?'"}, {}}), "SELECT '?'");
 }
 
 }  // namespace

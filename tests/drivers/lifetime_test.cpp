@@ -29,7 +29,7 @@ void FillNumbers(data::Connection& connection) {
   connection.Begin(Isolation::ReadCommitted);
   for (int n = 1; n <= kRows; ++n) {
     const std::vector<data::ParameterValue> row = {std::int64_t{n}, "ลำดับ " + std::to_string(n)};
-    connection.Query("INSERT INTO kv_numbers VALUES (?, ?)", row);
+    connection.Query(WithPlaces("INSERT INTO kv_numbers VALUES (?, ?)"), row);
   }
   connection.Commit();
 }
@@ -45,9 +45,9 @@ class Overlapping : public testing::Test {
 
   std::unique_ptr<data::Cursor> Numbers(bool byParameter) {
     const std::vector<data::ParameterValue> zero = {std::int64_t{0}};
-    return byParameter
-               ? connection_->Query("SELECT n, t FROM kv_numbers WHERE n > ? ORDER BY n", zero)
-               : connection_->Query("SELECT n, t FROM kv_numbers ORDER BY n", {});
+    return byParameter ? connection_->Query(
+                             WithPlaces("SELECT n, t FROM kv_numbers WHERE n > ? ORDER BY n"), zero)
+                       : connection_->Query("SELECT n, t FROM kv_numbers ORDER BY n");
   }
 
   // Reads on from row `n` to the end.
@@ -99,7 +99,7 @@ TEST_F(Overlapping, ACursorThatIsLeftEarlyFreesTheConnection) {
 TEST_F(Overlapping, AnErrorInALaterRowComesWhereTheRowWouldBe) {
   if (CurrentDialect().viaOdbc || std::string(CurrentDialect().server) == "mariadb")
     return;  // divides to null
-  const auto cursor = connection_->Query("SELECT 1 / (1500 - n) FROM kv_numbers", {});
+  const auto cursor = connection_->Query("SELECT 1 / (1500 - n) FROM kv_numbers");
   ASSERT_TRUE(cursor->Next());
   connection_->Execute("DELETE FROM kv_numbers WHERE n = 0");
   int rows = 1;
@@ -124,7 +124,7 @@ TEST_F(Overlapping, DisconnectingIsNotTheEndOfTheRows) {
 TEST(Statements, WithoutRowsGiveNoCursor) {
   const auto connection = Connected();
   CreateTable(*connection, "kv_none", "n INTEGER");
-  EXPECT_EQ(connection->Query("INSERT INTO kv_none VALUES (1)", {}), nullptr);
+  EXPECT_EQ(connection->Query("INSERT INTO kv_none VALUES (1)"), nullptr);
   connection->Execute("SELECT n FROM kv_none");
   EXPECT_THAT(RowsOf(*connection, "SELECT n FROM kv_none"), ElementsAre(ElementsAre("1")));
 }
@@ -133,8 +133,9 @@ TEST(Statements, WantTheirParameters) {
   const auto connection = Connected();
   CreateTable(*connection, "kv_wanted", "n INTEGER, t VARCHAR(9)");
   const std::vector<data::ParameterValue> two = {std::int64_t{1}, std::int64_t{2}};
-  EXPECT_THROW(connection->Query("SELECT n FROM kv_wanted WHERE n = ?", two), data::DriverError);
-  EXPECT_THROW(connection->Query("SELECT n FROM kv_wanted WHERE n = ?", {}), data::DriverError);
+  EXPECT_THROW(connection->Query(WithPlaces("SELECT n FROM kv_wanted WHERE n = ?"), two),
+               data::DriverError);
+  EXPECT_THROW(connection->Query("SELECT n FROM kv_wanted WHERE n = ?"), data::DriverError);
   const std::vector<data::ParameterValue> one = {std::int64_t{1}};
   EXPECT_EQ(RowsOf(*connection,
                    "SELECT n FROM kv_wanted /* why? */ WHERE t <> '?' AND n = ? -- really?", one)
@@ -215,7 +216,7 @@ TEST(Killed, TheServerInTheMiddleOfATransaction) {
   connection->Begin(Isolation::ReadCommitted);
   connection->Execute("DELETE FROM kv_numbers WHERE n = 1");
   const auto cursor = other->Query(
-      streams ? "SELECT a.n FROM kv_numbers a, kv_numbers b, kv_numbers c" : "SELECT 1", {});
+      streams ? "SELECT a.n FROM kv_numbers a, kv_numbers b, kv_numbers c" : "SELECT 1");
   ASSERT_TRUE(cursor->Next());
 
   KillServer();

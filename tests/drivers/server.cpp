@@ -56,9 +56,21 @@ std::string TextOf(const data::Cursor& cursor, int column) {
   }
 }
 
+data::StatementParts WithPlaces(std::string_view sql) {
+  data::StatementParts parts;
+  for (;;) {
+    const std::size_t place = sql.find('?');
+    parts.texts.emplace_back(sql.substr(0, place));
+    if (place == std::string_view::npos) return parts;
+    parts.places.push_back(parts.places.size());
+    sql.remove_prefix(place + 1);
+  }
+}
+
 std::vector<std::vector<std::string>> RowsOf(data::Connection& connection, const std::string& sql,
                                              std::span<const data::ParameterValue> values) {
-  const auto cursor = connection.Query(sql, values);
+  const auto cursor =
+      values.empty() ? connection.Query(sql) : connection.Query(WithPlaces(sql), values);
   if (!cursor) throw std::logic_error("no rows: " + sql);
   std::vector<std::vector<std::string>> rows;
   while (cursor->Next()) {

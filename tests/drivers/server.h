@@ -26,6 +26,9 @@ ConnectionParameters ServerParameters();
 ConnectionPointer MakeConnection();  // closed
 ConnectionPointer Connected();
 
+// The statement with each `?` taken out as the place of a parameter of its own.
+data::StatementParts WithPlaces(std::string_view sql);
+
 // The rows of a query, each value as its text; "NULL" for a null.
 std::vector<std::vector<std::string>> RowsOf(data::Connection& connection, const std::string& sql,
                                              std::span<const data::ParameterValue> values = {});

@@ -163,7 +163,7 @@ TEST_F(Transactions, ErrorsCarryTheServersWords) {
                              testing::HasSubstr("duplicate key value violates unique constraint"),
                              testing::HasSubstr("violation of PRIMARY or UNIQUE KEY constraint")));
   EXPECT_EQ(KindOfFailure([this] { first_->Execute("SELEC 1"); }, &text), Kind::Other);
-  EXPECT_EQ(KindOfFailure([this] { first_->Query("SELECT v FROM kv_nowhere", {}); }, &text),
+  EXPECT_EQ(KindOfFailure([this] { first_->Query("SELECT v FROM kv_nowhere"); }, &text),
             Kind::Other);
   EXPECT_THAT(text,
               testing::AnyOf(testing::HasSubstr("kv_nowhere"), testing::HasSubstr("KV_NOWHERE")));

@@ -63,7 +63,8 @@ void ExpectKept(const std::string& type,
   for (const auto& [value, want] : all) {
     connection->Execute("DELETE FROM kv_value");
     const std::vector<ParameterValue> row = {std::int64_t{1}, value};
-    EXPECT_EQ(connection->Query("INSERT INTO kv_value (k, v) VALUES (?, ?)", row), nullptr);
+    EXPECT_EQ(connection->Query(WithPlaces("INSERT INTO kv_value (k, v) VALUES (?, ?)"), row),
+              nullptr);
     for (const bool byParameter : {false, true}) {
       std::string got = ReadBack(*connection, byParameter);
       if (want.find(':') == 2 || want.find(':') == 13) got = WithMilliseconds(got);
@@ -139,7 +140,7 @@ TEST(Values, ColumnsTellTheirKinds) {
               "a INTEGER NOT NULL, b BIGINT, c DECIMAL(18,4), d " + std::string(d.real) +
                   ", e VARCHAR(100), f CHAR(7), g " + d.text + ", h " + d.bytes + ", i DATE, j " +
                   d.time + ", k " + d.moment);
-  const auto cursor = connection->Query("SELECT * FROM kv_kinds", {});
+  const auto cursor = connection->Query("SELECT * FROM kv_kinds");
   std::vector<ColumnKind> kinds;
   for (const data::Column& column : cursor->Columns()) kinds.push_back(column.kind);
   EXPECT_THAT(kinds, ElementsAre(ColumnKind::Integer, ColumnKind::Largeint, ColumnKind::Decimal,
@@ -184,7 +185,7 @@ TEST(Values, WithoutAFormAreErrors) {
   const auto connection = Connected();
   for (const Case& c : kCases) {
     if (std::string(c.server) != CurrentDialect().server) continue;
-    const auto cursor = connection->Query(c.sql, {});
+    const auto cursor = connection->Query(c.sql);
     ASSERT_TRUE(cursor->Next());
     EXPECT_THROW(cursor->Text(0), data::DriverError) << c.sql;
     connection->Execute("DELETE FROM kv_strict");  // moves the row into memory
@@ -207,7 +208,7 @@ TEST(Values, ThaiCharacterSetOfTheServer) {
   CreateTable(*connection, "kv_tis",
               "t VARCHAR(300) CHARACTER SET TIS620, b BLOB SUB_TYPE TEXT CHARACTER SET TIS620");
   const std::vector<ParameterValue> row = {ThaiLetters(), ThaiLetters()};
-  connection->Query("INSERT INTO kv_tis VALUES (?, ?)", row);
+  connection->Query(WithPlaces("INSERT INTO kv_tis VALUES (?, ?)"), row);
   EXPECT_THAT(RowsOf(*connection, "SELECT t, b FROM kv_tis"),
               ElementsAre(ElementsAre(ThaiLetters(), ThaiLetters())));
 }
