@@ -1,14 +1,8 @@
 #include "kvshare/data/driver.h"
 
-#include <algorithm>
-
 namespace kvshare::data {
 
 DriverError::~DriverError() = default;
-
-std::size_t StatementParts::Parameters() const {
-  return places.empty() ? 0 : std::ranges::max(places) + 1;
-}
 
 Connection::Condition Connection::Exactly(std::string_view column, ColumnKind /*kind*/) const {
   return {std::string(column) + " = ", ""};

@@ -10,6 +10,7 @@
 // connection. Whatever fails throws DriverError; nothing else leaves a driver but std::bad_alloc.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -123,7 +124,10 @@ struct StatementParts {
   std::vector<std::string> texts;  // one more than places
   std::vector<std::size_t> places;
 
-  std::size_t Parameters() const;  // how many values it takes
+  // How many values it takes.
+  std::size_t Parameters() const {
+    return places.empty() ? 0 : *std::max_element(places.begin(), places.end()) + 1;
+  }
 };
 
 // How a server reads statements, where that decides what is a parameter and what is not. Everywhere

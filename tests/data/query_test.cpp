@@ -192,7 +192,7 @@ TEST(Param, MomentsHaveAllTheirDigits) {
         Format("%.2d:%.2d:%.2d", {int{time.Hour}, int{time.Minute}, int{time.Second}});
     if (time.MilliSecond != 0) AppendFormat(clock, ".%.3d", {int{time.MilliSecond}});
     TParam param("P");
-    const auto text = [&] { return std::get<std::string>(param.WireValue()); };
+    const auto text = [&] { return std::get<data::Moment>(param.WireValue()).text; };
     param.SetAsDate(moment);
     ASSERT_EQ(text(), day);
     param.SetAsTime(moment);
