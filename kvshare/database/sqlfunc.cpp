@@ -26,7 +26,8 @@ void ShowStatementError(std::string_view message, std::string_view statement) {
   ShowSQLError(Format("พบข้อผิดพลาด\r\n%s\r\nขณะทำคำสั่ง\r\n%s"_th, {message, statement}));
 }
 
-void Configure(TSQLConnection& connection, std::string_view name) {
+// The name lies outside the connection, which changes.
+void Configure(TSQLConnection& connection, const std::string& name) {
   connection.SetConnectionName(name);
   connection.SetDriverName(GetdbxTradeName(name));
   // After the driver's name, which empties them.
@@ -78,10 +79,11 @@ int QuoteBeforeName(std::string_view first) {
 }  // namespace
 
 bool CanConnectDBMS(TSQLConnection& Connection, std::string_view Name) {
-  if (!Isdbx(Name)) return false;
+  const std::string name(Name);
+  if (!Isdbx(name)) return false;
   bool connected = false;
   try {
-    Configure(Connection, Name);
+    Configure(Connection, name);
     Connection.SetConnected(true);
     connected = true;
   } catch (const Exception& e) {
@@ -92,10 +94,11 @@ bool CanConnectDBMS(TSQLConnection& Connection, std::string_view Name) {
 }
 
 void ConnectDBMS(TSQLConnection& Connection, std::string_view Name, bool ShowError) {
+  const std::string name(Name);
   Connection.SetConnected(false);
-  if (TKovraString::Empty(Name)) return;
+  if (TKovraString::Empty(name)) return;
   try {
-    Configure(Connection, Name);
+    Configure(Connection, name);
     Connection.SetConnected(true);
   } catch (const Exception& e) {
     if (ShowError) ShowSQLError(e.Message());
@@ -107,16 +110,16 @@ void DisConnectDBMS(TSQLConnection& Connection) {
 }
 
 void RunSQL(TSQLQuery& Query, std::string_view SQL, bool ShowError) {
+  const std::string text(SQL);  // it may lie in the query
   Query.Close();
   Query.SQL().Clear();
-  Query.SQL().Add(SQL);
+  Query.SQL().Add(text);
   OpenQuery(Query, ShowError);
 }
 
 void RunSQLList(TSQLQuery& Query, const TStrings& Lines, bool ShowError) {
   Query.Close();
-  Query.SQL().Clear();
-  Query.SQL().AddStrings(Lines);
+  Query.SQL().Assign(Lines);
   OpenQuery(Query, ShowError);
 }
 

@@ -6,6 +6,7 @@
 
 #include "kvshare/money/money.h"
 #include "kvshare/money/words.h"
+#include "kvshare/rtl/within.h"
 
 namespace kvshare {
 
@@ -124,6 +125,10 @@ std::string TKovraMoney::EngCrncy(Currency Amount, std::string_view UnitName,
 
 void TKovraMoney::AppendEngCrncy(std::string& Out, Currency Amount, std::string_view UnitName,
                                  std::string_view SubUnitName) {
+  if (LiesIn(UnitName, Out) || LiesIn(SubUnitName, Out)) {
+    Out += EngCrncy(Amount, UnitName, SubUnitName);
+    return;
+  }
   const Numbers numbers = NumbersOf(Amount);
   std::array<char, kNoteSize> text;
   Out.append(text.data(), PutNumber(text.data(), numbers.whole)).append(UnitName);

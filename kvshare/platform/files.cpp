@@ -49,8 +49,8 @@ std::string WithoutFirst(std::string_view text, std::string_view part) {
 }  // namespace
 
 void GetFileName(std::string_view mask, int attributes, TStrings& list) {
+  os::FileSearch search(mask, attributes);  // first: the mask may be one of the list
   list.Clear();
-  os::FileSearch search(mask, attributes);
   while (search.Next()) list.Add(search.Name());
 }
 

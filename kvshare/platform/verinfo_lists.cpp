@@ -63,11 +63,12 @@ void TKovraRegistry::WriteRegistryStringList(std::string_view root, std::string_
 
 void TKovraRegistry::ReadRegistryStringListWKey(std::string_view root, std::string_view section,
                                                 std::string_view name, TStrings& list) const {
+  const std::string key = ListKey(root, section, name, "");  // first: they may be of the list
   list.Clear();
   const auto add = [&list](const std::string& valueName, const std::string& text) {
     list.Add(Format("%s=%s", {valueName, text}));
   };
-  ForEachText(ListKey(root, section, name, ""), add);
+  ForEachText(key, add);
 }
 
 void TKovraRegistry::WriteRegistryStringListWKey(std::string_view root, std::string_view section,

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/within.h"
 
 namespace kvshare::inline rtl {
 
@@ -97,6 +98,7 @@ std::size_t DisplayWidth(std::string_view cp874) {
 }
 
 void AppendUtf8(std::string& out, std::string_view cp874) {
+  if (LiesIn(cp874, out)) return AppendUtf8(out, std::string(cp874));
   const std::size_t before = out.size();
   out.resize(before + 3 * cp874.size() + 1);  // one byte more: each store writes four
   char* to = out.data() + before;
@@ -129,6 +131,7 @@ std::string Cp874ToUtf8Lossy(std::string_view cp874) {
 }
 
 void AppendCp874(std::string& out, std::string_view utf8) {
+  if (LiesIn(utf8, out)) return AppendCp874(out, std::string(utf8));
   const std::size_t before = out.size();
   out.resize(before + utf8.size());  // no letter has more bytes here than there
   char* to = out.data() + before;

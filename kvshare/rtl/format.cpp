@@ -9,6 +9,7 @@
 #include "kvshare/rtl/digits.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/variant.h"
+#include "kvshare/rtl/within.h"
 
 namespace kvshare::inline rtl {
 
@@ -324,6 +325,33 @@ class Formatter {
   bool left_ = false;
 };
 
+bool AnyLiesIn(std::string_view format, std::span<const TVarRec> args, const std::string& out) {
+  return LiesIn(format, out) || std::ranges::any_of(args, [&out](const TVarRec& argument) {
+           return argument.GetKind() == TVarRec::Kind::Text && LiesIn(argument.AsText(), out);
+         });
+}
+
+enum class Arguments : bool { Some, All };
+
+void AppendFormatted(std::string& out, std::string_view format, std::span<const TVarRec> args,
+                     const TFormatSettings& settings, Arguments needed) {
+  if (AnyLiesIn(format, args, out)) {
+    std::string text;
+    AppendFormatted(text, format, args, settings, needed);
+    out += text;
+    return;
+  }
+  const std::size_t size = out.size();
+  try {
+    Formatter formatter(out, format, args, settings);
+    formatter.Run();
+    if (needed == Arguments::All) formatter.RequireAllTaken();
+  } catch (...) {
+    out.resize(size);
+    throw;
+  }
+}
+
 }  // namespace
 
 std::string Format(std::string_view format, std::span<const TVarRec> args,
@@ -340,13 +368,7 @@ std::string Format(std::string_view format, std::initializer_list<TVarRec> args,
 
 void AppendFormat(std::string& out, std::string_view format, std::span<const TVarRec> args,
                   const TFormatSettings& settings) {
-  const std::size_t size = out.size();
-  try {
-    Formatter(out, format, args, settings).Run();
-  } catch (...) {
-    out.resize(size);
-    throw;
-  }
+  AppendFormatted(out, format, args, settings, Arguments::Some);
 }
 
 void AppendFormat(std::string& out, std::string_view format, std::initializer_list<TVarRec> args,
@@ -356,15 +378,7 @@ void AppendFormat(std::string& out, std::string_view format, std::initializer_li
 
 void AppendFormatAll(std::string& out, std::string_view format, std::initializer_list<TVarRec> args,
                      const TFormatSettings& settings) {
-  const std::size_t size = out.size();
-  try {
-    Formatter formatter(out, format, {args.begin(), args.size()}, settings);
-    formatter.Run();
-    formatter.RequireAllTaken();
-  } catch (...) {
-    out.resize(size);
-    throw;
-  }
+  AppendFormatted(out, format, {args.begin(), args.size()}, settings, Arguments::All);
 }
 
 }  // namespace kvshare::inline rtl

@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "kvshare/rtl/decimal.h"
+#include "kvshare/rtl/within.h"
 
 namespace kvshare::inline rtl {
 
@@ -259,6 +260,7 @@ void AppendBySections(std::string& out, std::string_view mask, Decimal number,
 
 void AppendFormatFloat(std::string& out, std::string_view mask, double value,
                        const TFormatSettings& settings) {
+  if (LiesIn(mask, out)) return AppendFormatFloat(out, std::string(mask), value, settings);
   if (const std::string_view name = NameOfNonFinite(value); !name.empty()) {
     out += name;
     return;
@@ -271,6 +273,7 @@ void AppendFormatFloat(std::string& out, std::string_view mask, double value,
 
 void AppendFormatFloat(std::string& out, std::string_view mask, Currency value,
                        const TFormatSettings& settings) {
+  if (LiesIn(mask, out)) return AppendFormatFloat(out, std::string(mask), value, settings);
   AppendBySections(out, mask, Decimal(value), settings, [&](const Decimal& amount) {
     char text[kNumberRoom];
     out.append(text, PutShortest(text, amount, {settings.DecimalSeparator}));

@@ -134,9 +134,10 @@ void TIniContents::ReadSections(TStrings& sections) const {
 }
 
 void TIniContents::ReadSection(std::string_view section, TStrings& keys) const {
+  const std::vector<Entry> entries = EntriesOf(bytes_, section);  // first: it may be one of `keys`
   keys.Clear();
   ListBuffer buffer;
-  for (Entry& entry : EntriesOf(bytes_, section)) {
+  for (Entry entry : entries) {
     if (!buffer.Take(entry.name)) return;
     keys.Add(entry.name);
   }

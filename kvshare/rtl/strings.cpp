@@ -76,7 +76,12 @@ std::string FileMessage(std::string_view verb, std::string_view fileName, const 
 TObject::~TObject() = default;
 
 void TStrings::AddStrings(const TStrings& other) {
-  const int count = other.Count();  // adding a list to itself ends
+  if (this == &other) {  // whose items would move while they are read, where it is sorted
+    TStringList own;
+    own.AddStrings(other);
+    return AddStrings(own);
+  }
+  const int count = other.Count();
   for (int i = 0; i < count; ++i) AddShared(other[i], other.Objects(i), other.Identity(i));
 }
 

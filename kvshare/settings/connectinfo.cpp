@@ -127,10 +127,11 @@ std::string GetCompanyListFileName() {
 }
 
 void ReadDbmsConnectInfo(std::string_view name) {
+  const std::string company(name);  // it may lie in one of the globals
   ReadWorkstation();
   const std::string listFile = GetCompanyListFileName();
-  if (!FileExists(listFile)) return ReadBesideProgram(name);
-  if (!ReadFromList(listFile, name)) TellNotFound(name, listFile);
+  if (!FileExists(listFile)) return ReadBesideProgram(company);
+  if (!ReadFromList(listFile, company)) TellNotFound(company, listFile);
 }
 
 void ClearDBMSConnectInfo() {

@@ -65,6 +65,36 @@ TEST_F(SqlFunc, QueriesStayOpenOrClosed) {
   EXPECT_EQ(query.SQL()[1], "  2 AS B") << "lines as they are";
 }
 
+TEST_F(SqlFunc, TextsMayLieInWhatTheyAreGivenTo) {
+  const std::string sql = "SELECT 5 AS \"SELECT 'a name that is long' AS X\"";
+  TSQLQuery query;
+  query.SetSQLConnection(&connection_);
+  query.SQL().Add(sql);
+  RunSQL(query, query.SQL()[0], true);
+  ASSERT_TRUE(query.Active());
+  EXPECT_EQ(query.Fields(0).AsInteger(), 5);
+  RunSQL(query, query.Fields(0).FieldName(), true);
+  EXPECT_EQ(query.FieldByName("X").AsString(), "a name that is long");
+  RunSQLList(query, query.SQL(), true);
+  EXPECT_EQ(query.FieldByName("X").AsString(), "a name that is long");
+
+  std::string TSQLConnection::*const texts[] = {&TSQLConnection::LibraryName,
+                                                &TSQLConnection::VendorLib};
+  for (const auto text : texts) {
+    TSQLConnection connection;
+    connection.*text = "SHOP";
+    ConnectDBMS(connection, connection.*text, true);
+    EXPECT_TRUE(connection.Connected());
+  }
+  TSQLConnection connection(nullptr, "Con");
+  connection.SetConnectionName("WORKSHOP");
+  EXPECT_TRUE(CanConnectDBMS(connection, std::string_view{connection.ConnectionName()}.substr(4)));
+  connection.Params.Assign(Lines({"another parameter with a long name", "SHOP"}));
+  ConnectDBMS(connection, connection.Params[1], true);
+  EXPECT_TRUE(connection.Connected());
+  EXPECT_THAT(Boxes(), IsEmpty());
+}
+
 TEST_F(SqlFunc, OneStatement) {
   const std::int32_t before = KovraTranactionId;
   EXPECT_FALSE(RunExecSQL(connection_, "", true));

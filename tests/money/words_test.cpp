@@ -103,6 +103,12 @@ TEST(Words, AreAsDescribed) {
   }
 }
 
+TEST(Words, AUnitMayStandInTheTextThatGrows) {
+  std::string text = "a dollar of a far country";
+  TKovraMoney::AppendEngCrncy(text, 2.50_baht, text, std::string_view{text}.substr(9));
+  EXPECT_EQ(text, "a dollar of a far countryTwo a dollar of a far country Fifty of a far country");
+}
+
 TEST(Words, WideAmountsSpellWhatTheSixteenPlacesHold) {
   struct Case {
     Currency amount;

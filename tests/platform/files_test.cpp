@@ -99,6 +99,16 @@ TEST_F(Trees, CountAndList) {
   EXPECT_THAT(Texts(list), UnorderedElementsAre("a.txt", "b.doc"));
 }
 
+TEST_F(Trees, AListMayHoldWhereItLooks) {
+  TStringList list;
+  list.Add("C:\\X\\old.txt\\low\\..\\e.*");
+  GetFileName(list[0], 0, list);
+  EXPECT_THAT(Texts(list), testing::ElementsAre("e.doc"));
+  list.Put(0, "C:\\X\\old.txt\\low\\");
+  GetFileNames(list[0], list, "*.*", true);
+  EXPECT_THAT(Texts(list), testing::ElementsAre("C:\\X\\old.txt\\low\\", "C:\\X\\old.txt\\low\\f"));
+}
+
 TEST_F(Trees, Copy) {
   CopyAllFiles("C:\\X\\", "C:\\Y\\one\\");
   EXPECT_EQ(CountFileName("C:\\Y\\", "*.*", true), 2);

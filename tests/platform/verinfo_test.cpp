@@ -121,6 +121,18 @@ TEST_F(SettingsStore, NamedListsKeepEveryLine) {
   EXPECT_EQ(Lines(read), Lines(lines)) << "in order, no cap, cleared before";
 }
 
+TEST_F(SettingsStore, ListsMayHoldWhereTheyAreRead) {
+  const std::string root = R"(Software\A root with a long name)";
+  const TStringList where = ListOf({root, "a section with a long name", "a list with a long name"});
+  store.WriteRegistryStringListWKey(where[0], where[1], where[2], ListOf({"b=2", "a=1"}));
+  TStringList named = where;
+  store.ReadRegistryStringListWKey(named[0], named[1], named[2], named);
+  EXPECT_THAT(Lines(named), ElementsAre("b=2", "a=1"));
+  TStringList added = where;
+  store.ReadRegistryStringList(added[0], added[1], added[2], added);
+  EXPECT_THAT(Lines(added), ElementsAre(where[0], where[1], where[2], "2", "1"));
+}
+
 TEST_F(SettingsStore, SavesAFormUnlessItIsMaximisedAsStored) {
   TForm form(nullptr, "Ledger");
   form.SetBounds({10, 20, 300, 400});

@@ -162,6 +162,29 @@ TEST_F(ConnectInfo, WithoutAListEverythingLiesBesideTheProgram) {
   EXPECT_THAT(Boxes(), testing::IsEmpty());
 }
 
+// A program opens its company again by what the settings tell of it.
+TEST_F(ConnectInfo, TheNameMayBeOneOfTheSettings) {
+  const std::string name = "A shop with a name that is long";
+  WriteList({{{"Alias_Name", name},
+              {"Alias_Alias", "ACC1"},
+              {"Alias_LogFile", "C:\\L\\l.log"},
+              {"Alias_Rpt_Dir", name}}});
+  for (std::string* given : {&KovraDataBaseName, &KovraAliasName, &KovraReportDir,
+                             &KovraLogDatabaseName, &KovraCurrentGuid}) {
+    *given = name;
+    ReadDbmsConnectInfo(*given);
+    EXPECT_EQ(KovraDataBaseName + "," + KovraAliasName, name + ",ACC1");
+  }
+  EXPECT_THAT(Boxes(), testing::IsEmpty());
+
+  os::DeleteFile(GetCompanyListFileName());
+  for (std::string* given : {&KovraLogTableName, &KovraDocumentDir, &KovraAliasName}) {
+    *given = name;
+    ReadDbmsConnectInfo(*given);
+    EXPECT_EQ(KovraDataBaseName + "," + KovraAliasName, name + "," + name);
+  }
+}
+
 TEST_F(ConnectInfo, AListThatCannotBeReadReachesTheProgram) {
   os::ForceDirectories(ExtractFilePath(GetCompanyListFileName()));
   WriteFileBytes(GetCompanyListFileName(), "no packet");

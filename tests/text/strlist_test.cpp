@@ -106,5 +106,30 @@ TEST(StrList, RawLinesOfASection) {
   }
 }
 
+TEST(StrList, ArgumentsMayBeItemsOfTheList) {
+  const TemporaryFolder folder;
+  const std::string file = folder.File("a-name-that-is-long.ini");
+  WriteFileBytes(file, "[a section with a name that is long]\r\nkey=1\r\n");
+  const struct {
+    const char* routine;
+    std::string start;
+    void (*change)(TStringList& list);
+    std::string want;
+  } cases[] = {
+      {"PushStack", "a text that is long", [](TStringList& list) { L::PushStack(list, list[0]); },
+       "a text that is long|a text that is long"},
+      {"RemoveFromList", "x|a text that is long",
+       [](TStringList& list) { L::RemoveFromList(list, list[1]); }, "x"},
+      {"ReadContentInSection", file + "|a section with a name that is long",
+       [](TStringList& list) { L::ReadContentInSection(list[0], list[1], list); },
+       file + "|a section with a name that is long|key=1"},
+  };
+  for (const auto& c : cases) {
+    TStringList list = ListOf(c.start);
+    c.change(list);
+    EXPECT_EQ(Items(list), c.want) << c.routine;
+  }
+}
+
 }  // namespace
 }  // namespace kvshare
