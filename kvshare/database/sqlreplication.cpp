@@ -40,6 +40,12 @@ std::string UpdateSQL(std::string_view number) {
                 {number, Stamp(), kRow});
 }
 
+// Some servers fill a CHAR column with blanks to its width, which are no part of what was stored.
+std::string WithoutPadding(std::string text) {
+  text.resize(text.find_last_not_of(' ') + 1);  // npos + 1 is 0
+  return text;
+}
+
 // The first column of the first row; nothing without a row, or when the query failed.
 std::optional<std::string> FirstText(TSQLConnection& connection, std::string_view sql,
                                      bool showError) {
@@ -47,7 +53,7 @@ std::optional<std::string> FirstText(TSQLConnection& connection, std::string_vie
   query.SetSQLConnection(&connection);
   RunSQL(query, sql, showError);
   if (query.IsEmpty()) return std::nullopt;
-  return query.Fields(0).AsString();
+  return WithoutPadding(query.Fields(0).AsString());
 }
 
 std::string StoreNext(TSQLConnection& connection, std::int64_t number) {
@@ -61,7 +67,8 @@ std::int64_t After(std::int64_t number) {
   return number + 1;
 }
 
-// The stored counter as it stands; throws where it cannot be read.
+// The stored counter as it stands, padding included: Replace looks for this very text. Throws where
+// it cannot be read.
 std::optional<std::string> StoredCounter(TSQLConnection& connection) {
   TSQLQuery query;
   query.SetSQLConnection(&connection);
@@ -87,7 +94,7 @@ std::optional<std::string> TryTake(TSQLConnection& connection, bool& first) {
   StatementTransaction transaction(connection);
   const auto stored = StoredCounter(connection);
   first = !stored;
-  std::string written = Written(stored ? After(StrToInt64(*stored)) : 1);
+  std::string written = Written(stored ? After(StrToInt64(WithoutPadding(*stored))) : 1);
   if (!Replace(connection, stored, written)) return std::nullopt;
   transaction.Commit();
   return written;

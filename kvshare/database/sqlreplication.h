@@ -2,7 +2,8 @@
 // the database's identity (KOVRAVERSION, row VER_KEY = 1), and the server's clock.
 //
 // A send number is a text of 17 digits: "0" and the number with 16. Every write stamps SYN_LASTUPD
-// with the local time, yyyymmddhhnnsszzz.
+// with the local time, yyyymmddhhnnsszzz. The blanks behind a text of a CHAR column are not read:
+// they are the column's, not the text's.
 #pragma once
 
 #include <cstdint>

@@ -58,5 +58,29 @@ TEST_F(Counter, NobodyTakesANumberTwice) {
   }
 }
 
+// Some shops have made the columns CHAR, which most servers fill with blanks.
+TEST_F(Counter, ColumnsOfFixedWidthAreReadWithoutTheirBlanks) {
+  MakeTable("KOVRASYNC",
+            "SYN_KEY INTEGER NOT NULL PRIMARY KEY, SYN_TABLENAME CHAR(40),"
+            " SYN_LASTSEND CHAR(20), SYN_LASTUPD CHAR(20)");
+  MakeTable("KOVRAVERSION", "VER_KEY INTEGER, VER_GUID CHAR(50), VER_DATA_ID CHAR(50)");
+  Run("INSERT INTO KOVRAVERSION VALUES (1, '{G 1}', 'D')");
+  EXPECT_EQ(SQLNextRpl(*connection_), "00000000000000001");
+  EXPECT_EQ(SQLNextRpl(*connection_), "00000000000000002");
+  EXPECT_EQ(UpdateNextRpl(*connection_, 7), "00000000000000007");
+  EXPECT_EQ(TakeNextRpl(*connection_), "00000000000000008");
+  EXPECT_EQ(SQLReadRpl(*connection_), "00000000000000008");
+  EXPECT_EQ(SQLReadRpldate(*connection_).size(), 17u);
+  EXPECT_EQ(OriginID(*connection_), "{G 1}");
+  EXPECT_EQ(DataID(*connection_), "D");
+
+  Run("UPDATE KOVRASYNC SET SYN_LASTSEND = '00000000000000041 '");
+  EXPECT_EQ(TakeNextRpl(*connection_), "00000000000000042") << "blanks that somebody stored";
+  Run("UPDATE KOVRASYNC SET SYN_LASTSEND = '  '");
+  EXPECT_THROW(SQLNextRpl(*connection_), EConvertError) << "nothing but blanks is no number";
+  EXPECT_EQ(SQLReadRpl(*connection_), "");
+  EXPECT_THAT(Boxes(), testing::IsEmpty());
+}
+
 }  // namespace
 }  // namespace kvshare
