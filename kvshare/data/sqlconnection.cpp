@@ -191,8 +191,8 @@ void TSQLConnection::GetTableNames(TStrings& list, bool systemTables) {
   for (const std::string& name : names) {
     try {
       list.Add(Utf8ToCp874(name));
-    } catch (const EConvertError& e) {
-      DatabaseError("Table '" + data::ServerText(name) + "': " + e.Message(), this);
+    } catch (const EConvertError&) {
+      continue;  // no statement of a program's can name it
     }
   }
 }

@@ -103,7 +103,8 @@ class KVSHARE_API TSQLConnection : public TComponent {
   std::int64_t ExecuteDirect(std::string_view sql);
 
   // Replaces the list by the names of tables and views in the driver's order, or by the system
-  // tables alone. Spelled as the server spells them; some drivers quote them and name the owner.
+  // tables alone. Spelled as the server spells them; some drivers quote them and name the owner. A
+  // name with a letter that code page 874 lacks is left out: no statement here can spell it.
   void GetTableNames(TStrings& list, bool systemTables);
 
   // "PostgreSQL 15.6".

@@ -80,11 +80,11 @@ KVSHARE_API bool ExistTable(TSQLConnection& Connection, std::string_view TableNa
 KVSHARE_API bool ExistTableBySQL(TSQLConnection& Connection, std::string_view TableName,
                                  std::string_view FieldName);
 
-// Replaces the list by the names of tables and views, without owner and quotes. Whether there are
-// quotes is told by the first name alone: it begins and ends with one same character, no letter A
-// to Z, which stands in it an even number of times; what stands between its last two is the name.
-// All names are then cut likewise; one without them is left empty or cut. (A first name such as
-// `alpha` is cut too: name tables in upper case.)
+// Replaces the list by the names of tables and views, without owner and quotes, and without those
+// that code page 874 cannot spell. Whether there are quotes is told by the first name alone: it
+// begins and ends with one same character, no letter A to Z, which stands in it an even number of
+// times; what stands between its last two is the name. All names are then cut likewise; one without
+// them is left empty or cut. (A first name such as `alpha` is cut too: name tables in upper case.)
 KVSHARE_API void GetAllTableNames(TSQLConnection& Connection, TStrings& List);
 
 // --- Datasets
