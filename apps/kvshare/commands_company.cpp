@@ -7,6 +7,7 @@
 #include "apps/kvshare/connections.h"
 #include "apps/kvshare/startedlibrary.h"
 #include "kvshare/data/clientdataset.h"
+#include "kvshare/data/secrets.h"
 #include "kvshare/database/dbxconf.h"
 #include "kvshare/os/files.h"
 #include "kvshare/rtl/exceptions.h"
@@ -212,7 +213,7 @@ RowPrinter PrintOpen(const std::string& utf8) {
         {"name", KovraDataBaseName},
         {"connection", KovraAliasName},
         {"dbms", KovraAliasTradeName},
-        {"database file", KovraDbFileName},
+        {"database file", data::WithoutSecrets("Database", KovraDbFileName)},
         {"login", KovraLoginName},
         {"log folder", KovraLogDatabaseName},
         {"log file", KovraLogTableName},

@@ -71,10 +71,7 @@ void TSQLConnection::SetDriverName(std::string_view name) {
 }
 
 std::string TSQLConnection::WithoutPassword(std::string text) const {
-  for (const std::string& secret : data::SecretsOf(Params)) {
-    text = StringReplace(text, secret, "***", {.ReplaceAll = true});
-  }
-  return text;
+  return data::HideSecrets(text, data::SecretsOf(Params));
 }
 
 void TSQLConnection::RefuseByServer(const data::DriverError& error, std::string_view words) {

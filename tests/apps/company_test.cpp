@@ -38,6 +38,16 @@ TEST_F(CompanyCommands, TheListIsKept) {
   EXPECT_EQ(List(), first);
 }
 
+TEST_F(CompanyCommands, OpenShowsNoSecretOfAConnectionString) {
+  home_.Make("Program Files/QXN/Share/SqlIntf.ini", "");
+  home_.Make("ProgramData/QXN/Share/DConnect.ini",
+             "[dbConnect]\r\nOLD=MSACCESS\r\n[OLD]\r\nDriverName=ADO\r\n"
+             "Database=Provider=x;Jet OLEDB:Database Password=s3cret;Mode=1\r\n");
+  const std::string out = Run({"company", "open", "OLD"}).out;
+  EXPECT_THAT(out, HasSubstr("database file\tPROVIDER=X;JET OLEDB:DATABASE PASSWORD=***;MODE=1\n"));
+  EXPECT_THAT(out, ::testing::Not(HasSubstr("S3CRET")));
+}
+
 TEST_F(CompanyCommands, WhatIsWrongChangesNothing) {
   ExpectDone({"company", "add", "Main", "--connection", "SHOP"});
   const std::string list = List();
