@@ -5,21 +5,24 @@
 namespace kvshare {
 namespace {
 
-using Names = ServerCompany;
-
-// How each server is told the name of a table which no text of ours can hold.
-std::string WithSnowman(const std::string& before, const std::string& behind) {
-  const std::string start = "'" + before + "\"SNOW' || ";
-  const std::string end = " || '\"" + behind + "'";
-  if (ServerName().ends_with("mariadb")) {
-    return "EXECUTE IMMEDIATE CONCAT('" + before + "`SNOW', CHAR(0xE29883 USING utf8mb4), '`" +
-           behind + "')";
+class Names : public ServerCompany {
+ protected:
+  // Runs BEFORE "SNOW☃" BEHIND, which no text of ours can hold, as each server can be made to.
+  void RunWithSnowman(const std::string& before, const std::string& behind) {
+    const std::string start = "'" + before + "\"SNOW' || ";
+    const std::string end = " || '\"" + behind + "'";
+    if (OnMariaDB()) {
+      Run("CREATE OR REPLACE PROCEDURE SNOWS() EXECUTE IMMEDIATE CONCAT('" + before +
+          "`SNOW', CHAR(0xE29883 USING utf8mb4), '`" + behind + "')");
+      Run("CALL SNOWS()");
+      Run("DROP PROCEDURE SNOWS");
+    } else if (ServerName().ends_with("postgres")) {
+      Run("DO $do$ BEGIN EXECUTE " + start + "chr(9731)" + end + "; END $do$");
+    } else {
+      Run("EXECUTE BLOCK AS BEGIN EXECUTE STATEMENT " + start + "_UTF8 x'E29883'" + end + "; END");
+    }
   }
-  if (ServerName().ends_with("postgres")) {
-    return "DO $do$ BEGIN EXECUTE " + start + "chr(9731)" + end + "; END $do$";
-  }
-  return "EXECUTE BLOCK AS BEGIN EXECUTE STATEMENT " + start + "UNICODE_CHAR(9731)" + end + "; END";
-}
+};
 
 TEST_F(Names, ATableThatCannotBeSpelledIsLeftOut) {
   MakeTable("T", "ID INTEGER");
@@ -29,7 +32,7 @@ TEST_F(Names, ATableThatCannotBeSpelledIsLeftOut) {
     Run("UPDATE sqlite_master SET name = 'SNOW' || char(9731), tbl_name = 'SNOW' || char(9731), "
         "sql = 'CREATE TABLE \"SNOW' || char(9731) || '\" (X INTEGER)' WHERE name = 'SNOW'");
   } else {
-    Run(WithSnowman("CREATE TABLE ", " (X INTEGER)"));
+    RunWithSnowman("CREATE TABLE ", " (X INTEGER)");
   }
   TStringList names;
   GetAllTableNames(*connection_, names);
@@ -37,7 +40,7 @@ TEST_F(Names, ATableThatCannotBeSpelledIsLeftOut) {
   for (const std::string& name : names) EXPECT_FALSE(name.starts_with("SNOW")) << name;
   EXPECT_TRUE(ExistTable(*connection_, "T"));
   EXPECT_FALSE(ExistTable(*connection_, "SNOW?"));
-  if (!OnSqlite()) Run(WithSnowman("DROP TABLE ", ""));
+  if (!OnSqlite()) RunWithSnowman("DROP TABLE ", "");
 }
 
 }  // namespace
