@@ -50,6 +50,7 @@ set(internal_headers
   rtl/lines.h
   rtl/textcursor.h
   rtl/utf8mark.h
+  rtl/within.h
   settings/loadentry.h
   settings/placeholders.h
   settings/programlocale.h

@@ -1,10 +1,12 @@
-// Statements of a list: told again one byte at a time, without lines, and compared.
+// Statements of a list: told again one byte at a time, without lines, and compared. A batch that
+// the command takes loses nothing but remarks.
 #include <cstdint>
 #include <cstdlib>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "apps/kvshare/sqltext.h"
 #include "kvshare/database/sqlsplit.h"
 #include "kvshare/rtl/stringlist.h"
 
@@ -51,6 +53,14 @@ Told TellAgain(const kvshare::TStringList& list) {
   return told;
 }
 
+// Behind blanks and `;`.
+bool BeginsAsRemark(std::string_view text) {
+  while (!text.empty() && (text[0] == ';' || static_cast<unsigned char>(text[0]) <= ' ')) {
+    text.remove_prefix(1);
+  }
+  return text.empty() || text.starts_with("--") || text.starts_with("/*") || text[0] == '#';
+}
+
 void Require(bool holds) {
   if (!holds) std::abort();
 }
@@ -71,5 +81,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   });
   Require(count == told.statements.size());
   Require(kvshare::OneSqlStatement(list) == told.one);
+
+  kvshare::app::KindOfSql(told.one);
+  kvshare::app::LossInStatement(told.one);
+  if (kvshare::app::PrepareBatch(list)) return 0;
+  for (const std::string& line : list) {
+    const std::size_t end = line.find(';');
+    if (end != std::string::npos) Require(BeginsAsRemark(line.substr(end)));
+  }
   return 0;
 }

@@ -1,13 +1,15 @@
-#include <array>
 #include <memory>
+#include <stdexcept>
 
 #include "apps/kvshare/commands.h"
 #include "apps/kvshare/connections.h"
 #include "apps/kvshare/inputfile.h"
-#include "apps/kvshare/legible.h"
 #include "apps/kvshare/rowset.h"
+#include "apps/kvshare/sqltext.h"
 #include "kvshare/database/sqlbatch.h"
 #include "kvshare/database/sqlfunc.h"
+#include "kvshare/database/sqlsplit.h"
+#include "kvshare/database/sqltransaction.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/strutils.h"
@@ -21,10 +23,11 @@ constexpr std::string_view kExamples =
     "  kvshare sql --connect LEDGER \"SELECT CODE, NAME FROM ITEM\"\n"
     "                                            a table; --csv and --json for programs\n"
     "  kvshare sql --connect LEDGER \"UPDATE ITEM SET PRICE = '12.50' WHERE CODE = 'A'\"\n"
-    "                                            in a transaction of its own\n"
+    "                                            in a transaction of its own; the rows changed\n"
     "  kvshare sql --connect LEDGER --batch month-end.sql\n"
     "                                            all statements of the file, or none\n"
-    "A line is cut before its first `;`, in a quoted text too; in a batch it ends a statement.\n";
+    "In a batch a line's first `;` ends the statement, in a quoted text too. A line that would\n"
+    "lose something by it is refused before anything runs: begin each statement on its own line.\n";
 
 struct Options {
   std::string connect;
@@ -33,39 +36,28 @@ struct Options {
   bool csv = false;
 };
 
-// Behind blanks and comments.
-std::string_view FirstWord(std::string_view sql) {
-  for (;;) {
-    sql = Trim(sql);
-    const bool block = sql.starts_with("/*");
-    if (!block && !sql.starts_with("--")) return sql;
-    const std::string_view close = block ? "*/" : "\n";
-    const std::size_t end = sql.find(close);
-    if (end == std::string_view::npos) return {};
-    sql.remove_prefix(end + close.size());
-  }
-}
-
-bool GivesRows(std::string_view sql) {
-  constexpr std::array<std::string_view, 8> kWords = {"SELECT", "WITH",    "VALUES",   "PRAGMA",
-                                                      "SHOW",   "EXPLAIN", "DESCRIBE", "("};
-  const std::string_view text = FirstWord(sql);
-  for (const std::string_view word : kWords) {
-    if (SameText(text.substr(0, word.size()), word)) return true;
-  }
-  return false;
-}
-
 RowForm FormAsked(const Options& options, bool json) {
   if (json) return RowForm::Json;
   return options.csv ? RowForm::Csv : RowForm::Table;
+}
+
+// False for a statement that gives no rows: it has run, once.
+bool OpenRows(TSQLQuery& query, const std::string& sql) {
+  constexpr std::string_view kNoRows = "Cursor not returned from Query";  // of TSQLQuery
+  try {
+    WithoutBoxes([&] { RunSQL(query, sql, true); });
+  } catch (const Exception& e) {
+    if (e.Message() == kNoRows) return false;
+    throw;
+  }
+  return true;
 }
 
 void PrintQuery(TSQLConnection& connection, const std::string& sql, RowForm form,
                 const Stdio& stdio) {
   TSQLQuery query;
   query.SetSQLConnection(&connection);
-  WithoutBoxes([&] { RunSQL(query, sql, true); });
+  if (!OpenRows(query, sql)) return;
   BlockWriter out(stdio.out, "standard output");
   WriteRows(query, form, out);
 }
@@ -82,18 +74,9 @@ std::string ReadWhole(const std::string& name, const Stdio& stdio) {
   return std::string(WithoutUtf8Mark(bytes));
 }
 
-// The rule that cuts a line can take a half of a quoted text away: whoever typed it is told.
-void NoteWhatIsCut(std::string_view line, std::string_view place, BlockWriter& notes) {
-  const std::size_t end = line.find(';');
-  if (end == std::string_view::npos) return;
-  const std::string_view rest = Trim(line.substr(end + 1));
-  if (rest.empty() || rest.starts_with("--")) return;
-  notes.Buffer()
-      .append("kvshare: note: ")
-      .append(place)
-      .append("what stands behind the first `;` is not run: ")
-      .append(Legible(Cp874ToUtf8Lossy(rest)));
-  notes.EndLine();
+// The file's name is UTF-8, whatever letters it has; the reason is code page 874.
+[[noreturn]] void RefuseBatch(const std::string& file, std::string_view reason) {
+  throw std::runtime_error(file + ": " + Cp874ToUtf8Lossy(reason));
 }
 
 TStringList LinesOfBatch(const std::string& file, const Stdio& stdio) {
@@ -102,33 +85,59 @@ TStringList LinesOfBatch(const std::string& file, const Stdio& stdio) {
   try {
     lines.SetText(Utf8ToCp874(utf8));
   } catch (const EConvertError& e) {
-    throw Exception(file + ": " + e.Message());
+    RefuseBatch(file, e.Message());
   }
   if (const std::size_t zero = utf8.find('\0'); zero != std::string::npos) {
-    throw Exception(file + ": a zero byte, at byte " + std::to_string(zero + 1));
+    RefuseBatch(file, "a zero byte, at byte " + std::to_string(zero + 1));
   }
   return lines;
 }
 
 void RunBatch(TSQLConnection& connection, const std::string& file, const Stdio& stdio) {
-  const TStringList lines = LinesOfBatch(file, stdio);
-  BlockWriter notes(stdio.err, "standard error");
-  for (int i = 0; i < lines.Count(); ++i) {
-    NoteWhatIsCut(lines[i], file + ", line " + std::to_string(i + 1) + ": ", notes);
-  }
-  notes.Flush();
+  TStringList lines = LinesOfBatch(file, stdio);
+  if (const auto loss = PrepareBatch(lines)) RefuseBatch(file, *loss);
   const TSQLBatchReport report = RunSQLBatch(connection, lines);
   if (report.Committed) return;
-  std::string text = file + ": " + report.Text();
+  std::string text = report.Text();
   std::erase(text, '\r');
-  throw Exception(text);
+  RefuseBatch(file, text);
 }
 
-void RunStatement(TSQLConnection& connection, const std::string& sql, const Stdio& stdio) {
-  BlockWriter notes(stdio.err, "standard error");
-  NoteWhatIsCut(sql, "", notes);
-  notes.Flush();
-  WithoutBoxes([&] { RunExecSQL(connection, sql, true); });
+void PrintChanged(std::int64_t rows, RowForm form, const Stdio& stdio) {
+  BlockWriter out(stdio.out, "standard output");
+  const std::string number = std::to_string(rows);
+  if (form == RowForm::Json) out.Buffer().append("{\"changed\":").append(number).append("}");
+  if (form == RowForm::Table) {
+    out.Buffer().append(number).append(rows == 1 ? " row changed" : " rows changed");
+  }
+  if (form != RowForm::Csv) out.EndLine();
+  out.Flush();
+}
+
+// One statement in a transaction of its own, cut as every runner of statements cuts it.
+void RunStatement(TSQLConnection& connection, const std::string& sql, SqlKind kind, RowForm form,
+                  const Stdio& stdio) {
+  if (const auto loss = LossInStatement(sql)) throw Exception(*loss);
+  StatementTransaction transaction(connection);
+  const std::int64_t rows = connection.ExecuteDirect(BeforeSemicolon(Trim(sql)));
+  transaction.Commit();
+  if (kind == SqlKind::Change) PrintChanged(rows, form, stdio);
+}
+
+void RunSql(TSQLConnection& connection, const std::string& sql, RowForm form, const Stdio& stdio) {
+  const SqlKind kind = KindOfSql(sql);
+  switch (kind) {
+    case SqlKind::Query:
+      return PrintQuery(connection, sql, form, stdio);
+    case SqlKind::ChangeWithRows: {
+      StatementTransaction transaction(connection);
+      PrintQuery(connection, sql, form, stdio);
+      return transaction.Commit();
+    }
+    case SqlKind::Change:
+    case SqlKind::Other:
+      return RunStatement(connection, sql, kind, form, stdio);
+  }
 }
 
 int Run(const Options& options, bool json, const Stdio& stdio) {
@@ -139,11 +148,7 @@ int Run(const Options& options, bool json, const Stdio& stdio) {
     return kDone;
   }
   const std::string sql = UsageText("SQL", options.sql);
-  if (GivesRows(sql)) {
-    PrintQuery(connection, sql, FormAsked(options, json), stdio);
-  } else {
-    RunStatement(connection, sql, stdio);
-  }
+  RunSql(connection, sql, FormAsked(options, json), stdio);
   return kDone;
 }
 

@@ -102,16 +102,27 @@ TEST_F(DatabaseCommands, ControlCharactersSteerNoTerminal) {
   EXPECT_EQ(Sql("-- a remark\n/* and\n another */ SELECT 5 AS X").out, "X\n-\n5\n");
 }
 
-TEST_F(DatabaseCommands, StatementsTellWhatIsCutAndWhatFails) {
+TEST_F(DatabaseCommands, StatementsTellWhatTheyChangeAndWhatFails) {
   MakeItems();
   ExpectDone(Sql("UPDATE ITEM SET N = 7 WHERE CODE = 'A'"));
-  ExpectDone(Sql("UPDATE ITEM SET N = 8 WHERE CODE = 'A'; -- a remark"));
-  const Outcome cut = Sql("UPDATE ITEM SET NAME = 'x;y' WHERE CODE = 'A'");
-  EXPECT_EQ(cut.status, 1);
-  EXPECT_EQ(cut.err,
-            "kvshare: note: what stands behind the first `;` is not run: y' WHERE CODE = 'A'\n"
-            "kvshare: พบข้อผิดพลาด\nSQL Server Error: unrecognized token: \"'x\"\nขณะทำคำสั่ง\n"
-            "UPDATE ITEM SET NAME = 'x;y' WHERE CODE = 'A'\n");
+  EXPECT_EQ(Sql("UPDATE ITEM SET N = 8 WHERE CODE = 'A'; -- a remark").out, "1 row changed\n");
+  EXPECT_EQ(Sql("UPDATE ITEM SET N = 1 WHERE X = 1").err,
+            "kvshare: SQL Server Error: no such column: X\n");
+  const struct {
+    const char *sql, *err;
+  } refused[] = {
+      {"DELETE FROM ITEM; UPDATE ITEM SET NAME = 'ก'",
+       "kvshare: what stands behind the first `;` would not be run: give one statement, or several "
+       "as a --batch: UPDATE ITEM SET NAME = 'ก'\n"},
+      {"UPDATE ITEM SET NAME = 'x;y' WHERE CODE = 'A'",
+       "kvshare: the `;` in the quoted text would end the statement"},
+  };
+  for (const auto& r : refused) {
+    const Outcome got = Sql(r.sql);
+    EXPECT_THAT(got.err, StartsWith(r.err));
+    EXPECT_EQ(got.out, "");
+    EXPECT_EQ(got.status, 1);
+  }
   const Outcome missing = Sql("SELECT 1 FROM NOWHERE");
   EXPECT_EQ(missing.err, "kvshare: SQL Server Error: no such table: NOWHERE\n");
   EXPECT_EQ(missing.status, 1);
@@ -125,10 +136,9 @@ TEST_F(DatabaseCommands, ABatchThatFailsNamesTheStatementAndWritesNothing) {
   MakeItems();
   const Outcome failed = Batch(
       "DELETE FROM ITEM;\n\nINSERT INTO ITEM (CODE)\nVALUES ('D');\n"
-      "INSERT INTO ITEM (CODE) VALUES ('D'); SELECT 1");
+      "INSERT INTO ITEM (CODE) VALUES ('D'); -- again");
   EXPECT_EQ(failed.status, 1);
   EXPECT_EQ(failed.err,
-            "kvshare: note: -, line 5: what stands behind the first `;` is not run: SELECT 1\n"
             "kvshare: -: Statement 3 (line 5): SQL Server Error: UNIQUE constraint failed: "
             "ITEM.CODE\nNothing was written.\n");
   EXPECT_THAT(Sql("SELECT COUNT(*) AS N FROM ITEM").out, HasSubstr("\n3\n"));
@@ -139,6 +149,10 @@ TEST_F(DatabaseCommands, ABatchThatFailsNamesTheStatementAndWritesNothing) {
   } refused[] = {
       {std::string_view("DELETE FROM ITEM;\n\0", 19), "kvshare: -: a zero byte, at byte 19\n"},
       {"DELETE FROM ITEM; -- \xFF", "kvshare: -: "},
+      {"DELETE FROM ITEM;\nUPDATE ITEM SET N = 1; UPDATE ITEM SET N = 2;",
+       "kvshare: -: line 2: what stands behind the first `;` would not be run: begin each "
+       "statement on a line of its own: UPDATE ITEM SET N = 2;\n"},
+      {"DELETE FROM ITEM;\nUPDATE ITEM SET NAME = 'a; -- b';", "kvshare: -: line 2: the `;` in "},
       {"DELETE FROM ITEM WHERE NAME = '☃'", "kvshare: -: No letter U+2603"},
   };
   for (const auto& r : refused) {
@@ -150,6 +164,8 @@ TEST_F(DatabaseCommands, ABatchThatFailsNamesTheStatementAndWritesNothing) {
               HasSubstr("/no/such/file: No such file"));
   EXPECT_THAT(Sql("SELECT COUNT(*) AS N FROM ITEM").out, HasSubstr("\n3\n"));
   ExpectDone(Batch(""));
+  ExpectDone(Batch("-- DELETE FROM ITEM; all of them\nUPDATE ITEM SET N = 3; -- said; done\n"));
+  EXPECT_THAT(Sql("SELECT COUNT(*) AS N FROM ITEM WHERE N = 3").out, HasSubstr("\n3\n"));
 }
 
 TEST_F(DatabaseCommands, ConnectionsAreShownWithoutTheirSecrets) {
