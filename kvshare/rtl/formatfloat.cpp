@@ -4,8 +4,12 @@
 #include <array>
 #include <charconv>
 #include <cstdlib>
+#include <limits>
+#include <utility>
 
 #include "kvshare/rtl/decimal.h"
+#include "kvshare/rtl/longdecimal.h"
+#include "kvshare/rtl/textcursor.h"
 #include "kvshare/rtl/within.h"
 
 namespace kvshare::inline rtl {
@@ -84,20 +88,26 @@ std::string_view TakeSection(std::string_view& rest) {
   return section;
 }
 
-// The sections of a mask; what follows the third is ignored.
+// The sections of a mask; what follows the third is ignored. Numbers are a Decimal or a LongDecimal
+// from here on.
 class Sections {
  public:
   explicit Sections(std::string_view mask)
       : positive_(TakeSection(mask)), negative_(TakeSection(mask)), zero_(TakeSection(mask)) {}
 
-  std::string_view Of(const Decimal& number) const {
+  template <typename Number>
+  std::string_view Of(const Number& number) const {
     const std::string_view own = OwnOf(number);
     return own.empty() ? positive_ : own;
   }
-  bool PrintSign(const Decimal& number) const { return number.Negative() && negative_.empty(); }
+  template <typename Number>
+  bool PrintSign(const Number& number) const {
+    return number.Negative() && negative_.empty();
+  }
 
  private:
-  std::string_view OwnOf(const Decimal& number) const {
+  template <typename Number>
+  std::string_view OwnOf(const Number& number) const {
     if (number.IsZero()) return zero_;
     return number.Negative() ? negative_ : positive_;
   }
@@ -138,7 +148,8 @@ Layout LayoutOf(std::string_view section) {
   return layout;
 }
 
-void Round(Decimal& number, const Layout& layout) {
+template <typename Number>
+void Round(Number& number, const Layout& layout) {
   if (layout.exponent) {
     number.RoundToSignificant(layout.Places());
   } else {
@@ -147,9 +158,10 @@ void Round(Decimal& number, const Layout& layout) {
 }
 
 // Prints one section with a number that is rounded to its layout.
+template <typename Number>
 class SectionWriter {
  public:
-  SectionWriter(std::string& out, const Decimal& number, const Layout& layout,
+  SectionWriter(std::string& out, const Number& number, const Layout& layout,
                 const TFormatSettings& settings)
       : out_(out), number_(number), layout_(layout), settings_(settings) {
     if (!number.IsZero()) {
@@ -226,7 +238,7 @@ class SectionWriter {
   }
 
   std::string& out_;
-  const Decimal& number_;
+  const Number& number_;
   const Layout& layout_;
   const TFormatSettings& settings_;
   int point_ = 0;  // digits of number_ before the point; negative: zeros after it
@@ -236,14 +248,14 @@ class SectionWriter {
   int place_ = 0;
 };
 
-// `general` writes the number where no section does.
-template <typename General>
-void AppendBySections(std::string& out, std::string_view mask, Decimal number,
+// `general` writes the number where no section does, and one of more integer digits than `most`.
+template <typename Number, typename General>
+void AppendBySections(std::string& out, std::string_view mask, Number number, int most,
                       const TFormatSettings& settings, General general) {
   const Sections sections(mask);
   std::string_view section = sections.Of(number);
   Layout layout = LayoutOf(section);
-  const bool tooLong = number.Point() > kMaxIntegerDigits && !layout.exponent;
+  const bool tooLong = number.Point() > most && !layout.exponent;
   if (section.empty() || tooLong) return general(number);
   const bool wasZero = number.IsZero();
   Round(number, layout);
@@ -265,19 +277,33 @@ void AppendFormatFloat(std::string& out, std::string_view mask, double value,
     out += name;
     return;
   }
-  AppendBySections(out, mask, Decimal(value), settings, [&](const Decimal& number) {
+  const auto general = [&](const Decimal& number) {
     char text[kNumberRoom];
     out.append(text, PutGeneral(text, number, kGeneralDigits, {settings.DecimalSeparator}));
-  });
+  };
+  AppendBySections(out, mask, Decimal(value), kMaxIntegerDigits, settings, general);
 }
 
 void AppendFormatFloat(std::string& out, std::string_view mask, Currency value,
                        const TFormatSettings& settings) {
   if (LiesIn(mask, out)) return AppendFormatFloat(out, std::string(mask), value, settings);
-  AppendBySections(out, mask, Decimal(value), settings, [&](const Decimal& amount) {
+  const auto general = [&](const Decimal& amount) {
     char text[kNumberRoom];
     out.append(text, PutShortest(text, amount, {settings.DecimalSeparator}));
-  });
+  };
+  AppendBySections(out, mask, Decimal(value), kMaxIntegerDigits, settings, general);
+}
+
+void AppendFormatDigits(std::string& out, std::string_view mask, std::string_view digits,
+                        const TFormatSettings& settings) {
+  if (LiesIn(mask, out)) return AppendFormatDigits(out, std::string(mask), digits, settings);
+  auto number = LongDecimal::Read(digits);
+  if (!number) ThrowNotValid(digits, "floating point value");
+  const auto general = [&](const LongDecimal& decimal) {
+    decimal.AppendShortest(out, settings.DecimalSeparator);
+  };
+  constexpr int kAny = std::numeric_limits<int>::max();
+  AppendBySections(out, mask, *std::move(number), kAny, settings, general);
 }
 
 std::string FormatFloat(std::string_view mask, double value, const TFormatSettings& settings) {
@@ -289,6 +315,13 @@ std::string FormatFloat(std::string_view mask, double value, const TFormatSettin
 std::string FormatFloat(std::string_view mask, Currency value, const TFormatSettings& settings) {
   std::string out;
   AppendFormatFloat(out, mask, value, settings);
+  return out;
+}
+
+std::string FormatDigits(std::string_view mask, std::string_view digits,
+                         const TFormatSettings& settings) {
+  std::string out;
+  AppendFormatDigits(out, mask, digits, settings);
   return out;
 }
 

@@ -29,18 +29,26 @@ namespace kvshare::inline rtl {
 //
 // An empty first section or mask, and a real of more than 18 digits before the point without an
 // exponent in the mask, give the general format: 15 digits as `%g`, an amount exact. NaN and
-// infinity print `NAN`, `INF` and `-INF`. Nothing is an error.
+// infinity print `NAN`, `INF` and `-INF`. No mask is an error.
 KVSHARE_API std::string FormatFloat(std::string_view mask, double value,
                                     const TFormatSettings& settings = FormatSettings);
 KVSHARE_API std::string FormatFloat(std::string_view mask, Currency value,
                                     const TFormatSettings& settings = FormatSettings);
 KVSHARE_API std::string FormatCurr(std::string_view mask, Currency value,
                                    const TFormatSettings& settings = FormatSettings);
+// A decimal of any length, [-]digits[.digits], as an amount: on all its digits, rounded once, and
+// exact in the general format. Throws EConvertError `'%s' is not a valid floating point value` for
+// another text.
+KVSHARE_API std::string FormatDigits(std::string_view mask, std::string_view digits,
+                                     const TFormatSettings& settings = FormatSettings);
 
 // The same into the caller's text.
 KVSHARE_API void AppendFormatFloat(std::string& out, std::string_view mask, double value,
                                    const TFormatSettings& settings = FormatSettings);
 KVSHARE_API void AppendFormatFloat(std::string& out, std::string_view mask, Currency value,
                                    const TFormatSettings& settings = FormatSettings);
+KVSHARE_API void AppendFormatDigits(std::string& out, std::string_view mask,
+                                    std::string_view digits,
+                                    const TFormatSettings& settings = FormatSettings);
 
 }  // namespace kvshare::inline rtl

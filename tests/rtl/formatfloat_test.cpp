@@ -5,14 +5,17 @@
 #include <limits>
 #include <string>
 
+#include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/cp874.h"
+#include "kvshare/rtl/exceptions.h"
+#include "tests/support.h"
 
 namespace kvshare {
 namespace {
 
 const TFormatSettings kUs = TFormatSettings::UsEnglish();
 
-// Amounts, as the same number in double: every row must hold for both.
+// Amounts, as the same number in double and as decimal digits: every row must hold for all.
 struct Case {
   std::string_view mask;
   Currency amount;
@@ -95,6 +98,7 @@ TEST(FormatFloat, Masks) {
   for (const Case& c : kCases) {
     EXPECT_EQ(FormatFloat(c.mask, c.amount, kUs), c.want) << c.mask << ' ' << c.amount.Raw();
     EXPECT_EQ(FormatFloat(c.mask, CurrencyToFloat(c.amount), kUs), c.want) << c.mask;
+    EXPECT_EQ(FormatDigits(c.mask, CurrToStr(c.amount, kUs), kUs), c.want) << c.mask;
   }
 }
 
@@ -102,6 +106,39 @@ TEST(FormatFloat, AmountsHaveAllTheirDigits) {
   EXPECT_EQ(FormatCurr("#,##0.0000", Currency::Min(), kUs), "-922,337,203,685,477.5808");
   EXPECT_EQ(FormatCurr("", Currency::Max(), kUs), "922337203685477.5807");
   EXPECT_EQ(FormatCurr("0.00", 2.345_baht, kUs), "2.35");
+}
+
+TEST(FormatFloat, DecimalsOfAnyLengthAreRoundedOnce) {
+  struct DigitsCase {
+    std::string_view mask;
+    std::string_view digits;
+    std::string_view want;
+    const char* why;
+  };
+  constexpr DigitsCase kCases[] = {
+      {"0.000000", "0.123456", "0.123456", "an amount has 0.1235"},
+      {"0.00", "2.34495", "2.34", "an amount has 2.3450, which is the tie"},
+      {"0.00", "2.345", "2.35", "the tie itself, away from zero"},
+      {"0.00", "-2.345", "-2.35", ""},
+      {"#,##0.00", "12345678901234567.89", "12,345,678,901,234,567.89", "a double has 16 digits"},
+      {"0.00", "99999999999999999999.995", "100000000000000000000.00", "a digit more"},
+      {"", "-00123456789012345678901234567890.1230", "-123456789012345678901234567890.123",
+       "exact"},
+      {";(0)", "0.00000000000000000001", "0.00000000000000000001", "exact"},
+      {"0.00;(0.00);-", "-0.004999999999999999999999", "-", "rounds to zero"},
+      {"0.00;(0.00);-", "-0.00500000000000000000000", "(0.01)", ""},
+      {"0.000E+00", "12345678901234567890", "1.235E+19", ""},
+      {"0.0E+0", "0.00000000000000000996", "1.0E-17", ""},
+      {"0.##", "-.5", "-0.5", "no digit before the point"},
+      {"0.00", "-0", "0.00", "no sign of zero"},
+  };
+  for (const DigitsCase& c : kCases) {
+    EXPECT_EQ(FormatDigits(c.mask, c.digits, kUs), c.want) << c.mask << ' ' << c.why;
+  }
+  for (const char* bad : {"", "-", ".", "abc", "1,200.50", "1e5", "+1", " 1", "--1", "1.2.3"}) {
+    EXPECT_EQ(MessageOf<EConvertError>([&] { FormatDigits("0.00", bad, kUs); }),
+              "'" + std::string(bad) + "' is not a valid floating point value");
+  }
 }
 
 TEST(FormatFloat, RealsPastTheirDigits) {

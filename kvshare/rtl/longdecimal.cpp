@@ -1,0 +1,64 @@
+#include "kvshare/rtl/longdecimal.h"
+
+#include <algorithm>
+
+#include "kvshare/rtl/textcursor.h"
+
+namespace kvshare::inline rtl {
+
+std::optional<LongDecimal> LongDecimal::Read(std::string_view text) {
+  LongDecimal number;
+  number.negative_ = text.starts_with('-');
+  if (number.negative_) text.remove_prefix(1);
+  const std::size_t point = text.find('.');
+  const std::string_view whole = text.substr(0, point);
+  const std::string_view decimals =
+      point == std::string_view::npos ? std::string_view() : text.substr(point + 1);
+  const bool sound = std::ranges::all_of(whole, TextCursor::IsDigit) &&
+                     std::ranges::all_of(decimals, TextCursor::IsDigit) &&
+                     !(whole.empty() && decimals.empty());
+  if (!sound) return std::nullopt;
+  number.digits_.reserve(whole.size() + decimals.size());
+  number.digits_.append(whole).append(decimals);
+  const std::size_t zeros = std::min(number.digits_.find_first_not_of('0'), number.digits_.size());
+  number.digits_.erase(0, zeros);
+  number.point_ = static_cast<int>(whole.size()) - static_cast<int>(zeros);
+  number.Shrink();
+  return number;
+}
+
+// Without zeros at the end.
+void LongDecimal::Shrink() {
+  digits_.resize(digits_.find_last_not_of('0') + 1);  // 0 where there is no other digit
+  if (!digits_.empty()) return;
+  point_ = 1;
+  negative_ = false;
+}
+
+void LongDecimal::RoundTo(int keep) {
+  if (keep >= Count()) return;
+  const bool up = keep >= 0 && At(keep) >= '5';
+  digits_.resize(static_cast<std::size_t>(std::max(keep, 0)));
+  if (up) {
+    while (digits_.ends_with('9')) digits_.pop_back();
+    if (digits_.empty()) {
+      digits_ = "1";
+      ++point_;
+    } else {
+      ++digits_.back();
+    }
+  }
+  Shrink();
+}
+
+void LongDecimal::AppendShortest(std::string& out, char decimalSeparator) const {
+  if (negative_) out.push_back('-');
+  if (point_ <= 0 || IsZero()) out.push_back('0');
+  for (int i = 0; i < point_ && !IsZero(); ++i) out.push_back(At(i));
+  if (Count() <= point_) return;
+  if (decimalSeparator != '\0') out.push_back(decimalSeparator);
+  for (int i = std::min(point_, 0); i < 0; ++i) out.push_back('0');
+  out.append(digits_, static_cast<std::size_t>(std::max(point_, 0)));
+}
+
+}  // namespace kvshare::inline rtl
