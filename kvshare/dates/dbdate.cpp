@@ -3,6 +3,7 @@
 #include "kvshare/dates/date.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/formatsettings.h"
 #include "kvshare/rtl/variant.h"
 #include "kvshare/settings/catalogue.h"
 
@@ -54,10 +55,14 @@ void Refuse(bool refused, TMessage message) {
   if (refused) throw Exception(LoadStr(message));
 }
 
-// Months of a number of years and months, 11 for 5.11.
-std::int64_t MonthsOf(const TField& field) {
-  constexpr std::int64_t kHundredth = Currency::kScale / 100;
-  return field.AsCurrency().Raw() / kHundredth % 100;
+// Months of a number of years and months, 11 for 5.11: its second two digits, nothing rounded. A
+// real that is written with an exponent is below a month.
+int MonthsOf(const TField& field) {
+  const std::string years = field.AsString();
+  const std::size_t point = years.find(FormatSettings.DecimalSeparator);
+  if (point == std::string::npos || years.find_first_of("eE") != std::string::npos) return 0;
+  const auto digit = [&](std::size_t at) { return at < years.size() ? years[at] - '0' : 0; };
+  return digit(point + 1) * 10 + digit(point + 2);
 }
 
 }  // namespace

@@ -61,7 +61,8 @@ class KVSHARE_API TKovraDbDate {
   static void qyValidate_Day(TField& Sender);      // above 0, to 31: rstrEEnterValue0to31
   static void qyValidate_0_12(TField& Sender);     // 0 .. 12: rstrEEnterValue0to12
   // Years before the point and months as two digits behind it: 5.09 is five years and nine months.
-  // 0 .. 100 (rstrEEnter0to100), months to 11 (rstrEYearMonth), counted on exact decimals.
+  // 0 .. 100 (rstrEEnter0to100), months to 11 (rstrEYearMonth); further digits do not
+  // count, 5.11999 has eleven.
   static void qyValidate_Year_Month(TField& Sender);
 
   // --- Attaching to a field by its name, letter case ignored. Nothing happens where the dataset

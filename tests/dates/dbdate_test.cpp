@@ -298,6 +298,8 @@ TEST_F(DbDate, Checks) {
       {D::qyValidate_Year_Month, ftFloat, "3.12", kYearMonth},
       {D::qyValidate_Year_Month, ftFloat, "8.12", kYearMonth},  // times 100 it is below 812
       {D::qyValidate_Year_Month, ftBCD, "5.1199", ""},
+      {D::qyValidate_Year_Month, ftFloat, "5.11999", ""},  // as an amount it is 5.12
+      {D::qyValidate_Year_Month, ftFloat, "1.5E-5", ""},
       {D::qyValidate_Year_Month, ftFloat, "100", ""},
       {D::qyValidate_Year_Month, ftFloat, "100.5", kYears},
       {D::qyValidate_Year_Month, ftFloat, "-0.01", kYears},
