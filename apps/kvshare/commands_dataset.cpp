@@ -84,13 +84,24 @@ void AddRecord(TClientDataSet& list, std::string_view status, const TClientDataS
   list.Post();
 }
 
+// A field that takes what another one has, whatever its length: it cuts and rounds nothing.
+TFieldDef FieldForValuesOf(TFieldDef def) {
+  if (FormOf(def.DataType) == TFieldForm::Decimal) def.DataType = TFieldType::ftCurrency;
+  if (IsSized(def.DataType)) {
+    const bool bytes = FormOf(def.DataType) == TFieldForm::Bytes;
+    def.DataType = bytes ? TFieldType::ftBlob : TFieldType::ftMemo;
+    def.Size = 0;
+  }
+  def.Required = false;
+  def.Kind = TFieldKind::fkData;
+  return def;
+}
+
 // The log as records: of one that was changed there are two.
 void ListChanges(TClientDataSet& list, TClientDataSet& changed) {
-  list.FieldDefs().Add("STATUS", TFieldType::ftString);
-  for (TFieldDef def : changed.FieldDefs().All()) {
-    if (FormOf(def.DataType) != TFieldForm::Decimal) def.Size = 0;
-    def.Required = false;
-    list.FieldDefs().Add(std::move(def));
+  list.FieldDefs().Add("STATUS", TFieldType::ftMemo);
+  for (const TFieldDef& def : changed.FieldDefs().All()) {
+    list.FieldDefs().Add(FieldForValuesOf(def));
   }
   list.LogChanges = false;
   list.CreateDataSet();

@@ -44,6 +44,17 @@ std::string ReadAll(const std::string& file, const Stdio& stdio) {
   return bytes;
 }
 
+// A text or bytes without a size have that of the longest value; a string past what strings have is
+// a memo.
+void SizeByColumn(TFieldDef& def, std::size_t longest) {
+  if (!IsSized(def.DataType) || def.Size > 0) return;
+  const bool hexadecimal = FormOf(def.DataType) == TFieldForm::Bytes;
+  def.Size = static_cast<int>(std::max<std::size_t>(hexadecimal ? longest / 2 : longest, 1));
+  if (HasValidSize(def)) return;
+  def.DataType = hexadecimal ? TFieldType::ftBlob : TFieldType::ftMemo;
+  def.Size = 0;
+}
+
 // The fields of a table: those that were named, with all others as strings.
 void DefineFields(TClientDataSet& set, const TextTable& table,
                   const std::vector<TFieldDef>& fields) {
@@ -52,7 +63,6 @@ void DefineFields(TClientDataSet& set, const TextTable& table,
     TFieldDef def;
     def.Name = table.Names()[i];
     def.DataType = TFieldType::ftString;
-    def.Size = static_cast<int>(std::max<std::size_t>(table.LongestOf(i), 1));
     defs.push_back(std::move(def));
   }
   for (const TFieldDef& field : fields) {
@@ -61,6 +71,7 @@ void DefineFields(TClientDataSet& set, const TextTable& table,
     if (named == defs.end()) throw Exception(Format("there is no column '%s'", {field.Name}));
     *named = field;
   }
+  for (std::size_t i = 0; i < defs.size(); ++i) SizeByColumn(defs[i], table.LongestOf(i));
   set.FieldDefs().Clear();
   for (const TFieldDef& def : defs) set.FieldDefs().Add(def);
 }

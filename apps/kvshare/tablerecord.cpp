@@ -163,7 +163,7 @@ bool IsTypable(const TField& field) {
 
 void StoreLine(TField& field, std::string_view line) {
   if (!IsTypable(field)) throw Exception(field.DisplayName() + " cannot be typed");
-  const bool text = FormOf(field.DataType()) == TFieldForm::Text;
+  const bool text = FormOf(field.DataType()) == TFieldForm::Text && IsSized(field.DataType());
   const auto room = static_cast<std::size_t>(field.Size());
   if (text && field.EditMask.empty() && room != 0 && line.size() > room) {
     throw Exception(

@@ -35,12 +35,16 @@ TClientDataSet::~TClientDataSet() {
 }
 
 void TClientDataSet::AddCalculated(std::string_view name, TFieldType type, int size) {
-  derived_.push_back({{std::string(name), type, size, 0, false, TFieldKind::fkCalculated}, {}});
+  AddDerived({{std::string(name), type, size, 0, false, TFieldKind::fkCalculated}, {}});
 }
 
 void TClientDataSet::AddLookup(std::string_view name, TFieldType type, int size, TLookup lookup) {
-  derived_.push_back(
-      {{std::string(name), type, size, 0, false, TFieldKind::fkLookup}, std::move(lookup)});
+  AddDerived({{std::string(name), type, size, 0, false, TFieldKind::fkLookup}, std::move(lookup)});
+}
+
+void TClientDataSet::AddDerived(Derived derived) {
+  if (!HasValidSize(derived.def)) DatabaseError("Invalid field size", this);
+  derived_.push_back(std::move(derived));
 }
 
 // --- Opening
@@ -49,6 +53,12 @@ void TClientDataSet::CreateDataSet() {
   Close();
   if (fieldDefs_.Count() == 0) {
     DatabaseError("No fields defined.  Cannot create dataset", this);
+  }
+  for (const TFieldDef& def : fieldDefs_.All()) {
+    if (!HasValidSize(def)) DatabaseError("Invalid field size", this);
+    if (def.Kind == TFieldKind::fkCalculated || def.Kind == TFieldKind::fkLookup) {
+      DatabaseError(Format("Field '%s' is not kept with the record", {def.Name}), this);
+    }
   }
   shape_.reset();
   defaultOrder_.clear();
@@ -155,6 +165,10 @@ void TClientDataSet::CheckRequiredInPacket() const {
 }
 
 void TClientDataSet::InternalPost() {
+  const bool calculates = std::ranges::any_of(
+      stored_, [](TFieldKind kind) { return kind == TFieldKind::fkInternalCalc; },
+      &TFieldDef::Kind);
+  if (calculates) records_->Calculate();
   CheckRequiredInPacket();
   records_->Post(LogChanges);
   if (!statusFilter_.IsEmpty()) Restand();

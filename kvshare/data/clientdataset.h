@@ -29,7 +29,9 @@ class TDataSetProvider;
 using TReconcileErrorEvent =
     std::function<void(TClientDataSet&, EReconcileError&, TUpdateKind, TReconcileAction&)>;
 
-// The fields that CreateDataSet makes.
+// The fields that CreateDataSet makes: those that records keep. One of the kind fkInternalCalc is
+// filled by OnCalcFields, while the record is edited and at last when it is posted, and goes to no
+// server.
 class KVSHARE_API TFieldDefs {
  public:
   void Add(std::string_view name, TFieldType type, int size = 0, bool required = false);
@@ -70,11 +72,14 @@ class KVSHARE_API TClientDataSet : public TDataSet {
 
   TFieldDefs& FieldDefs() { return fieldDefs_; }
   const TFieldDefs& FieldDefs() const { return fieldDefs_; }
-  // Beside those of FieldDefs or of the provider, at every opening.
+  // Beside those of FieldDefs or of the provider, at every opening. EDatabaseError
+  // `Invalid field size`, as CreateDataSet.
   void AddCalculated(std::string_view name, TFieldType type, int size = 0);
   void AddLookup(std::string_view name, TFieldType type, int size, TLookup lookup);
 
-  // Opens, empty and logging, with the fields of FieldDefs.
+  // Opens, empty and logging, with the fields of FieldDefs. EDatabaseError `Invalid field size` for
+  // a size that HasValidSize refuses, and `Field '%s' is not kept with the record` for one of the
+  // kinds fkCalculated and fkLookup.
   void CreateDataSet();
   // Drops all records and the log.
   void EmptyDataSet();
@@ -89,7 +94,8 @@ class KVSHARE_API TClientDataSet : public TDataSet {
   void SetXMLData(std::string_view packet);
   // The records as they were posted, with the log; without calculated and lookup fields. The file
   // is there whole, or the earlier one stays: EInOutError. EDBClient for a value that a packet
-  // cannot hold: a moment before the year 1 or past 9999, a field of a type without values.
+  // cannot hold: what a server has that is no value of its type, a moment past the year 9999, NaN;
+  // a field of a type without values.
   void SaveToFile(std::string_view fileName) const;
   std::string XMLData() const;
 
@@ -202,6 +208,7 @@ class KVSHARE_API TClientDataSet : public TDataSet {
     TFieldDef def;
     TLookup lookup;
   };
+  void AddDerived(Derived derived);
   std::vector<Derived> derived_;
   std::string indexFieldNames_;
   std::string primaryKey_;

@@ -12,16 +12,19 @@ ClientRecords::CalculatedValues::CalculatedValues(std::vector<TFieldForm> forms,
 }
 
 // What is read while it calculates is what there is so far.
-Cell ClientRecords::CalculatedValues::At(int column) const {
-  if (!std::exchange(sound_, true)) {
-    values_.Clear();
-    try {
-      calculate_();
-    } catch (...) {
-      sound_ = false;
-      throw;
-    }
+void ClientRecords::CalculatedValues::Refresh() const {
+  if (std::exchange(sound_, true)) return;
+  values_.Clear();
+  try {
+    calculate_();
+  } catch (...) {
+    sound_ = false;
+    throw;
   }
+}
+
+Cell ClientRecords::CalculatedValues::At(int column) const {
+  Refresh();
   return values_.At(column);
 }
 

@@ -60,6 +60,10 @@ class ClientRecords {
 
   // The calculated values have to be made again.
   void Outdate() { calculated_.Outdate(); }
+  void Calculate() {  // now, not at the first look
+    calculated_.Outdate();
+    calculated_.Refresh();
+  }
   void PutCalculated(int column, const Cell& cell) { calculated_.Put(column, cell); }
 
   // --- The images of the current record; nullptr where a column has no value in them
@@ -80,6 +84,7 @@ class ClientRecords {
    public:
     CalculatedValues(std::vector<TFieldForm> forms, std::function<void()> calculate);
     void Outdate() { sound_ = false; }
+    void Refresh() const;
     void Put(int column, const Cell& cell) { values_.Put(column, cell); }
 
     bool IsNull(int column) const override { return At(column).kind == CellKind::Null; }

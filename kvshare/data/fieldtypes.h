@@ -112,6 +112,13 @@ constexpr bool IsNumeric(TFieldType type) {
   return form == TFieldForm::Integer || form == TFieldForm::Real || form == TFieldForm::Decimal;
 }
 
+// Whether the values of a type have a length: not more bytes than the field's Size.
+constexpr bool IsSized(TFieldType type) {
+  using enum TFieldType;
+  return type == ftString || type == ftFixedChar || type == ftWideString || type == ftGuid ||
+         type == ftBytes || type == ftVarBytes;
+}
+
 enum class TFieldKind : std::uint8_t {
   fkData,
   fkCalculated,    // filled by the dataset's OnCalcFields, kept nowhere
@@ -123,10 +130,25 @@ enum class TFieldKind : std::uint8_t {
 struct TFieldDef {
   std::string Name;  // code page 874
   TFieldType DataType = TFieldType::ftUnknown;
-  int Size = 0;       // bytes of a text, decimals of a decimal
+  int Size = 0;       // bytes of a text, decimals of a decimal (with Precision 0: none declared)
   int Precision = 0;  // digits of a decimal
   bool Required = false;
   TFieldKind Kind = TFieldKind::fkData;
 };
+
+// String, FixedChar, WideString, Bytes and VarBytes: 1 .. 8192. BCD and FMTBcd: decimals, 0 .. 64
+// and not more than the Precision where there is one. Of other types the Size says nothing. Fields
+// that come from a server or a file are as they are there.
+constexpr bool HasValidSize(const TFieldDef& def) {
+  constexpr int kMostBytes = 8192;
+  constexpr int kMostDecimals = 64;
+  if (def.DataType == TFieldType::ftBCD || def.DataType == TFieldType::ftFMTBcd) {
+    const int most =
+        def.Precision > 0 && def.Precision < kMostDecimals ? def.Precision : kMostDecimals;
+    return def.Size >= 0 && def.Size <= most && def.Precision >= 0;
+  }
+  const bool sized = IsSized(def.DataType) && def.DataType != TFieldType::ftGuid;
+  return !sized || (def.Size >= 1 && def.Size <= kMostBytes);
+}
 
 }  // namespace kvshare

@@ -75,6 +75,7 @@ constexpr RangeRow kRanges[] = {
 };
 
 constexpr int kBytesOfWideLetter = 2;
+constexpr std::string_view kCalculated = "internalcalc";  // ours: other readers ignore it
 
 const TypeRow* FindType(std::string_view fieldtype, std::string_view subtype) {
   const TypeRow* plain = nullptr;
@@ -125,7 +126,7 @@ void ReadSizes(TFieldDef& def, const PacketNode& field) {
 
 bool SameField(const TFieldDef& a, const TFieldDef& b) {
   return SameText(a.Name, b.Name) && a.DataType == b.DataType && a.Size == b.Size &&
-         a.Precision == b.Precision && a.Required == b.Required;
+         a.Precision == b.Precision && a.Required == b.Required && a.Kind == b.Kind;
 }
 
 bool IsThaiNameStart(unsigned char c) {
@@ -153,6 +154,7 @@ PacketNode NewNode(const TFieldDef& def, std::string attribute) {
   if (field.attributes.front().second != def.Name) field.Set("fieldname", def.Name);
   field.Set("fieldtype", std::string(type->fieldtype));
   if (def.Required) field.Set("required", "true");
+  if (def.Kind == TFieldKind::fkInternalCalc) field.Set(kCalculated, "true");
   if (!type->subtype.empty()) field.Set("SUBTYPE", std::string(type->subtype));
   const bool decimal = FormOf(def.DataType) == TFieldForm::Decimal && def.DataType != ftCurrency;
   if (decimal && def.Size > 0) field.Set("DECIMALS", std::to_string(def.Size));
@@ -195,6 +197,7 @@ PacketColumn ColumnOf(const PacketNode& field) {
   }
   column.def.DataType = type->type;
   column.def.Required = SameText(TextOf(field, "required"), "true");
+  if (SameText(TextOf(field, kCalculated), "true")) column.def.Kind = TFieldKind::fkInternalCalc;
   ReadSizes(column.def, field);
   column.form = FormOf(column.def.DataType);
   const auto range = std::ranges::find(kRanges, type->fieldtype, &RangeRow::fieldtype);

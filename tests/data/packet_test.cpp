@@ -337,16 +337,16 @@ TEST(Packet, SavesAFileWholeOrNotAtAll) {
   TClientDataSet set;
   EXPECT_EQ(MessageOf<EDatabaseError>([&] { set.SaveToFile(kFile); }),
             "Cannot perform this operation on a closed dataset");
+  set.FieldDefs().Add("TYPE", ftVariant);
+  set.CreateDataSet();
+  EXPECT_EQ(MessageOf<EDBClient>([&] { set.SaveToFile(kFile); }),
+            "Field 'TYPE' is of a type that a data packet cannot hold");
+  EXPECT_EQ(ReadFileBytes(kFile), "earlier");
+  set.FieldDefs().Clear();
   set.FieldDefs().Add("DAY", ftDateTime);
   set.AddCalculated("LATER", ftDateTime);
   set.CreateDataSet();
   set.Append();
-  set.Fields(0).SetAsDateTime(EncodeDate(9999, 12, 31) + 1);
-  set.Post();
-  EXPECT_THAT(MessageOf<EDBClient>([&] { set.SaveToFile(kFile); }),
-              StartsWith("Field 'DAY': '10000-01-01 00:00:00' is no value"));
-  EXPECT_EQ(ReadFileBytes(kFile), "earlier");
-  set.Edit();
   set.Fields(0).SetAsDateTime(EncodeDate(9999, 12, 31));
   set.Post();
   set.SaveToFile(kFile);
@@ -358,10 +358,6 @@ TEST(Packet, SavesAFileWholeOrNotAtAll) {
   set.LoadFromFile(kFile);
   EXPECT_EQ(set.Fields(0).AsDateTime(), EncodeDate(9999, 12, 31));
   EXPECT_EQ(set.FieldCount(), 2) << "calculated fields stay the program's";
-  set.FieldDefs().Add("TYPE", ftVariant);
-  set.CreateDataSet();
-  EXPECT_EQ(MessageOf<EDBClient>([&] { set.XMLData(); }),
-            "Field 'TYPE' is of a type that a data packet cannot hold");
 }
 
 // Sets that were worked with in all kinds of ways are the same after a save and a load.
@@ -395,7 +391,8 @@ TEST(Packet, ComesBackAsItWasSaved) {
     TClientDataSet set;
     set.FieldDefs().Add("ID", ftInteger);
     for (const TFieldType type : {ftString, ftBlob, ftDateTime, ftFloat, ftFMTBcd, ftLargeint}) {
-      set.FieldDefs().Add("F" + std::to_string(static_cast<int>(type)), type);
+      const int size = IsSized(type) ? 8 : 0;
+      set.FieldDefs().Add("F" + std::to_string(static_cast<int>(type)), type, size);
     }
     set.CreateDataSet();
     set.SetPrimaryKey("ID");

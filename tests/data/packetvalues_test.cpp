@@ -170,7 +170,7 @@ TEST(PacketValues, BringsBackEachByteOfATextAndABlob) {
   for (const TFieldType type : {ftString, ftMemo, ftBlob, ftBytes}) {
     for (std::size_t size = 0; size <= bytes.size(); ++size) {
       TClientDataSet set;
-      set.FieldDefs().Add("F", type);
+      set.FieldDefs().Add("F", type, IsSized(type) ? 256 : 0);
       set.CreateDataSet();
       set.Append();
       set.Fields(0).SetAsString(bytes.substr(bytes.size() - size));
