@@ -116,20 +116,34 @@ std::string BytesOfHex(std::string_view text) {
 }
 
 void StoreWhole(TField& field, const std::string& text) {
-  if (field.Size() > 0 && text.size() > static_cast<std::size_t>(field.Size())) {
+  const bool sized = IsSized(field.DataType()) && field.Size() > 0;
+  if (sized && text.size() > static_cast<std::size_t>(field.Size())) {
     throw EConvertError(Format("%d bytes, the field has %d",
                                {static_cast<std::int64_t>(text.size()), field.Size()}));
   }
   field.SetAsString(text);
 }
 
-// With a point, whatever the process's separator is.
-void StoreDecimal(TField& field, std::string text) {
-  if (text.find_first_not_of("+-0123456789.") != std::string::npos) Refuse(text, "decimal");
-  if (const std::size_t point = text.find('.'); point != std::string::npos) {
-    text[point] = FormatSettings.DecimalSeparator;
+// Whether the field has room for all decimals of the text without a look at their values.
+bool HasRoomFor(const TField& field, std::string_view text) {
+  if (text.find_first_of("eE") != std::string_view::npos) return false;
+  const std::size_t point = text.find('.');
+  return point == std::string_view::npos ||
+         text.size() - point - 1 <= static_cast<std::size_t>(field.Size());
+}
+
+// With a point, whatever the process's separator is. A field rounds to the decimals that it has:
+// what it has made of the text must be the same number.
+void StoreDecimal(TField& field, const std::string& text) {
+  if (text.find_first_not_of("+-0123456789.eE") != std::string::npos) Refuse(text, "decimal");
+  std::string typed = text;
+  if (const std::size_t point = typed.find('.'); point != std::string::npos) {
+    typed[point] = FormatSettings.DecimalSeparator;
   }
-  field.SetAsString(text);
+  field.SetAsString(typed);
+  if (!HasRoomFor(field, text) && field.DisplayTextOf(typed) != field.DisplayText()) {
+    throw EConvertError(Format("'%s': the field has %d decimals", {text, field.Size()}));
+  }
 }
 
 }  // namespace

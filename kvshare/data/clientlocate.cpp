@@ -117,7 +117,7 @@ std::size_t TClientDataSet::Find(std::string_view keyFields, std::span<const Var
                   this);
   }
   for (std::size_t i = 0; i < values.size(); ++i) {
-    search.values.push_back(Fields(search.columns[i]).Converted(values[i]));
+    search.values.push_back(Fields(search.columns[i]).Sought(values[i]));
   }
   return kvshare::Find(*records_, search);
 }

@@ -1,14 +1,15 @@
 #include "kvshare/data/field.h"
 
-#include <charconv>
 #include <cmath>
 #include <limits>
 #include <optional>
 #include <utility>
 
 #include "kvshare/data/dataset.h"
+#include "kvshare/data/decimals.h"
 #include "kvshare/data/errors.h"
 #include "kvshare/data/wireforms.h"
+#include "kvshare/data/wiretexts.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/format.h"
@@ -17,28 +18,23 @@ namespace kvshare {
 
 namespace {
 
-double FloatOfDigits(std::string_view digits) {
-  double value = 0;
-  std::from_chars(digits.data(), digits.data() + digits.size(), value);
-  return value;
-}
-
-// A moment that the server gave in a form of its own.
-TDateTime MomentOrError(std::optional<TDateTime> moment, std::string_view text) {
-  if (!moment) {
-    throw EConvertError("'" + std::string(text) + "' is not a valid date and time");
+// What a text of another form is not.
+std::string_view KindOf(TFieldForm form) {
+  switch (form) {
+    case TFieldForm::Date:
+      return "date";
+    case TFieldForm::Time:
+      return "time";
+    case TFieldForm::Moment:
+      return "date and time";
+    default:
+      return "floating point";
   }
-  return *moment;
-}
-
-std::string Shortest(std::string_view digits) {
-  std::string text;
-  data::AppendShortest(text, digits, '.');
-  return text;
 }
 
 constexpr double kLeastAmount = -922337203685477.5808;
 constexpr double kMostAmount = 922337203685477.5807;
+constexpr double kTwoTo63 = 9223372036854775808.0;
 
 }  // namespace
 
@@ -61,6 +57,20 @@ void TField::RefuseRange(double value, double least, double most) const {
   DatabaseError(Format("%g is not a valid value for field '%s'. The allowed range is %g to %g",
                        {value, DisplayName(), least, most}),
                 &dataset_);
+}
+
+void TField::RefuseText(std::string_view text, std::string_view kind) const {
+  DatabaseError(Format("'%s' is not a valid %s value for field '%s'", {text, kind, DisplayName()}),
+                &dataset_);
+}
+
+// A text of the record that is no value of the type, in the server's letters.
+void TField::RefuseRead(std::string_view text) const {
+  RefuseText(data::ServerText(text), KindOf(form_));
+}
+
+void TField::RefuseValue() const {
+  DatabaseError(Format("Invalid value for field '%s'", {DisplayName()}), &dataset_);
 }
 
 std::string TField::Characters() const {
@@ -92,7 +102,10 @@ void TField::AppendString(std::string& out) const {
       out += FloatToStr(Record().Float(column_));
       return;
     case TFieldForm::Decimal:
-      data::AppendShortest(out, Record().Text(column_), FormatSettings.DecimalSeparator);
+      if (const std::string_view digits = Record().Text(column_);
+          !data::AppendShortest(out, digits, FormatSettings.DecimalSeparator)) {
+        RefuseRead(digits);
+      }
       return;
     case TFieldForm::Boolean:
       out += BoolToStr(Record().Integer(column_) != 0, true);
@@ -114,10 +127,17 @@ void TField::AppendString(std::string& out) const {
   }
 }
 
-std::int64_t TField::WholeOfReal(double value) const {
-  constexpr double kLimit = 9223372036854775808.0;  // 2^63, which a double holds exactly
+// The digits of a decimal that is not Null.
+std::string_view TField::Digits() const {
+  const std::string_view digits = Record().Text(column_);
+  if (!data::DigitsOf(digits)) RefuseRead(digits);
+  return digits;
+}
+
+// `least` and `most` are those of an error; they lie within 64 bits.
+std::int64_t TField::WholeOfReal(double value, double least, double most) const {
   const double whole = std::nearbyint(value);
-  if (!(whole >= -kLimit && whole < kLimit)) RefuseRange(value, -kLimit, kLimit);
+  if (!(whole >= -kTwoTo63 && whole < kTwoTo63)) RefuseRange(value, least, most);
   return static_cast<std::int64_t>(whole);
 }
 
@@ -128,10 +148,10 @@ std::int64_t TField::WholeNumber(std::string_view type) const {
   if (!number) RefuseType(type);
   if (IsNull()) return 0;
   if (form_ == TFieldForm::Integer) return Record().Integer(column_);
-  if (form_ == TFieldForm::Real) return WholeOfReal(Record().Float(column_));
-  const std::string_view digits = Record().Text(column_);
-  const auto whole = data::WholeOfDigits(digits);
-  return whole ? *whole : WholeOfReal(FloatOfDigits(digits));
+  if (form_ == TFieldForm::Decimal) {
+    if (const auto whole = data::WholeOfDigits(Record().Text(column_))) return *whole;
+  }
+  return WholeOfReal(AsFloat(), -kTwoTo63, kTwoTo63);
 }
 
 std::int64_t TField::AsLargeInt() const {
@@ -156,7 +176,9 @@ double TField::AsFloat() const {
     case TFieldForm::Real:
       return IsNull() ? 0 : Record().Float(column_);
     case TFieldForm::Decimal:
-      return IsNull() ? 0 : FloatOfDigits(Record().Text(column_));
+      if (IsNull()) return 0;
+      if (const auto value = data::FloatOfDigits(Record().Text(column_))) return *value;
+      RefuseRead(Record().Text(column_));
     case TFieldForm::Date:
     case TFieldForm::Time:
     case TFieldForm::Moment:
@@ -168,7 +190,7 @@ double TField::AsFloat() const {
 
 Currency TField::DecimalAsCurrency(std::string_view digits) const {
   const auto amount = data::CurrencyOfDigits(digits);
-  if (!amount) RefuseRange(FloatOfDigits(digits), kLeastAmount, kMostAmount);
+  if (!amount) RefuseRange(AsFloat(), kLeastAmount, kMostAmount);
   return *amount;
 }
 
@@ -193,13 +215,17 @@ TDateTime TField::AsDateTime() const {
     const auto moment = data::MomentOfText(text);
     return moment ? *moment : StrToDateTime(text);
   }
-  const bool date =
-      form_ == TFieldForm::Date || form_ == TFieldForm::Time || form_ == TFieldForm::Moment;
-  if (!date) RefuseType("DateTime");
+  if (!IsDate()) RefuseType("DateTime");
   if (IsNull()) return {};
   const std::string_view text = Record().Text(column_);
-  if (form_ == TFieldForm::Time) return MomentOrError(data::TimeOfText(text), text);
-  return MomentOrError(data::MomentOfText(text), text);
+  const auto moment = form_ == TFieldForm::Time ? data::TimeOfText(text) : data::MomentOfText(text);
+  if (!moment) RefuseRead(text);
+  return *moment;
+}
+
+TDateTime TField::AsSQLTimeStamp() const {
+  if (!IsDate()) RefuseType("SQLTimeStamp");
+  return AsDateTime();
 }
 
 bool TField::AsBoolean() const {
@@ -223,9 +249,11 @@ Variant TField::Value() const {
     case TFieldForm::Real:
       return Record().Float(column_);
     case TFieldForm::Decimal: {
-      const std::string_view digits = Record().Text(column_);
-      const auto amount = data::CurrencyOfDigits(digits);
-      if (amount && Shortest(data::DigitsOfCurrency(*amount)) == Shortest(digits)) return *amount;
+      constexpr std::size_t kPlaces = 4;
+      const auto digits = data::DigitsOf(Record().Text(column_));
+      const bool fits = digits && digits->decimals.size() <= kPlaces;
+      const auto amount = fits ? data::CurrencyOfDigits(Record().Text(column_)) : std::nullopt;
+      if (amount) return *amount;
       return AsString();
     }
     case TFieldForm::Boolean:

@@ -72,7 +72,7 @@ struct TProviderFlags {
 //   AsFloat          texts, numbers, dates            texts, numbers            likewise
 //   AsCurrency       texts, numbers, dates            texts, numbers            likewise
 //   AsDateTime       texts, dates                     texts, dates              likewise
-//   AsSQLTimeStamp                                    dates
+//   AsSQLTimeStamp   dates                            dates                     likewise
 //   AsBoolean        texts, Booleans                  texts, Booleans           false
 //
 // A text is converted as StrToInt64, StrToFloat, StrToCurr and StrToDateTime do, with their errors;
@@ -81,6 +81,16 @@ struct TProviderFlags {
 // half to even into an integer, a decimal into an amount, once, on all their digits. What does not
 // fit the type asked for throws EDatabaseError
 // `%g is not a valid value for field '%s'. The allowed range is %g to %g`.
+//
+// A server can have what is no value of the field's type: 1,200.50 in a column of amounts of a
+// server that takes any text, 0000-00-00, a day of the year 10000. Every accessor, the texts too,
+// throws EDatabaseError `'%s' is not a valid floating point value for field '%s'` then
+// (`date`, `time`, `date and time`); only IsNull reads it, and a new value can be stored over it.
+//
+// Storing rounds: a real is taken with the 15 digits that it surely has, and a decimal field with
+// declared decimals (a Size or a Precision that is not 0) keeps Size of them. A tie goes away from
+// zero, as in the DECIMAL columns of all servers and in DisplayFormat: 2.345 is 2.35, -2.345 is
+// -2.35. Fields of the type Currency, and others without declared decimals, keep all digits.
 //
 // Storing goes the same way for every setter: the dataset must be in dsEdit or dsInsert
 // (`Dataset not in edit or insert mode`), the field not ReadOnly (`Field '%s' cannot be modified`),
@@ -107,7 +117,8 @@ class KVSHARE_API TField : public TComponent {
   bool ReadOnly = false;
   TProviderFlags ProviderFlags;
 
-  // The least and the most that an integer or a real may be, where they differ.
+  // The least and the most that a number may be, where one of them is not 0; the range of the type
+  // binds besides.
   double MinValue = 0;
   double MaxValue = 0;
 
@@ -142,6 +153,7 @@ class KVSHARE_API TField : public TComponent {
   double AsFloat() const;
   Currency AsCurrency() const;
   TDateTime AsDateTime() const;
+  TDateTime AsSQLTimeStamp() const;  // of a bare time: on 1899-12-30
   bool AsBoolean() const;
 
   // Null, or the value in its own type: text, integer, double, amount (a decimal that four decimals
@@ -150,10 +162,13 @@ class KVSHARE_API TField : public TComponent {
 
   void Clear();  // Null
 
-  // "" is Null for everything but texts. A text of more than Size bytes is cut, silently. What is
-  // no number or Boolean throws EDatabaseError `'%s' is not a valid integer value for field '%s'`
-  // (`floating point`, `boolean`), what is no date EConvertError as StrToDate and its siblings do,
-  // into a TimeStamp `Could not parse SQL TimeStamp string`.
+  // "" is Null for everything but texts. A text of more than Size bytes is cut, silently, where the
+  // type has a length (IsSized); memos and blobs have none. A decimal has any number of digits and,
+  // if need be, an exponent. What is no number or Boolean throws EDatabaseError
+  // `'%s' is not a valid integer value for field '%s'` (`floating point`, `boolean`), NaN and
+  // infinity too; what is no date EConvertError as StrToDate and its siblings do, into a TimeStamp
+  // `Could not parse SQL TimeStamp string`. A day outside the years 1 to 9999 throws EDatabaseError
+  // `Invalid value for field '%s'`.
   void SetAsString(std::string_view text);
   void SetAsInteger(std::int64_t value);
   void SetAsLargeInt(std::int64_t value) { SetAsInteger(value); }
@@ -162,7 +177,8 @@ class KVSHARE_API TField : public TComponent {
   void SetAsDateTime(TDateTime moment);
   void SetAsSQLTimeStamp(TDateTime moment);  // a bare time lies on 1899-12-30
   void SetAsBoolean(bool value);
-  // Null and Unassigned clear. Throws EDatabaseError `Invalid value for field '%s'`.
+  // Null and Unassigned clear. Throws EDatabaseError `Invalid value for field '%s'` for what cannot
+  // be converted.
   void SetValue(const Variant& value);
 
   // What a control shows and edits: OnGetText's, else a number or date by its formats, a text that
@@ -172,7 +188,8 @@ class KVSHARE_API TField : public TComponent {
   // What a user has typed: OnSetText alone decides, else SetAsString.
   void SetText(std::string_view text);
 
-  // DisplayText of another value, which the record need not have. Throws as SetValue does.
+  // DisplayText of another value, which the record need not have. Throws as SetValue does, but the
+  // value is neither rounded nor cut, and may lie out of range.
   std::string DisplayTextOf(const Variant& value);
   // A whole line that a user has typed in the place of the text: without anything Null, else
   // SetText of what EditMask makes of it (TEditMask::ValueOfLine, with its error).
@@ -190,8 +207,12 @@ class KVSHARE_API TField : public TComponent {
   friend class TParam;
 
   // The value as this field would store it, without a look at the dataset; Null of Null and
-  // Unassigned. Throws as SetValue does.
+  // Unassigned. Throws as SetValue does, but the value is neither rounded nor cut, and may lie out
+  // of range.
   data::OwnedCell Converted(const Variant& value);
+  // The value to look for among those of this field: as Converted, but a number that the field
+  // cannot have, 5.5 among whole ones, is none of them and not an error.
+  data::OwnedCell Sought(const Variant& value);
   // The value in another record of the same columns.
   Variant ValueIn(const TRecordReader& record) const;
   // What `read` gives while accessors read that record.
@@ -212,10 +233,13 @@ class KVSHARE_API TField : public TComponent {
   [[noreturn]] void RefuseType(std::string_view type) const;
   [[noreturn]] void RefuseRange(double value, double least, double most) const;
   [[noreturn]] void RefuseText(std::string_view text, std::string_view kind) const;
+  [[noreturn]] void RefuseRead(std::string_view text) const;
+  [[noreturn]] void RefuseValue() const;
   std::string Characters() const;
+  std::string_view Digits() const;
   Currency DecimalAsCurrency(std::string_view digits) const;
   std::int64_t WholeNumber(std::string_view type) const;
-  std::int64_t WholeOfReal(double value) const;
+  std::int64_t WholeOfReal(double value, double least, double most) const;
 
   Variant ImageValue(TFieldImage image) const;
   std::string TextOf(bool display) const;
@@ -227,11 +251,16 @@ class KVSHARE_API TField : public TComponent {
   void StoreInteger(std::int64_t value);
   void StoreReal(double value);
   void StoreDecimal(std::string_view digits);
+  void StoreShortest(std::string digits);
   void StoreMoment(TDateTime moment);
   void StoreTypedDecimal(std::string_view text);
   void StoreTypedMoment(std::string_view text);
   void StoreVariant(const Variant& value);
+  void StoreVariantDecimal(const Variant& value);
+  template <typename Type>
+  Type Fit(const Variant& value, Type (Variant::*convert)() const) const;
   bool IsDate() const;
+  bool IsBounded() const { return MinValue != 0 || MaxValue != 0; }
 
   TDataSet& dataset_;
   const TRecordReader* record_;

@@ -1,10 +1,14 @@
 // How a field takes a value.
-#include <charconv>
+#include <algorithm>
 #include <cmath>
+#include <compare>
 #include <limits>
 #include <optional>
+#include <utility>
+#include <variant>
 
 #include "kvshare/data/dataset.h"
+#include "kvshare/data/decimals.h"
 #include "kvshare/data/errors.h"
 #include "kvshare/data/field.h"
 #include "kvshare/data/record.h"
@@ -25,52 +29,60 @@ struct Range {
   double most;
 };
 
-std::optional<Range> RangeOf(TFieldType type) {
+constexpr double kTwoTo63 = 9223372036854775808.0;
+
+Range RangeOf(TFieldType type) {
   switch (type) {
     case TFieldType::ftSmallint:
-      return Range{std::numeric_limits<std::int16_t>::min(),
-                   std::numeric_limits<std::int16_t>::max()};
+      return {std::numeric_limits<std::int16_t>::min(), std::numeric_limits<std::int16_t>::max()};
     case TFieldType::ftWord:
-      return Range{0, std::numeric_limits<std::uint16_t>::max()};
+      return {0, std::numeric_limits<std::uint16_t>::max()};
     case TFieldType::ftInteger:
     case TFieldType::ftAutoInc:
-      return Range{std::numeric_limits<std::int32_t>::min(),
-                   std::numeric_limits<std::int32_t>::max()};
+      return {std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()};
     default:
-      return std::nullopt;
+      return {-kTwoTo63, kTwoTo63};
   }
 }
 
-// [-]digits[.digits] of a real that is one, all its digits.
-std::string DigitsOfReal(double value) {
-  constexpr std::size_t kLongest = 400;
-  std::string digits(kLongest, '\0');
-  const auto end =
-      std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed)
-          .ptr;
-  digits.resize(static_cast<std::size_t>(end - digits.data()));
-  return digits;
+// Of whole numbers: what their type holds, and of that what the field allows.
+Range RangeOf(const TField& field) {
+  Range range = RangeOf(field.DataType());
+  if (field.MinValue == 0 && field.MaxValue == 0) return range;
+  range.least = std::max(range.least, field.MinValue);
+  range.most = std::min(range.most, field.MaxValue);
+  return range;
 }
 
-// A decimal as people type it, in the contract's form; nothing for another text.
-std::optional<std::string> DigitsOfTyped(std::string_view text) {
-  std::string digits(Trim(text));
-  if (!digits.empty() && digits.front() == '+') digits.erase(0, 1);
-  for (char& c : digits) {
-    if (c == FormatSettings.DecimalSeparator) c = '.';
+bool IsOutOf(double least, double most, std::string_view digits) {
+  return std::is_lt(data::CompareDecimals(digits, data::DigitsOfReal(least))) ||
+         std::is_gt(data::CompareDecimals(digits, data::DigitsOfReal(most)));
+}
+
+// A column of such decimals on a server rounds into them.
+bool HasDeclaredDecimals(const TFieldDef& def) {
+  return def.DataType != TFieldType::ftCurrency && (def.Size > 0 || def.Precision > 0);
+}
+
+// A whole number, or else its digits; nothing for a value that is no number.
+std::optional<Cell> WholeOrDigits(const Variant& value, std::string& digits) {
+  if (const auto* real = std::get_if<double>(&value.Value()); real != nullptr) {
+    if (!std::isfinite(*real)) return std::nullopt;
+    const bool isWhole = std::fabs(*real) < kTwoTo63 && std::nearbyint(*real) == *real;
+    if (isWhole) return Cell::Of(static_cast<std::int64_t>(*real));
+    digits = data::DigitsOfReal(*real);
+  } else if (const auto* amount = std::get_if<Currency>(&value.Value()); amount != nullptr) {
+    data::AppendShortest(digits, data::DigitsOfCurrency(*amount), '.');
+  } else if (const auto* text = std::get_if<std::string>(&value.Value()); text != nullptr) {
+    digits = data::DigitsOfTyped(*text).value_or("");
   }
-  if (!data::WholeOfDigits(digits) && !data::CurrencyOfDigits(digits)) return std::nullopt;
-  if (digits.front() == '.') digits.insert(0, 1, '0');
-  if (digits.starts_with("-.")) digits.insert(1, 1, '0');
-  return digits;
+  if (digits.empty()) return std::nullopt;
+  const auto whole = data::WholeOfDigits(digits);
+  const bool isWhole = whole && digits.find('.') == std::string::npos;
+  return isWhole ? Cell::Of(*whole) : Cell::Of(std::string_view{digits});
 }
 
 }  // namespace
-
-void TField::RefuseText(std::string_view text, std::string_view kind) const {
-  DatabaseError(Format("'%s' is not a valid %s value for field '%s'", {text, kind, DisplayName()}),
-                &dataset_);
-}
 
 bool TField::IsDate() const {
   return form_ == TFieldForm::Date || form_ == TFieldForm::Time || form_ == TFieldForm::Moment;
@@ -109,49 +121,62 @@ void TField::Clear() {
 
 void TField::StoreText(std::string_view text) {
   const auto room = static_cast<std::size_t>(def_.Size);
-  const bool whole = room == 0 || converted_ != nullptr;  // a cut one would find others
-  Store(Cell::Of(whole ? text : text.substr(0, room)));
+  const bool cut = IsSized(def_.DataType) && room != 0 && converted_ == nullptr;
+  Store(Cell::Of(cut ? text.substr(0, room) : text));
 }
 
 void TField::StoreInteger(std::int64_t value) {
-  std::optional<Range> range = RangeOf(def_.DataType);
-  if (MinValue != 0 || MaxValue != 0) range = Range{MinValue, MaxValue};
+  const Range range = RangeOf(*this);
   const auto real = static_cast<double>(value);
-  if (range && (real < range->least || real > range->most)) {
-    RefuseRange(real, range->least, range->most);
-  }
+  const bool out = real < range.least || real > range.most;
+  if (out && converted_ == nullptr) RefuseRange(real, range.least, range.most);
   Store(Cell::Of(value));
 }
 
 void TField::StoreReal(double value) {
-  const bool bounded = MinValue != 0 || MaxValue != 0;
-  if (bounded && !(value >= MinValue && value <= MaxValue)) RefuseRange(value, MinValue, MaxValue);
+  if (converted_ == nullptr) {
+    if (!std::isfinite(value)) RefuseText(FloatToStr(value), "floating point");
+    const bool out = value < MinValue || value > MaxValue;
+    if (out && IsBounded()) RefuseRange(value, MinValue, MaxValue);
+  }
   Store(Cell::Of(value));
 }
 
-// Without zeros at the end: of two equal amounts the texts are equal.
 void TField::StoreDecimal(std::string_view digits) {
   std::string shortest;
   data::AppendShortest(shortest, digits, '.');
-  const std::string_view value = shortest;
-  Store(Cell::Of(value));
+  StoreShortest(std::move(shortest));
 }
 
-void TField::StoreMoment(TDateTime moment) {
-  switch (form_) {
-    case TFieldForm::Date:
-      return Store(Cell::Of(data::DateText::OfDate(moment).View()));
-    case TFieldForm::Time:
-      return Store(Cell::Of(data::DateText::OfTime(moment).View()));
-    default:
-      return Store(Cell::Of(data::DateText::OfMoment(moment).View()));
+// Without zeros that say nothing: of two equal amounts the texts are equal.
+void TField::StoreShortest(std::string digits) {
+  if (converted_ == nullptr) {
+    if (HasDeclaredDecimals(def_)) data::RoundDigits(digits, def_.Size);
+    if (IsBounded() && IsOutOf(MinValue, MaxValue, digits)) {
+      RefuseRange(data::FloatOfDigits(digits).value_or(std::numeric_limits<double>::infinity()),
+                  MinValue, MaxValue);
+    }
   }
+  Store(Cell::Of(std::string_view{digits}));
+}
+
+// A date or moment that has four digits of a year can be read again.
+void TField::StoreMoment(TDateTime moment) {
+  constexpr double kFarthest = 3'000'000;  // days, past both ends of the calendar
+  if (!(std::fabs(moment.Days()) < kFarthest)) RefuseValue();
+  if (form_ == TFieldForm::Time) return Store(Cell::Of(data::DateText::OfTime(moment).View()));
+  const auto text =
+      form_ == TFieldForm::Date ? data::DateText::OfDate(moment) : data::DateText::OfMoment(moment);
+  constexpr std::size_t kYear = 4;
+  const bool readable = text.View()[kYear] == '-' && !text.View().starts_with("0000");
+  if (!readable) RefuseValue();
+  Store(Cell::Of(text.View()));
 }
 
 void TField::StoreTypedDecimal(std::string_view text) {
-  const std::optional<std::string> digits = DigitsOfTyped(text);
+  std::optional<std::string> digits = data::DigitsOfTyped(text);
   if (!digits) RefuseText(text, "floating point");
-  StoreDecimal(*digits);
+  StoreShortest(*std::move(digits));
 }
 
 void TField::StoreTypedMoment(std::string_view text) {
@@ -215,12 +240,12 @@ void TField::SetAsInteger(std::int64_t value) {
 void TField::SetAsFloat(double value) {
   switch (form_) {
     case TFieldForm::Integer:
-      return StoreInteger(WholeOfReal(value));
+      return StoreInteger(WholeOfReal(value, RangeOf(*this).least, RangeOf(*this).most));
     case TFieldForm::Real:
       return StoreReal(value);
     case TFieldForm::Decimal:
       if (!std::isfinite(value)) RefuseText(FloatToStr(value), "floating point");
-      return StoreDecimal(DigitsOfReal(value));
+      return StoreDecimal(data::DigitsOfReal(value));
     case TFieldForm::Text:
       return StoreText(FloatToStr(value));
     default:
@@ -262,35 +287,59 @@ void TField::SetAsBoolean(bool value) {
   Store(Cell::Of(std::int64_t{value}));
 }
 
+// What the value is in another type. Only the conversion's own errors are meant: handlers that are
+// told of the storing have theirs.
+template <typename Type>
+Type TField::Fit(const Variant& value, Type (Variant::*convert)() const) const {
+  try {
+    return (value.*convert)();
+  } catch (const EVariantError&) {
+    RefuseValue();
+  } catch (const EExternal&) {
+    RefuseValue();
+  }
+}
+
 void TField::StoreVariant(const Variant& value) {
-  const bool text = std::holds_alternative<std::string>(value.Value());
   switch (form_) {
     case TFieldForm::Integer:
-      return StoreInteger(value.AsInteger());
+      return StoreInteger(Fit(value, &Variant::AsInteger));
     case TFieldForm::Real:
-      return StoreReal(value.AsFloat());
+      return StoreReal(Fit(value, &Variant::AsFloat));
     case TFieldForm::Decimal:
-      if (text) return StoreTypedDecimal(value.AsString());
-      if (std::holds_alternative<double>(value.Value())) return SetAsFloat(value.AsFloat());
-      return SetAsCurrency(value.AsCurrency());
+      return StoreVariantDecimal(value);
     case TFieldForm::Boolean:
-      return SetAsBoolean(value.AsBoolean());
+      return SetAsBoolean(Fit(value, &Variant::AsBoolean));
     case TFieldForm::Date:
     case TFieldForm::Time:
     case TFieldForm::Moment:
-      return StoreMoment(value.AsDateTime());
+      return StoreMoment(Fit(value, &Variant::AsDateTime));
     default:
       return SetAsString(value.AsString());
   }
 }
 
+// In the type that the value has, so that it loses nothing.
+void TField::StoreVariantDecimal(const Variant& value) {
+  if (const auto* text = std::get_if<std::string>(&value.Value()); text != nullptr) {
+    std::optional<std::string> digits = data::DigitsOfTyped(*text);
+    if (!digits) RefuseValue();
+    return StoreShortest(*std::move(digits));
+  }
+  if (const auto* amount = std::get_if<Currency>(&value.Value()); amount != nullptr) {
+    return StoreDecimal(data::DigitsOfCurrency(*amount));
+  }
+  if (const auto* whole = std::get_if<std::int64_t>(&value.Value()); whole != nullptr) {
+    return StoreShortest(IntToStr(*whole));
+  }
+  const double real = Fit(value, &Variant::AsFloat);
+  if (!std::isfinite(real)) RefuseValue();
+  StoreDecimal(data::DigitsOfReal(real));
+}
+
 void TField::SetValue(const Variant& value) {
   if (value.IsEmpty() || value.IsNull()) return Clear();
-  try {
-    StoreVariant(value);
-  } catch (const EVariantError&) {
-    DatabaseError(Format("Invalid value for field '%s'", {DisplayName()}), &dataset_);
-  }
+  StoreVariant(value);
 }
 
 data::OwnedCell TField::Converted(const Variant& value) {
@@ -304,6 +353,12 @@ data::OwnedCell TField::Converted(const Variant& value) {
   }
   converted_ = nullptr;
   return cell;
+}
+
+data::OwnedCell TField::Sought(const Variant& value) {
+  std::string digits;
+  const auto cell = form_ == TFieldForm::Integer ? WholeOrDigits(value, digits) : std::nullopt;
+  return cell ? data::OwnedCell(*cell) : Converted(value);
 }
 
 }  // namespace kvshare

@@ -3,7 +3,7 @@
 #include "kvshare/data/editmask.h"
 #include "kvshare/data/field.h"
 #include "kvshare/data/record.h"
-#include "kvshare/data/wireforms.h"
+#include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/formatdatetime.h"
 #include "kvshare/rtl/formatfloat.h"
 
@@ -35,13 +35,11 @@ void TField::AppendOwnText(std::string& out, bool display) const {
   if (IsNull() || format.empty()) return AppendString(out);
   switch (form_) {
     case TFieldForm::Integer:
+      return AppendFormatDigits(out, format, IntToStr(Record().Integer(column_)));
     case TFieldForm::Real:
       return AppendFormatFloat(out, format, AsFloat());
     case TFieldForm::Decimal:
-      if (const auto amount = data::CurrencyOfDigits(Record().Text(column_))) {
-        return AppendFormatFloat(out, format, *amount);
-      }
-      return AppendFormatFloat(out, format, AsFloat());
+      return AppendFormatDigits(out, format, Digits());
     case TFieldForm::Date:
     case TFieldForm::Time:
     case TFieldForm::Moment:

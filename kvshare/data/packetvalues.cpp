@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <cstring>
 
 #include "kvshare/data/base64.h"
+#include "kvshare/data/decimals.h"
 #include "kvshare/rtl/calendar.h"
 
 namespace kvshare::data {
@@ -84,50 +86,6 @@ bool ReadNumber(std::string_view text, Value& value) {
   return error == std::errc() && last == end;
 }
 
-// [sign]digits[.digits][exponent] as [-]digits[.digits] without a zero that says nothing, so that
-// equal amounts are equal texts. Appends to `out`; false for another text and a wild exponent.
-bool AppendDecimal(std::string& out, std::string_view text) {
-  constexpr int kMostExponent = 400;
-  const bool negative = text.starts_with('-');
-  if (negative || text.starts_with('+')) text.remove_prefix(1);
-  int exponent = 0;
-  if (const std::size_t e = text.find_first_of("eE"); e != std::string_view::npos) {
-    const bool sound = ReadNumber(text.substr(e + 1), exponent) && exponent <= kMostExponent &&
-                       exponent >= -kMostExponent;
-    if (!sound) return false;
-    text = text.substr(0, e);
-  }
-  const std::size_t point = text.find('.');
-  const std::string_view whole = text.substr(0, point);
-  const std::string_view rest =
-      point == std::string_view::npos ? std::string_view() : text.substr(point + 1);
-  const bool digits = std::ranges::all_of(whole, IsDigit) && std::ranges::all_of(rest, IsDigit) &&
-                      !(whole.empty() && rest.empty());
-  if (!digits) return false;
-
-  // digits d0 d1 ..., the point in front of the one at `before`
-  const auto digit = [&](std::ptrdiff_t i) {
-    const auto at = static_cast<std::size_t>(i);
-    if (i < 0 || at >= whole.size() + rest.size()) return '0';
-    return at < whole.size() ? whole[at] : rest[at - whole.size()];
-  };
-  const std::ptrdiff_t before = static_cast<std::ptrdiff_t>(whole.size()) + exponent;
-  auto end = static_cast<std::ptrdiff_t>(whole.size() + rest.size());
-  while (end > 0 && digit(end - 1) == '0') --end;
-  std::ptrdiff_t begin = 0;
-  while (begin < end && digit(begin) == '0') ++begin;
-  if (begin == end) {
-    out.push_back('0');
-    return true;
-  }
-  if (negative) out.push_back('-');
-  if (begin >= before) out.push_back('0');
-  for (std::ptrdiff_t i = begin; i < before; ++i) out.push_back(digit(i));
-  if (end > before) out.push_back('.');
-  for (std::ptrdiff_t i = before; i < end; ++i) out.push_back(digit(i));
-  return true;
-}
-
 bool ReadBoolean(std::string_view text, std::int64_t& value) {
   value = text == "TRUE" || text == "true" || text == "True" ? 1 : 0;
   return value == 1 || text == "FALSE" || text == "false" || text == "False";
@@ -140,29 +98,32 @@ void AppendNumber(std::string& out, Number value) {
   out.append(text, static_cast<std::size_t>(end - text));
 }
 
+// What a record has from a server may be no value of the type: then each of these is false, and
+// what it has appended is not whole.
+
 // yyyy-mm-dd as yyyymmdd. Moments past 9999 have more digits, those before the year 1 none.
 bool AppendDate(std::string& out, std::string_view text) {
-  if (text.size() != kDateRoom || text.starts_with("0000")) return false;
+  if (text.size() != kDateRoom || text[4] != '-' || text[7] != '-') return false;
+  const std::size_t begin = out.size();
   out.append(text.substr(0, 4)).append(text.substr(5, 2)).append(text.substr(8, 2));
-  return true;
+  char room[kDateRoom];
+  return PutDate(room, std::string_view(out).substr(begin)) != 0;
 }
 
 // hh:mm:ss[.fff] as hh:mm:ssfff.
 bool AppendTime(std::string& out, std::string_view text) {
-  if (text.size() != kTime && text.size() != kTimeRoom) return false;
+  if (text.size() != kTime && (text.size() != kTimeRoom || text[kTime] != '.')) return false;
+  const std::size_t begin = out.size();
   out.append(text.substr(0, kTime));
   out.append(text.size() == kTime ? "000" : text.substr(kTime + 1));
-  return true;
+  char room[kTimeRoom];
+  return PutTime(room, std::string_view(out).substr(begin)) != 0;
 }
 
 bool AppendMoment(std::string& out, std::string_view text) {
-  const std::size_t size = out.size();
-  if (text.size() > kDateRoom && AppendDate(out, text.substr(0, kDateRoom))) {
-    out.push_back('T');
-    if (AppendTime(out, text.substr(kDateRoom + 1))) return true;
-  }
-  out.resize(size);
-  return false;
+  if (text.size() <= kDateRoom || !AppendDate(out, text.substr(0, kDateRoom))) return false;
+  out.push_back('T');
+  return AppendTime(out, text.substr(kDateRoom + 1));
 }
 
 // What a letter becomes; nothing of one that stands for itself.
@@ -218,7 +179,7 @@ bool PutPacketValue(RecordBuffer& buffer, int at, const PacketColumn& column, st
     }
     case TFieldForm::Real: {
       double value = 0;
-      return ReadNumber(text, value) && put(value);
+      return ReadNumber(text, value) && std::isfinite(value) && put(value);
     }
     case TFieldForm::Boolean: {
       std::int64_t value = 0;
@@ -290,13 +251,13 @@ bool AppendPacketValue(std::string& out, TFieldForm form, const Cell& value) {
       return true;
     case TFieldForm::Real:
       AppendNumber(out, value.real);
-      return true;
+      return std::isfinite(value.real);
     case TFieldForm::Boolean:
       out += value.integer != 0 ? "TRUE" : "FALSE";
       return true;
     case TFieldForm::Decimal:
       out += value.text;
-      return true;
+      return DigitsOf(value.text).has_value();
     case TFieldForm::Bytes:
       AppendBase64(out, value.text);
       return true;

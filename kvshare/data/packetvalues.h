@@ -18,8 +18,8 @@ bool PutPacketValue(RecordBuffer& buffer, int at, const PacketColumn& column, st
 // What the text of a column should have been: "a whole number".
 std::string_view KindOfValue(const PacketColumn& column);
 
-// A value that is not Null as a packet has it, escaped. False, and nothing appended, for a date
-// that a packet cannot hold: one past the year 9999.
+// A value that is not Null as a packet has it, escaped. False, with a part of it appended, for what
+// a packet cannot hold: a date past the year 9999, NaN, what is no value of its type.
 bool AppendPacketValue(std::string& out, TFieldForm form, const Cell& value);
 
 // A text inside an attribute: letters above ASCII and control characters by number, `&` and the

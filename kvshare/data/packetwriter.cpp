@@ -4,6 +4,7 @@
 #include "kvshare/data/packetfields.h"
 #include "kvshare/data/packetlog.h"
 #include "kvshare/data/packetvalues.h"
+#include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/format.h"
 
@@ -85,9 +86,10 @@ class RowWriter {
 
   [[noreturn]] void RefuseValue(int column, const Cell& value) const {
     const std::string& name = source_.fields[static_cast<std::size_t>(column)].Name;
-    throw EDBClient(
-        Format("Field '%s': %s is no value that a data packet can hold", {name, Shown(value.text)}),
-        0);
+    const bool real = value.kind == CellKind::Real;
+    const std::string text = real ? FloatToStr(value.real) : Shown(value.text);
+    throw EDBClient(Format("Field '%s': %s is no value that a data packet can hold", {name, text}),
+                    0);
   }
 
   std::string& out_;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "kvshare/data/wireforms.h"
+#include "kvshare/data/decimals.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 
@@ -64,8 +64,8 @@ void PutCell(RecordBuffer& out, int at, const TRecordReader& reader, int column,
         cell.text = scratch;
         break;
       case TFieldForm::Decimal:
-        AppendShortest(scratch, cell.text, '.');
-        cell.text = scratch;
+        // What is no number stays as the server has it: only its reading is refused.
+        if (AppendShortest(scratch, cell.text, '.')) cell.text = scratch;
         break;
       case TFieldForm::Time:
       case TFieldForm::Moment:

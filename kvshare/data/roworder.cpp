@@ -1,29 +1,16 @@
 #include "kvshare/data/roworder.h"
 
 #include <algorithm>
-#include <charconv>
 
-#include "kvshare/data/wireforms.h"
+#include "kvshare/data/decimals.h"
+#include "kvshare/rtl/convert.h"
 
 namespace kvshare::data {
 
 namespace {
 
-double FloatOf(std::string_view digits) {
-  double value = 0;
-  std::from_chars(digits.data(), digits.data() + digits.size(), value);
-  return value;
-}
-
 std::weak_ordering CompareReals(double a, double b) {
   return std::weak_order(a, b == a ? a : b);
-}
-
-std::weak_ordering CompareDecimals(std::string_view a, std::string_view b) {
-  const auto left = CurrencyOfDigits(a);
-  const auto right = CurrencyOfDigits(b);
-  if (left && right && left->Raw() != right->Raw()) return left->Raw() <=> right->Raw();
-  return CompareReals(FloatOf(a), FloatOf(b));
 }
 
 }  // namespace
@@ -34,6 +21,7 @@ std::weak_ordering Compare(const Cell& a, const Cell& b, TFieldForm form) {
   }
   switch (a.kind) {
     case CellKind::Integer:
+      if (b.kind == CellKind::Text) return CompareDecimals(IntToStr(a.integer), b.text);
       return a.integer <=> b.integer;
     case CellKind::Real:
       return CompareReals(a.real, b.real);

@@ -11,7 +11,8 @@
 
 namespace kvshare::data {
 
-// How two values of a form follow each other: Null first, texts by their bytes.
+// How two values of a form follow each other: Null first, texts by their bytes. What is looked for
+// among whole numbers, `b`, may be a decimal.
 std::weak_ordering Compare(const Cell& a, const Cell& b, TFieldForm form);
 
 // Positions count from 0. What was deleted keeps its position, out of view, until there is too much

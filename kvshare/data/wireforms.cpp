@@ -1,7 +1,6 @@
 #include "kvshare/data/wireforms.h"
 
-#include <algorithm>
-
+#include "kvshare/data/decimals.h"
 #include "kvshare/rtl/digits.h"
 #include "kvshare/rtl/types.h"
 
@@ -13,31 +12,9 @@ constexpr bool IsDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-// [-]digits[.digits] taken apart.
-struct Digits {
-  bool negative = false;
-  std::string_view whole;
-  std::string_view decimals;
-};
-
-std::optional<Digits> TakeApart(std::string_view text) {
-  Digits digits;
-  if (!text.empty() && text.front() == '-') {
-    digits.negative = true;
-    text.remove_prefix(1);
-  }
-  const std::size_t point = text.find('.');
-  digits.whole = text.substr(0, point);
-  if (point != std::string_view::npos) digits.decimals = text.substr(point + 1);
-  const bool sound = std::ranges::all_of(digits.whole, IsDigit) &&
-                     std::ranges::all_of(digits.decimals, IsDigit) &&
-                     (!digits.whole.empty() || !digits.decimals.empty());
-  return sound ? std::optional(digits) : std::nullopt;
-}
-
 // The digits times 10^places, rounded half to even, where Int has room for all of them.
 template <typename Int>
-Int Magnitude(const Digits& digits, std::size_t places) {
+Int Magnitude(const DecimalDigits& digits, std::size_t places) {
   Int value = 0;
   for (const char c : digits.whole) value = value * 10 + (c - '0');
   for (std::size_t i = 0; i < places; ++i) {
@@ -52,10 +29,9 @@ Int Magnitude(const Digits& digits, std::size_t places) {
 }
 
 // Nothing for numbers that are far past every range that is asked for.
-std::optional<Int128> Scaled(Digits digits, std::size_t places) {
+std::optional<Int128> Scaled(const DecimalDigits& digits, std::size_t places) {
   constexpr std::size_t kDigitsOfInt64 = 18;
   constexpr std::size_t kMostDigits = 30;
-  digits.whole.remove_prefix(std::min(digits.whole.find_first_not_of('0'), digits.whole.size()));
   const std::size_t count = digits.whole.size() + places;
   if (count > kMostDigits) return std::nullopt;
   const Int128 value = count <= kDigitsOfInt64 ? Magnitude<std::int64_t>(digits, places)
@@ -96,7 +72,7 @@ constexpr int MilliSeconds(std::string_view fraction) {
 
 std::optional<Currency> CurrencyOfDigits(std::string_view text) {
   constexpr std::size_t kPlaces = 4;
-  const auto digits = TakeApart(text);
+  const auto digits = DigitsOf(text);
   if (!digits) return std::nullopt;
   const auto raw = Scaled(*digits, kPlaces);
   if (!raw || *raw > INT64_MAX || *raw < INT64_MIN) return std::nullopt;
@@ -104,29 +80,11 @@ std::optional<Currency> CurrencyOfDigits(std::string_view text) {
 }
 
 std::optional<std::int64_t> WholeOfDigits(std::string_view text) {
-  const auto digits = TakeApart(text);
+  const auto digits = DigitsOf(text);
   if (!digits) return std::nullopt;
   const auto whole = Scaled(*digits, 0);
   if (!whole || *whole > INT64_MAX || *whole < INT64_MIN) return std::nullopt;
   return static_cast<std::int64_t>(*whole);
-}
-
-void AppendShortest(std::string& out, std::string_view digits, char decimalSeparator) {
-  std::size_t point = digits.find('.');
-  if (point != std::string_view::npos) {
-    digits = digits.substr(0, digits.find_last_not_of('0') + 1);
-    if (digits.ends_with('.')) digits.remove_suffix(1);
-    point = digits.find('.');
-  }
-  const bool zero = digits.find_first_not_of("-0.") == std::string_view::npos;
-  if (zero) {
-    out.push_back('0');
-    return;
-  }
-  out.append(digits.substr(0, point));
-  if (point == std::string_view::npos) return;
-  if (decimalSeparator != '\0') out.push_back(decimalSeparator);
-  out.append(digits.substr(point + 1));
 }
 
 std::string DigitsOfCurrency(Currency amount) {

@@ -20,10 +20,6 @@ std::optional<Currency> CurrencyOfDigits(std::string_view text);
 // The whole number nearest to such a text, a tie to the even one. Nothing out of range.
 std::optional<std::int64_t> WholeOfDigits(std::string_view text);
 
-// The text without zeros at the end of its decimals (and without a sign of zero), its point as
-// `decimalSeparator`.
-void AppendShortest(std::string& out, std::string_view digits, char decimalSeparator);
-
 // -1234.5678, always four decimals.
 std::string DigitsOfCurrency(Currency amount);
 

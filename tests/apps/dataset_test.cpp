@@ -61,6 +61,28 @@ TEST_F(DatasetCommand, KeepsValuesFromKindToKind) {
   EXPECT_EQ(Done({"compare", "C:\\a.xml", "C:\\a.xml"}).out, "");
 }
 
+TEST_F(DatasetCommand, ReadsItsOwnDecimalsAgain) {
+  constexpr std::string_view kSpecs = "A:fixedfmt,B:fixed:4:2,C:money";
+  constexpr std::string_view kLong =
+      "A,B,C\r\n-12345678901234567890.123456,1.50,0.00000000000000000001\r\n";
+  home_.Make("a.csv", kLong);
+  Done({"convert", "--fields", std::string(kSpecs), "C:\\a.csv", "C:\\a.xml"});
+  EXPECT_EQ(Done({"show", "--csv", "C:\\a.xml"}).out, kLong);
+  EXPECT_EQ(Done({"convert", "--to", "csv", "--fields", std::string(kSpecs), "-", "-"},
+                 "{\"A\":1.5e-3,\"B\":25E-1,\"C\":-1E+20}")
+                .out,
+            "A,B,C\r\n0.0015,2.50,-100000000000000000000\r\n");
+}
+
+TEST_F(DatasetCommand, GivesATextWithoutASizeThatOfTheLongestValue) {
+  const std::string table = "A,B,C,D\r\nabc,00FF," + std::string(9000, 'x') + ",\r\nab,00,x,\r\n";
+  const Outcome packet =
+      Done({"convert", "--to", "packet", "--fields", "A:fixedchar,B:bytes", "-", "-"}, table);
+  EXPECT_EQ(Done({"show", "--fields", "-"}, packet.out).out,
+            "A:fixedchar:3\nB:bytes:2\nC:memo\nD:string:1\n");
+  EXPECT_EQ(Done({"show", "--csv", "-"}, packet.out).out, table);
+}
+
 TEST_F(DatasetCommand, ReadsJsonOfOtherMakers) {
   const Outcome list = Done({"show", "--json", "-"},
                             "\xEF\xBB\xBF [ {\"A\":1.10, \"B\":null},\n {\"b\":true, \"C\":\"\", "
@@ -99,6 +121,12 @@ TEST_F(DatasetCommand, TellsWhereAFileIsWrong) {
       {{"--fields", "A:i4"}, "A\n1\n1.5\n", "line 3: field 'A': '1.5' is not a valid integer"},
       {{"--fields", "A:i2"}, "A\n40000\n", "line 2: field 'A': 40000 is not a valid value"},
       {{"--fields", "A:fixed"}, "A\n\"1,5\"\n", "'1,5' is not a valid decimal value"},
+      {{"--fields", "A:fixed:9:2"},
+       "A\n1.500\n1.505\n",
+       "line 3: field 'A': '1.505': the field has 2"},
+      {{"--fields", "A:fixed:9:2"}, "A\n15e-3\n", "line 2: field 'A': '15e-3': the field has 2"},
+      {{"--fields", "A:fixed:2:4"}, "A\n1\n", "Invalid field size"},
+      {{"--fields", "A:string:9000"}, "A\n1\n", "Invalid field size"},
       {{"--fields", "A:date"}, "A\n2026-02-30\n", "line 2: field 'A': '2026-02-30'"},
       {{"--fields", "A:date"}, "A\n2026-02-03T10:00\n", "is not a valid date value"},
       {{"--fields", "A:time"}, "A\n24:00\n", "line 2: field 'A': "},

@@ -1,6 +1,8 @@
 #include "kvshare/data/field.h"
 
+#include <functional>
 #include <random>
+#include <span>
 #include <variant>
 #include <vector>
 
@@ -182,8 +184,6 @@ TEST_F(Field, TextsAreConvertedStrictly) {
             "'x' is not a valid floating point value");
   EXPECT_EQ(MessageOf<EConvertError>([&] { set_.Show(ftString, "x").AsDateTime(); }),
             "'x' is not a valid date and time");
-  EXPECT_EQ(MessageOf<EConvertError>([&] { set_.Show(ftDate, "0000-00-00").AsDateTime(); }),
-            "'0000-00-00' is not a valid date and time");
   EXPECT_EQ(set_.Show(ftString, "15/03/2004").AsDateTime(), EncodeDate(2004, 3, 15));
   EXPECT_EQ(set_.Show(ftString, "2004-03-15").AsDateTime(), EncodeDate(2004, 3, 15));
   for (const char* yes : {"T", "true", "Yes", "y"}) {
@@ -191,6 +191,83 @@ TEST_F(Field, TextsAreConvertedStrictly) {
   }
   for (const char* no : {"", "1", "N", "false"}) {
     EXPECT_FALSE(set_.Show(ftString, no).AsBoolean()) << no;
+  }
+}
+
+// What a server has in a column that it does not look into: nothing is read of it, not its
+// beginning and no 0.
+TEST_F(Field, WhatIsNoValueOfItsTypeIsRefusedNamingTheField) {
+  const auto refusal = [](std::string_view text, std::string_view kind) {
+    return Format("Set: '%s' is not a valid %s value for field 'AMT'", {text, kind});
+  };
+  using Read = std::function<void(TField&)>;
+  const Read texts[] = {
+      [](TField& f) { f.AsString(); },
+      [](TField& f) { f.Value(); },
+      [](TField& f) { f.DisplayText(); },
+      [](TField& f) {
+        f.DisplayFormat = "0.00";
+        f.DisplayText();
+      },
+      [](TField& f) { f.OldValue(); },
+  };
+  const Read numbers[] = {
+      [](TField& f) { f.AsFloat(); },
+      [](TField& f) { f.AsInteger(); },
+      [](TField& f) { f.AsLargeInt(); },
+      [](TField& f) { f.AsCurrency(); },
+  };
+  const Read dates[] = {
+      [](TField& f) { f.AsDateTime(); },
+      [](TField& f) { f.AsSQLTimeStamp(); },
+      [](TField& f) { f.AsFloat(); },
+  };
+  const auto expect = [&](TFieldType type, std::string_view text, std::string_view kind,
+                          std::span<const Read> reads) {
+    for (const Read& read : reads) {
+      TField& field = set_.Show(type, std::string(text));
+      EXPECT_EQ(MessageOf<EDatabaseError>([&] { read(field); }), refusal(text, kind));
+      EXPECT_FALSE(field.IsNull());
+    }
+  };
+  for (const char* text : {"1,200.50", "abc", "", "-", ".", "12 ", "1e5", "1.2.3", "NaN"}) {
+    for (const TFieldType type : {ftBCD, ftFMTBcd, ftCurrency}) {
+      expect(type, text, "floating point", texts);
+      expect(type, text, "floating point", numbers);
+    }
+  }
+  const struct {
+    TFieldType type;
+    const char *text, *kind;
+  } cases[] = {{ftDate, "0000-00-00", "date"},
+               {ftDate, "15/03/2004", "date"},
+               {ftDate, "10000-01-01", "date"},
+               {ftTime, "24:00:00", "time"},
+               {ftTime, "-00:00:01", "time"},
+               {ftTimeStamp, "infinity", "date and time"},
+               {ftDateTime, "2004-02-30 10:00:00", "date and time"}};
+  for (const auto& c : cases) {
+    expect(c.type, c.text, c.kind, texts);
+    expect(c.type, c.text, c.kind, dates);
+  }
+}
+
+TEST_F(Field, TimeStampsAreReadFromEveryDate) {
+  const struct {
+    TFieldType type;
+    Cell cell;
+    double want;
+  } cases[] = {{ftTimeStamp, "2004-03-15 12:00:00", 38061.5},
+               {ftDateTime, "2004-03-15 12:00:00", 38061.5},
+               {ftDate, "2004-03-15", 38061},
+               {ftTime, "18:00:00", 0.75},
+               {ftTimeStamp, {}, 0}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(set_.Show(c.type, c.cell).AsSQLTimeStamp(), TDateTime(c.want));
+  }
+  for (const TFieldType type : {ftString, ftFloat, ftBCD, ftInteger}) {
+    EXPECT_EQ(MessageOf<EDatabaseError>([&] { set_.Show(type, {}).AsSQLTimeStamp(); }),
+              "Set: Cannot access field 'AMT' as type SQLTimeStamp");
   }
 }
 

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <bit>
+#include <cmath>
 #include <random>
 #include <string>
 #include <vector>
@@ -99,7 +100,7 @@ TEST(PacketValues, RefusesWhatIsNoValue) {
       {"i2", {"32768", "1.0", " 1", "1 ", "+-1", "0x1"}},
       {"ui4", {"4294967296"}},
       {"i8", {"9223372036854775808"}},
-      {"r8", {"1,5", "1e400", "1.5.", "abc"}},
+      {"r8", {"1,5", "1e400", "1.5.", "abc", "nan", "NaN", "inf", "-infinity"}},
       {"r8\" SUBTYPE=\"Money", {"1e401", "1e", "e5", "--1", "."}},
       {"fixed", {"1 000", "-", "nan"}},
       {"boolean", {"1", "T"}},
@@ -246,6 +247,7 @@ TEST(PacketValues, ReadsEachSpellingOfANumberAlike) {
       ASSERT_EQ(amount.Saved(text), plain) << text;
     }
     const double number = std::bit_cast<double>(random());
+    if (!std::isfinite(number)) continue;
     TClientDataSet set;
     set.FieldDefs().Add("F", ftFloat);
     set.CreateDataSet();
@@ -253,7 +255,7 @@ TEST(PacketValues, ReadsEachSpellingOfANumberAlike) {
     set.Fields(0).SetAsFloat(number);
     set.Post();
     set.SetXMLData(set.XMLData());
-    ASSERT_TRUE(set.Fields(0).AsFloat() == number || number != number);
+    ASSERT_EQ(set.Fields(0).AsFloat(), number);
   }
 }
 

@@ -155,6 +155,29 @@ TEST_P(UpdatesSuite, ChangesReachTheServer) {
   EXPECT_EQ(OnServer(), "1 n1 12.5;2 n2 ;4 n4 ;");
 }
 
+// What a field keeps of an amount is what the server keeps: the next edit finds the record again.
+TEST_P(UpdatesSuite, AmountsAreStoredAsTheServerHasThem) {
+  Screen& me = MakeScreen();
+  const auto apply = [&](const std::string& kept) {
+    EXPECT_EQ(me.set.ApplyUpdates(0), 0) << testing::PrintToString(me.told);
+    const std::string rows = "1 pen " + kept + ";2 book 99.9975;3 ink 7;";
+    EXPECT_EQ(me.Rows(), rows);
+    EXPECT_EQ(OnServer(), rows);
+  };
+  for (const char* sign : {"", "-"}) {
+    me.Change(1, "PRICE", std::string(sign) + "2.34565");
+    apply(std::string(sign) + "2.3457");
+  }
+  me.Find(1);
+  me.set.Edit();
+  me.set.FieldByName("PRICE").SetAsFloat(0.1 + 0.2);
+  me.set.Post();
+  apply("0.3");
+  me.Change(1, "NAME", "pen");
+  me.Change(1, "PRICE", "1e2");
+  apply("100");
+}
+
 TEST_P(UpdatesSuite, WhatSomebodyElseHasChangedIsNoticed) {
   const struct {
     const char* before;  // of the record
