@@ -9,6 +9,7 @@ install(TARGETS kvshare EXPORT KvShareTargets
 set(internal_headers
   data/base64.h
   data/clientrecords.h
+  data/decimals.h
   data/driverlibrary.h
   data/named.h
   data/packet.h
@@ -48,6 +49,7 @@ set(internal_headers
   rtl/environment.h
   rtl/iniparser.h
   rtl/lines.h
+  rtl/longdecimal.h
   rtl/textcursor.h
   rtl/utf8mark.h
   rtl/within.h
