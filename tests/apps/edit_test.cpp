@@ -74,7 +74,7 @@ TEST_F(Edit, WithoutQuestions) {
       On("A1", {"--key", "CODE", "--set", "PRICE=7.12345", "--set", "bought=1/1/2567", "--yes"});
   EXPECT_EQ(set.status, 0) << set.err;
   EXPECT_EQ(set.out,
-            "ITEM CODE=A1\n  PRICE: 1,234.50 -> 7.12345\n"
+            "ITEM CODE=A1\n  PRICE: 1,234.50 -> 7.1235\n"  // as many decimals as the column has
             "  BOUGHT: 15/03/2567 -> 01/01/2567\nwritten\n");
   EXPECT_TRUE(On("CODE=A2", {"--new", "--set", "NAME=ดินสอ", "--yes"}).err.ends_with("\nBOUGHT\n"));
   EXPECT_EQ(On("CODE=A2", {"--new", "--yes"}, "ดินสอ\n\n\n\n").status, 0) << "today, as it is shown";
