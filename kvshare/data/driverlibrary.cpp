@@ -75,12 +75,13 @@ DriverLibrary::DriverLibrary(std::string_view libraryName, std::string_view driv
   void* entry = library_.Entry(driverFunc);
   if (entry == nullptr) {
     throw EDatabaseError("Unable to Find Procedure " + std::string(driverFunc) + "\r\nin " +
-                         std::string(name));
+                         ServerText(library_.File()));
   }
   driver_ = std::bit_cast<DriverEntry>(entry)(kDriverContract);
   if (driver_ == nullptr) {
-    throw EDatabaseError("Unable to Load " + std::string(libraryName) +
-                         "\r\nIt was built for another version of this library.");
+    throw EDatabaseError("Unable to Load " + std::string(libraryName) + "\r\n" +
+                         ServerText(library_.File()) +
+                         " was built for another version of this library.");
   }
 }
 

@@ -34,6 +34,9 @@ class KVSHARE_API SharedLibrary {
   // besides; 0 when it is not.
   std::uintptr_t Handle() const { return reinterpret_cast<std::uintptr_t>(handle_); }
 
+  // The file that was loaded, a system's name; "" when none was.
+  std::string File() const;
+
   // nullptr when the library has no such entry itself: those of the libraries that it needs do not
   // count.
   void* Entry(std::string_view name) const;

@@ -192,6 +192,12 @@ SharedLibrary& SharedLibrary::operator=(SharedLibrary&& other) noexcept {
   return *this;
 }
 
+std::string SharedLibrary::File() const {
+  link_map* loaded = nullptr;
+  const bool found = handle_ != nullptr && ::dlinfo(handle_, RTLD_DI_LINKMAP, &loaded) == 0;
+  return found ? loaded->l_name : "";
+}
+
 void* SharedLibrary::Entry(std::string_view name) const {
   if (handle_ == nullptr) return nullptr;
   // The system also looks into what the library needs.
