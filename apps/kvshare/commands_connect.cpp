@@ -4,6 +4,7 @@
 #include "apps/kvshare/connections.h"
 #include "kvshare/data/secrets.h"
 #include "kvshare/database/dbxconf.h"
+#include "kvshare/database/sqlfunc.h"
 
 namespace kvshare::app {
 
@@ -64,7 +65,7 @@ RowPrinter PrintTables(const std::string& name) {
     TSQLConnection connection;
     OpenConnection(connection, name);
     TStringList tables;
-    connection.GetTableNames(tables, false);
+    GetAllTableNames(connection, tables);
     for (const std::string& table : tables) {
       row.Clear();
       row.Cell("table") = table;

@@ -1,5 +1,6 @@
 #include "kvshare/data/sqlconnection.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "kvshare/data/driverlibrary.h"
@@ -44,6 +45,29 @@ Pairs WireParameters(const TStrings& params, bool databaseIsFile) {
     pairs.emplace_back(Cp874ToUtf8(name), file ? DatabaseFile(value) : Cp874ToUtf8(value));
   }
   return pairs;
+}
+
+// What stands around names so that no name has it inside: the server's own mark where that can be.
+// '\0' where every mark stands in some name.
+char MarkAround(const std::vector<std::string>& names, std::string_view quotedByServer) {
+  std::string marks = "\"`'|~^!#$%&*+-./:;=?@_";
+  if (quotedByServer.front() == quotedByServer.back()) marks.insert(0, 1, quotedByServer.front());
+  const auto isFree = [&names](char mark) {
+    return std::ranges::none_of(
+        names, [mark](const std::string& name) { return name.find(mark) != std::string::npos; });
+  };
+  const auto found = std::ranges::find_if(marks, isFree);
+  return found == marks.end() ? '\0' : *found;
+}
+
+// Whoever takes the quotes off decides by the first name alone whether there are any, and takes an
+// `alpha` for quoted: so all have them.
+void PutBetweenMarks(TStrings& names, std::string_view quotedByServer) {
+  const std::vector<std::string> plain(names.begin(), names.end());
+  const char mark = MarkAround(plain, quotedByServer);
+  if (mark == '\0') return;
+  names.Clear();  // a sorted list takes names, but none at a place
+  for (const std::string& name : plain) names.Add(mark + name + mark);
 }
 
 }  // namespace
@@ -192,6 +216,7 @@ void TSQLConnection::GetTableNames(TStrings& list, bool systemTables) {
       continue;  // no statement of a program's can name it
     }
   }
+  if (!systemTables) PutBetweenMarks(list, Wire().Quoted("x"));
 }
 
 std::string TSQLConnection::ServerVersion() {

@@ -68,14 +68,18 @@ class KVSHARE_API TSQLConnection : public TComponent {
 
   // `name=value`, in the connection file's names, for the driver; names ignore case, the first of
   // doubles counts. LockTimeout is the milliseconds that a statement waits for what another
-  // connection has locked (10000; 0: not at all).
+  // connection has locked (10000; 0: not at all). AnswerTimeout is the milliseconds that the server
+  // may be silent while its answer is waited for (3600000; 0: for ever): then the connection is
+  // lost. `X TransIsolation`, with any X, is the isolation outside transactions and of xilCUSTOM
+  // (DirtyRead, ReadCommited, RepeatableRead; ReadCommited). A bad value, and a parameter that the
+  // driver cannot honour and that would change something, is refused by its name when connecting.
   TStringList Params;
 
   // Setting true connects, false rolls back, closes the queries and never fails. Errors:
   //   `Missing DriverName property`
   //   `DLL/Shared Library Name not Set`
   //   `Unable to Load %s`, then the files that were looked for
-  //   `Unable to Find Procedure %s`
+  //   `Unable to Find Procedure %s`, then the file that was loaded
   //   `SQL Server Error: %s`, the server's words
   bool Connected() const { return session_ != nullptr; }
   void SetConnected(bool connected) { connected ? Open() : Close(); }
@@ -103,8 +107,10 @@ class KVSHARE_API TSQLConnection : public TComponent {
   std::int64_t ExecuteDirect(std::string_view sql);
 
   // Replaces the list by the names of tables and views in the driver's order, or by the system
-  // tables alone. Spelled as the server spells them; some drivers quote them and name the owner. A
-  // name with a letter that code page 874 lacks is left out: no statement here can spell it.
+  // tables alone, spelled as the server spells them. Names of tables and views stand between two of
+  // the server's quotation marks; where one of the names has that mark inside, all stand between
+  // two of another mark that none has. GetAllTableNames gives the names alone. A name with a letter
+  // that code page 874 lacks is left out: no statement here can spell it.
   void GetTableNames(TStrings& list, bool systemTables);
 
   // "PostgreSQL 15.6".

@@ -5,6 +5,7 @@
 #include "kvshare/database/sqlbatch.h"
 #include "kvshare/database/sqlsplit.h"
 #include "kvshare/database/sqltransaction.h"
+#include "kvshare/database/tablenames.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/strutils.h"
@@ -58,22 +59,6 @@ void OpenQuery(TSQLQuery& query, bool showError) {
   } catch (const Exception& e) {
     if (showError) ShowSQLError(e.Message());
   }
-}
-
-// Text between the n-th and the next `quote` of a name.
-std::string Unquoted(std::string_view name, std::string_view quote, int n) {
-  const int from = TKovraString::BStrPos(quote, name, n) + 1;
-  const int to = TKovraString::BStrPos(quote, name, n + 1);
-  return std::string(Copy(name, from, to - from));
-}
-
-// Which occurrence of the quote stands before a name; 0 when the names have no quotes.
-int QuoteBeforeName(std::string_view first) {
-  if (first.empty() || first.front() != first.back()) return 0;
-  const char quote = first.front();
-  if (quote >= 'A' && quote <= 'Z') return 0;
-  const int count = TKovraString::CountDelimeter(first, quote);
-  return count % 2 == 0 ? count - 1 : 0;
 }
 
 }  // namespace
@@ -205,11 +190,7 @@ bool ExistTableBySQL(TSQLConnection& Connection, std::string_view TableName,
 void GetAllTableNames(TSQLConnection& Connection, TStrings& List) {
   List.Clear();
   Connection.GetTableNames(List, false);
-  if (List.Count() == 0) return;
-  const int n = QuoteBeforeName(List[0]);
-  if (n == 0) return;
-  const std::string quote = List[0].substr(0, 1);
-  for (int i = 0; i < List.Count(); ++i) List.Put(i, Unquoted(List[i], quote, n));
+  StripTableNames(List);
 }
 
 bool InEdit(const TDataSet& DataSet) {

@@ -84,7 +84,8 @@ KVSHARE_API bool ExistTableBySQL(TSQLConnection& Connection, std::string_view Ta
 // that code page 874 cannot spell. Whether there are quotes is told by the first name alone: it
 // begins and ends with one same character, no letter A to Z, which stands in it an even number of
 // times; what stands between its last two is the name. All names are then cut likewise; one without
-// them is left empty or cut. (A first name such as `alpha` is cut too: name tables in upper case.)
+// them is left empty or cut. The drivers of this library give names of any form so that they come
+// whole.
 KVSHARE_API void GetAllTableNames(TSQLConnection& Connection, TStrings& List);
 
 // --- Datasets

@@ -7,6 +7,7 @@
 #include <ostream>
 
 #include "kvshare/data/errors.h"
+#include "kvshare/database/sqlfunc.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/strutils.h"
@@ -35,10 +36,10 @@ void DriverSuite::TearDown() {
   if (connection_ == nullptr) return;
   if (connection_->InTransaction()) connection_->Rollback({});
   TStringList names;
-  connection_->GetTableNames(names, false);
+  GetAllTableNames(*connection_, names);
   const auto drop = [&](std::string_view kind, std::string_view part) {
     for (const std::string& name : names) {
-      if (UpperCase(name).find(part) != std::string::npos) Run(std::string(kind).append(name));
+      if (UpperCase(name).find(part) != std::string::npos) Run(std::string(kind) + Quoted(name));
     }
   };
   drop("DROP VIEW ", "KV_VIEW");  // a table goes when no view needs it
@@ -49,6 +50,11 @@ std::unique_ptr<TSQLConnection> DriverSuite::Another() const {
   auto connection = std::make_unique<TSQLConnection>();
   GetParam().configure(*connection);
   return connection;
+}
+
+std::string DriverSuite::Quoted(std::string_view name) const {
+  const std::string& mark = GetParam().quote;
+  return mark + StringReplace(name, mark, mark + mark, {.ReplaceAll = true}) + mark;
 }
 
 void DriverSuite::CreateTable(const std::string& columns) {
@@ -353,6 +359,24 @@ TEST_P(DriverSuite, TablesAndViewsHaveTheirNames) {
                                                   testing::HasSubstr("KV_VIEW")));
   connection_->GetTableNames(names, true);
   EXPECT_EQ(names.IndexOf("KV_TEST"), -1);
+}
+
+// Servers differ in the order; a first name that begins and ends alike looks quoted.
+TEST_P(DriverSuite, TableNamesOfAnyFormComeWhole) {
+  const std::vector<std::string> plain = {"aKV_TESTa", "kv_test_k", std::string("KV_TESTข"_th)};
+  std::vector<std::string> odd = plain;
+  for (const char* name : {"\"KV_TEST\"", "KV_TEST`", "[KV_TEST]", "KV_TEST.A"})
+    odd.emplace_back(name);
+  for (const auto& created : {plain, odd}) {
+    for (const std::string& name : created) {
+      if (!ExistTable(*connection_, name)) Run("CREATE TABLE " + Quoted(name) + " (ID INTEGER)");
+    }
+    TStringList names;
+    GetAllTableNames(*connection_, names);
+    EXPECT_THAT(std::vector<std::string>(names.begin(), names.end()),
+                testing::IsSupersetOf(created));
+    for (const std::string& name : created) EXPECT_TRUE(ExistTable(*connection_, name)) << name;
+  }
 }
 
 TEST_P(DriverSuite, ALockIsWaitedForAsLongAsItWasAsked) {

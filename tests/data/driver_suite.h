@@ -57,6 +57,7 @@ class DriverSuite : public testing::TestWithParam<DriverCase> {
   std::unique_ptr<TSQLConnection> Another() const;
 
   void Run(std::string_view sql) { connection_->ExecuteDirect(sql); }
+  std::string Quoted(std::string_view name) const;  // as the server wants it
   // Makes KV_TEST with the columns, `ID` in front.
   void CreateTable(const std::string& columns);
   // An open query.

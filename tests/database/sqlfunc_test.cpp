@@ -3,7 +3,10 @@
 #include "kvshare/database/sqlbatch.h"
 #include "kvshare/database/sqlrights.h"
 #include "kvshare/database/sqlsplit.h"
+#include "kvshare/database/tablenames.h"
+#include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/strutils.h"
 #include "tests/database/company.h"
 
 namespace kvshare {
@@ -224,29 +227,65 @@ TEST_F(SqlFunc, Questions) {
 
 TEST_F(SqlFunc, TableNamesLoseTheirQuotes) {
   struct Case {
-    std::vector<std::string> tables, want;
+    std::vector<std::string> names, want;
     const char* why;
   };
   const Case cases[] = {
       {{"ALPHA", "B"}, {"ALPHA", "B"}, "upper case, no quotes"},
-      {{"\"\"\"A\"\"\"", "\"\"\"BC\"\"\""}, {"A", "BC"}, "quoted"},
-      {{"\"\"\"O\"\".\"\"A\"\"\"", "\"\"\"O\"\".\"\"B\"\"\""}, {"A", "B"}, "owner and name"},
-      {{"\"\"\"A\"\"\"", "PLAIN"}, {"A", ""}, "the first name decides"},
+      {{"\"A\"", "\"BC\""}, {"A", "BC"}, "quoted"},
+      {{"\"O\".\"A\"", "\"O\".\"B\""}, {"A", "B"}, "owner and name"},
+      {{"\"A\"", "PLAIN"}, {"A", ""}, "the first name decides"},
       {{"alpha", "banana"}, {"lph", "n"}, "a lower-case letter is taken for a quote"},
-      {{"\"x'y'x\"", "B"}, {"'y'", ""}, "the first and last letter"},
+      {{"x'y'x", "B"}, {"'y'", ""}, "the first and last letter"},
       {{"_a_b_", "B"}, {"_a_b_", "B"}, "an odd number is none"},
+      {{"", "B"}, {"", "B"}, "a name without a letter"},
+      {{}, {}, "no name"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.why);
+    TStringList names;
+    for (const std::string& name : c.names) names.Add(name);
+    StripTableNames(names);
+    EXPECT_EQ(std::vector<std::string>(names.begin(), names.end()), c.want);
+  }
+}
+
+TEST_F(SqlFunc, TableNamesOfAnyFormComeWhole) {
+  struct Case {
+    std::vector<std::string> tables;
+    const char* mark;
+    const char* why;
+  };
+  const Case cases[] = {
+      {{"ALPHA", "beta"}, "\"", "the server's own mark"},
+      {{"alpha", "banana", "B"}, "\"", "a first name that begins and ends alike"},
+      {{"a", "B"}, "\"", "one letter"},
+      {{"_a_b_", "__"}, "\"", "underlines"},
+      {{"B\"", "alpha"}, "`", "the mark at the end of a name"},
+      {{"alpha", "\"A\"", "O.A", "\"O\".\"A\""}, "`", "names that look quoted"},
+      {{"`a`", "a\"b", "[c]", "d;e f"}, "'", "two marks, and brackets"},
+      {{"กอก", "A"}, "\"", "Thai letters"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.why);
     TSQLConnection connection;
     UseSqlite(connection, ":memory:");
+    std::vector<std::string> want;
     for (const std::string& table : c.tables) {
-      const bool quoted = table.front() == '"';
-      connection.ExecuteDirect("CREATE TABLE " + (quoted ? table : "\"" + table + "\"") + " (X)");
+      want.push_back(Utf8ToCp874(table));
+      const std::string quoted = StringReplace(want.back(), "\"", "\"\"", {.ReplaceAll = true});
+      connection.ExecuteDirect("CREATE TABLE \"" + quoted + "\" (X)");
     }
     TStringList names;
+    connection.GetTableNames(names, false);
+    EXPECT_EQ(names[0], c.mark + want[0] + c.mark);
     GetAllTableNames(connection, names);
-    EXPECT_EQ(std::vector<std::string>(names.begin(), names.end()), c.want);
+    EXPECT_EQ(std::vector<std::string>(names.begin(), names.end()), want);
+    for (const std::string& name : want) EXPECT_TRUE(ExistTable(connection, name)) << name;
+    TStringList sorted;
+    sorted.SetSorted(true);
+    GetAllTableNames(connection, sorted);
+    EXPECT_EQ(sorted.Count(), names.Count()) << "a list that keeps its order";
   }
 }
 
