@@ -67,11 +67,10 @@ class MemoryRows {
     return true;
   }
   bool IsNull(int column) const { return At(column).null; }
-  std::int64_t Integer(int column) const { return At(column).integer; }
-  double Float(int column) const { return At(column).real; }
+  std::int64_t Integer(int column) const { return Readable(column).integer; }
+  double Float(int column) const { return Readable(column).real; }
   std::string_view Text(int column) const {
-    const Cell& cell = At(column);
-    if (cell.refused) throw data::DriverError(refusals_[cell.offset]);
+    const Cell& cell = Readable(column);
     const std::string_view all = texts_;
     return all.substr(cell.offset, cell.size);
   }
@@ -94,6 +93,18 @@ class MemoryRows {
     const int i = static_cast<int>(column);
     cell.null = source.IsNull(i);
     if (cell.null) return cell;
+    try {
+      ReadCell(cell, source, column);
+    } catch (const data::DriverError& refusal) {
+      cell.refused = true;
+      cell.offset = refusals_.size();
+      refusals_.push_back(refusal);
+    }
+    return cell;
+  }
+  template <typename Source>
+  void ReadCell(Cell& cell, const Source& source, std::size_t column) {
+    const int i = static_cast<int>(column);
     switch (kinds_[column]) {
       case data::ColumnKind::Integer:
       case data::ColumnKind::Largeint:
@@ -103,23 +114,18 @@ class MemoryRows {
       case data::ColumnKind::Float:
         cell.real = source.Float(i);
         break;
-      default:
-        AddText(cell, source, i);
+      default: {
+        const std::string_view text = source.Text(i);
+        cell.offset = texts_.size();
+        cell.size = text.size();
+        texts_ += text;
+      }
     }
-    return cell;
   }
-  template <typename Source>
-  void AddText(Cell& cell, const Source& source, int column) {
-    try {
-      const std::string_view text = source.Text(column);
-      cell.offset = texts_.size();
-      cell.size = text.size();
-      texts_ += text;
-    } catch (const data::DriverError& refusal) {
-      cell.refused = true;
-      cell.offset = refusals_.size();
-      refusals_.push_back(refusal);
-    }
+  const Cell& Readable(int column) const {
+    const Cell& cell = At(column);
+    if (cell.refused) throw data::DriverError(refusals_[cell.offset]);
+    return cell;
   }
   const Cell& At(int column) const {
     return cells_[(next_ - 1) * kinds_.size() + static_cast<std::size_t>(column)];

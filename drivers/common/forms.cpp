@@ -1,7 +1,9 @@
 #include "drivers/common/forms.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 
 #include "kvshare/data/driver.h"
 
@@ -19,15 +21,36 @@ void AppendDigits(std::string& out, std::uint64_t value, int digits) {
   out.append(text.data() + at, text.size() - static_cast<std::size_t>(at));
 }
 
+[[noreturn]] void RefuseNumber(std::string_view text) {
+  throw data::DriverError("\"" + std::string(text) + "\" is no number of its column's kind");
+}
+
 template <typename Number>
 Number Read(std::string_view digits) {
   Number value{};
   const char* end = digits.data() + digits.size();
   const auto [rest, error] = std::from_chars(digits.data(), end, value);
-  if (error != std::errc() || rest != end) {
-    throw data::DriverError("\"" + std::string(digits) + "\" is no number of its column's kind");
-  }
+  if (error != std::errc() || rest != end) RefuseNumber(digits);
   return value;
+}
+
+void TrimZeros(std::string& decimal) {
+  if (decimal.find('.') == std::string::npos) return;
+  decimal.erase(decimal.find_last_not_of('0') + 1);
+  if (decimal.ends_with('.')) decimal.pop_back();
+}
+
+// `digits` with the point behind the first 1 + `exponent` of them.
+std::string WithPoint(std::string digits, int exponent) {
+  if (exponent < 0) {
+    digits.insert(0, static_cast<std::size_t>(-exponent), '0');
+    exponent = 0;
+  }
+  const auto whole = static_cast<std::size_t>(exponent) + 1;
+  if (digits.size() < whole) digits.append(whole - digits.size(), '0');
+  digits.insert(whole, 1, '.');
+  TrimZeros(digits);
+  return digits;
 }
 
 }  // namespace
@@ -79,6 +102,63 @@ std::string FromFloat(double value) {
   std::array<char, 32> text{};
   const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), value);
   return {text.data(), end};
+}
+
+std::optional<std::int64_t> TenThousandthsOf(double value) {
+  constexpr double kScale = 10'000;
+  constexpr double kSixteenDigits = 1e15;
+  const double scaled = std::nearbyint(value * kScale);
+  // Then `value` is the real nearest to these at most 15 digits, so that they are its own.
+  const bool own = std::fabs(scaled) < kSixteenDigits && scaled / kScale == value;
+  return own ? std::optional(static_cast<std::int64_t>(scaled)) : std::nullopt;
+}
+
+std::string DecimalOf(double value) {
+  if (!std::isfinite(value)) {
+    throw data::DriverError(std::isnan(value) ? "NaN is no number" : "Infinity is no number");
+  }
+  constexpr double kTwoTo53 = 9007199254740992.0;  // below which every whole number is a real
+  if (std::fabs(value) < kTwoTo53 && std::nearbyint(value) == value) {
+    return std::to_string(static_cast<std::int64_t>(value));
+  }
+  std::string decimal;
+  if (const auto scaled = TenThousandthsOf(value)) {
+    AppendScaled(decimal, *scaled, 4);
+    TrimZeros(decimal);
+    return decimal;
+  }
+  constexpr int kDecimals = 14;  // of the first digit's
+  std::array<char, 32> text{};
+  const char* end = std::to_chars(text.data(), text.data() + text.size(), std::fabs(value),
+                                  std::chars_format::scientific, kDecimals)
+                        .ptr;
+  const std::string_view written(text.data(), static_cast<std::size_t>(end - text.data()));
+  const std::size_t mark = written.find('e');
+  int exponent = 0;
+  const bool below = written[mark + 1] == '-';
+  std::from_chars(text.data() + mark + 2, end, exponent);
+  decimal = WithPoint(std::string(written.substr(0, 1)).append(written.substr(2, mark - 2)),
+                      below ? -exponent : exponent);
+  return value < 0 ? "-" + decimal : decimal;
+}
+
+std::string_view ToDecimal(std::string_view text, std::string& scratch) {
+  const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+  const bool sign = !text.empty() && (text[0] == '-' || text[0] == '+');
+  const std::string_view number = text.substr(sign ? 1 : 0);
+  const std::size_t point = std::min(number.find('.'), number.size());
+  const std::string_view whole = number.substr(0, point);
+  const std::string_view decimals = number.substr(std::min(point + 1, number.size()));
+  if ((whole.empty() && decimals.empty()) || !std::ranges::all_of(whole, isDigit) ||
+      !std::ranges::all_of(decimals, isDigit)) {
+    RefuseNumber(text);
+  }
+  const bool inForm = !whole.empty() && (point == number.size() || !decimals.empty());
+  if (inForm && (!sign || text[0] == '-')) return text;
+  scratch = sign && text[0] == '-' ? "-" : "";
+  scratch.append(whole.empty() ? "0" : whole);
+  if (!decimals.empty()) scratch.append(".").append(decimals);
+  return scratch;
 }
 
 std::string_view ToMilliseconds(std::string_view text, std::string& scratch) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -23,6 +24,19 @@ std::string FromFloat(double value);  // the shortest text that reads back as th
 // A time or moment with three digits behind its point, where it has a point: further ones are cut
 // off. The result is `text`, a part of it, or `scratch`.
 std::string_view ToMilliseconds(std::string_view text, std::string& scratch);
+
+// The ten-thousandths of a real whose 15 significant digits have no more than four behind the
+// point; nothing for others.
+std::optional<std::int64_t> TenThousandthsOf(double value);
+
+// The decimal that a real stands for: its 15 significant digits without zeros at the end, never
+// with an exponent; of a whole number all digits that it has. 0.1 + 0.2 is 0.3. Throws DriverError
+// for infinity and NaN.
+std::string DecimalOf(double value);
+
+// [+-]digits[.digits], of which the digits on one side of the point may be missing, in the
+// contract's form: `text` or `scratch`. Throws DriverError for another text.
+std::string_view ToDecimal(std::string_view text, std::string& scratch);
 
 std::string_view TrimmedRight(std::string_view text);  // without blanks at its end
 

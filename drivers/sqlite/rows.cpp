@@ -1,10 +1,11 @@
 #include "drivers/sqlite/rows.h"
 
-#include <array>
-#include <charconv>
+#include <cmath>
 #include <new>
 
-#include "drivers/sqlite/columns.h"
+#include "drivers/common/forms.h"
+#include "drivers/common/sqlitecolumns.h"
+#include "drivers/common/sqliteplaces.h"
 
 namespace kvshare::drivers::sqlite {
 
@@ -13,9 +14,8 @@ namespace {
 data::ColumnKind KindOfValue(sqlite3_stmt* statement, int column) {
   switch (sqlite3_column_type(statement, column)) {
     case SQLITE_INTEGER:
-      return data::ColumnKind::Largeint;
     case SQLITE_FLOAT:
-      return data::ColumnKind::Float;
+      return data::ColumnKind::Decimal;
     case SQLITE_BLOB:
       return data::ColumnKind::Blob;
     default:
@@ -33,6 +33,28 @@ bool IsRequired(sqlite3* database, sqlite3_stmt* statement, int column) {
   return required != 0;
 }
 
+// As bytes where it is a text or bytes already: both are UTF-8 then. The length comes last.
+std::string_view BytesOf(sqlite3_value* value) {
+  const void* bytes = sqlite3_value_blob(value);
+  const int size = sqlite3_value_bytes(value);
+  return {static_cast<const char*>(bytes), static_cast<std::size_t>(size)};
+}
+
+[[noreturn]] void Refuse(sqlite3_value* value, const char* is) {
+  const bool blob = sqlite3_value_type(value) == SQLITE_BLOB;
+  throw data::DriverError((blob ? "A blob" : "\"" + std::string(BytesOf(value)) + "\"") + is);
+}
+
+// Of a value that the server keeps as none.
+std::int64_t WholeOf(sqlite3_value* value) {
+  constexpr double kTwoTo63 = 9223372036854775808.0;
+  const double real = sqlite3_value_double(value);
+  const bool whole = sqlite3_value_type(value) == SQLITE_FLOAT && std::nearbyint(real) == real &&
+                     real >= -kTwoTo63 && real < kTwoTo63;
+  if (!whole) Refuse(value, " is no whole number");
+  return static_cast<std::int64_t>(real);
+}
+
 }  // namespace
 
 Rows::Rows(sqlite3* database, Statement statement, OpenRows& open)
@@ -41,7 +63,9 @@ Rows::Rows(sqlite3* database, Statement statement, OpenRows& open)
   ahead_ = !done_;
   const int count = sqlite3_column_count(statement_.get());
   columns_.reserve(static_cast<std::size_t>(count));
-  for (int i = 0; i < count; ++i) Describe(i, ahead_);
+  const bool compound = IsCompound(sqlite3_sql(statement_.get()));
+  for (int i = 0; i < count; ++i) Describe(i, compound);
+  made_.resize(columns_.size());
   open_.push_back(this);
 }
 
@@ -66,12 +90,12 @@ bool Rows::Detach() {
   return true;
 }
 
-void Rows::Describe(int column, bool row) {
+void Rows::Describe(int column, bool compound) {
   const char* declared = sqlite3_column_decltype(statement_.get(), column);
   data::Column described;
   if (declared != nullptr && *declared != '\0') {
-    described = ColumnOfType(declared);
-  } else if (row) {
+    described = ColumnOfType(declared, compound);
+  } else if (ahead_) {
     described.kind = KindOfValue(statement_.get(), column);
   }
   described.name = sqlite3_column_name(statement_.get(), column);
@@ -112,31 +136,45 @@ bool Rows::IsNull(int column) const {
 }
 
 std::int64_t Rows::Integer(int column) const {
-  return sqlite3_value_int64(Current(column));
+  sqlite3_value* value = Current(column);
+  const bool kept = sqlite3_value_type(value) == SQLITE_INTEGER;
+  const std::int64_t whole = kept ? sqlite3_value_int64(value) : WholeOf(value);
+  const bool out = ColumnAt(column).kind == data::ColumnKind::Boolean && whole != 0 && whole != 1;
+  if (out) Refuse(value, " is neither 0 nor 1");
+  return whole;
 }
 
 double Rows::Float(int column) const {
-  return sqlite3_value_double(Current(column));
+  sqlite3_value* value = Current(column);
+  const int type = sqlite3_value_type(value);
+  const double real = sqlite3_value_double(value);
+  const bool number = type == SQLITE_INTEGER || (type == SQLITE_FLOAT && std::isfinite(real));
+  if (!number) Refuse(value, " is no number");
+  return real;
 }
 
-std::string_view Rows::DigitsOf(double value) const {
-  std::array<char, 400> text;  // 309 digits before the point at most
-  const auto end =
-      std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed);
-  digits_.assign(text.data(), end.ptr);
-  return digits_;
+std::string_view Rows::RealText(double value, int column) const {
+  return made_[static_cast<std::size_t>(column)] = DecimalOf(value);
+}
+
+std::string_view Rows::DecimalText(sqlite3_value* value, int column) const {
+  if (sqlite3_value_type(value) == SQLITE_BLOB) Refuse(value, " is no number");
+  return DecimalIn(ColumnAt(column), BytesOf(value), made_[static_cast<std::size_t>(column)]);
 }
 
 std::string_view Rows::Text(int column) const {
   sqlite3_value* value = Current(column);
-  const data::ColumnKind kind = columns_[static_cast<std::size_t>(column)].kind;
-  if (kind == data::ColumnKind::Decimal && sqlite3_value_type(value) == SQLITE_FLOAT) {
-    return DigitsOf(sqlite3_value_double(value));
+  switch (sqlite3_value_type(value)) {
+    case SQLITE_FLOAT:
+      return RealText(sqlite3_value_double(value), column);
+    case SQLITE_TEXT:
+    case SQLITE_BLOB:
+      if (ColumnAt(column).kind == data::ColumnKind::Decimal) return DecimalText(value, column);
+      break;
+    default:
+      break;
   }
-  // As bytes where it is a text or bytes already: both are UTF-8 then. The length comes last.
-  const void* bytes = sqlite3_value_blob(value);
-  const int size = sqlite3_value_bytes(value);
-  return {static_cast<const char*>(bytes), static_cast<std::size_t>(size)};
+  return BytesOf(value);
 }
 
 }  // namespace kvshare::drivers::sqlite

@@ -15,8 +15,9 @@ class Rows;
 // The rows of a connection that are being read.
 using OpenRows = std::vector<Rows*>;
 
-// A column without a declared type (an expression) is what its value in the first row is; without a
-// row, or Null there, a text.
+// A column without a declared type (an expression) has decimals without a size where the first row
+// has a number, and else what its value there is; without a row, or Null there, texts. A number
+// among texts is given as its digits; a text among numbers is refused unless it is written as one.
 class Rows : public data::Cursor {
  public:
   // `open` has it among them while it lives, and outlives it.
@@ -42,10 +43,14 @@ class Rows : public data::Cursor {
   using Value = std::unique_ptr<sqlite3_value, FreeValue>;
 
   bool Step();
-  void Describe(int column, bool row);
+  void Describe(int column, bool compound);
   void Keep();
   sqlite3_value* Current(int column) const;
-  std::string_view DigitsOf(double value) const;
+  const data::Column& ColumnAt(int column) const {
+    return columns_[static_cast<std::size_t>(column)];
+  }
+  std::string_view RealText(double value, int column) const;
+  std::string_view DecimalText(sqlite3_value* value, int column) const;
 
   sqlite3* database_;
   Statement statement_;
@@ -55,7 +60,7 @@ class Rows : public data::Cursor {
   std::vector<data::Column> columns_;
   bool ahead_;  // the first row has been stepped to, but not asked for
   bool done_;
-  mutable std::string digits_;  // of a decimal that the server keeps as a real
+  mutable std::vector<std::string> made_;  // texts of numbers, by column
 };
 
 }  // namespace kvshare::drivers::sqlite

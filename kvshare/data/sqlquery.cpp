@@ -30,7 +30,9 @@ TFieldType TypeOf(const data::Column& column) {
     case ColumnKind::Float:
       return TFieldType::ftFloat;
     case ColumnKind::Decimal: {
-      const bool amount = column.decimals <= kCurrencyDecimals && column.size <= kCurrencyDigits;
+      const bool known = column.size != 0;  // else any value may have any number of digits
+      const bool amount =
+          known && column.decimals <= kCurrencyDecimals && column.size <= kCurrencyDigits;
       return amount ? TFieldType::ftBCD : TFieldType::ftFMTBcd;
     }
     case ColumnKind::Date:

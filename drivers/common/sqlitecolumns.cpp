@@ -1,8 +1,9 @@
-#include "drivers/sqlite/columns.h"
+#include "drivers/common/sqlitecolumns.h"
 
 #include <algorithm>
 #include <charconv>
-#include <string>
+
+#include "drivers/common/forms.h"
 
 namespace kvshare::drivers::sqlite {
 
@@ -63,10 +64,14 @@ constexpr char Upper(char c) {
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
 }
 
+std::string UpperCase(std::string_view text) {
+  std::string upper(text);
+  std::ranges::transform(upper, upper.begin(), Upper);
+  return upper;
+}
+
 std::string FirstWord(std::string_view declared) {
-  std::string word(declared.substr(0, declared.find_first_of(" _(")));
-  std::ranges::transform(word, word.begin(), Upper);
-  return word;
+  return UpperCase(declared.substr(0, declared.find_first_of(" _(")));
 }
 
 // The number after `from`; -1 without one. `from` moves behind it.
@@ -97,6 +102,33 @@ Column ColumnOfType(std::string_view declared) {
     column.size = std::max(size, 0);
   }
   return column;
+}
+
+Column ColumnOfType(std::string_view declared, bool compound) {
+  Column column = ColumnOfType(declared);
+  const bool number = column.kind == ColumnKind::Integer || column.kind == ColumnKind::Largeint ||
+                      column.kind == ColumnKind::Float || column.kind == ColumnKind::Decimal;
+  if (!compound || !number) return column;
+  column.kind = ColumnKind::Decimal;
+  column.size = 0;
+  column.decimals = 0;
+  return column;
+}
+
+bool KeepsTexts(std::string_view declared) {
+  const std::string type = UpperCase(declared);
+  const auto has = [&type](const char* word) { return type.find(word) != std::string::npos; };
+  return !has("INT") && (has("CHAR") || has("CLOB") || has("TEXT"));
+}
+
+std::string_view DecimalIn(const data::Column& column, std::string_view text,
+                           std::string& scratch) {
+  const std::string_view number = text.substr(text.starts_with('-') ? 1 : 0);
+  const bool code = number.size() > 1 && number[0] == '0' && number[1] != '.';
+  if (column.size == 0 && code) {
+    throw data::DriverError("\"" + std::string(text) + "\" is no number of its column's kind");
+  }
+  return ToDecimal(text, scratch);
 }
 
 }  // namespace kvshare::drivers::sqlite
