@@ -5,7 +5,9 @@ namespace kvshare::drivers {
 data::Connection::Condition ExactlyBy(const ExactForms& forms, std::string_view column,
                                       data::ColumnKind kind) {
   const auto equals = [column](const ExactForm& form) -> data::Connection::Condition {
-    return {std::string(column).append(" = ").append(form.before), form.behind};
+    std::string before(column);
+    if (form.bothSides) before.insert(0, form.before).append(form.behind);
+    return {before.append(" = ").append(form.before), form.behind};
   };
   switch (kind) {
     case data::ColumnKind::Text:

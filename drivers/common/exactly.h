@@ -9,10 +9,12 @@
 
 namespace kvshare::drivers {
 
-// What stands behind the `=`, around the place of a value.
+// What stands behind the `=`, around the place of a value; and around the column too, where both
+// sides need it.
 struct ExactForm {
   const char* before;
   const char* behind;
+  bool bothSides = false;
 };
 struct ExactForms {
   ExactForm text;
@@ -25,7 +27,11 @@ inline constexpr ExactForms kMariaDbForms{{"", " COLLATE utf8mb4_nopad_bin"},
                                           {"CAST(", " AS DECIMAL(65,30))"}};
 inline constexpr ExactForms kMySqlForms{{"", " COLLATE utf8mb4_bin"},
                                         {"CAST(", " AS DECIMAL(65,30))"}};
-inline constexpr ExactForms kSqliteForms{{"", " COLLATE BINARY"}, {"", ""}};
+// What the server has computed and stored may differ from the amount that is read past the 15th
+// digit. The function is one of our own connections alone.
+inline constexpr ExactForms kSqliteForms{{"", " COLLATE BINARY"}, {"kvshare_decimal(", ")", true}};
+inline constexpr ExactForms kPlainSqliteForms{{"", " COLLATE BINARY"},
+                                              {"printf('%.15g', ", ")", true}};
 
 data::Connection::Condition ExactlyBy(const ExactForms& forms, std::string_view column,
                                       data::ColumnKind kind);

@@ -4,9 +4,12 @@
 
 #include "drivers/common/entry.h"
 #include "drivers/common/exactly.h"
+#include "drivers/common/sqlitestatement.h"
 #include "drivers/common/statements.h"
+#include "drivers/sqlite/amounts.h"
 #include "drivers/sqlite/decimals.h"
 #include "drivers/sqlite/handles.h"
+#include "drivers/sqlite/moments.h"
 #include "drivers/sqlite/rows.h"
 #include "kvshare/export.h"
 
@@ -54,29 +57,33 @@ struct Binder {
     return sqlite3_bind_blob(statement, place, value.bytes.data(), ClampSize(value.bytes.size()),
                              lifetime);
   }
-  int operator()(const data::Decimal& value) const { return (*this)(value.digits); }
-  int operator()(const data::Moment& value) const { return (*this)(value.text); }
+  // A marked statement has made texts and reals of these.
+  int operator()(const data::Decimal& /*amount*/) const { return SQLITE_MISMATCH; }
+  int operator()(const data::Moment& /*moment*/) const { return SQLITE_MISMATCH; }
 };
 
-void BindAll(sqlite3* database, sqlite3_stmt* statement,
-             std::span<const data::ParameterValue> parameters, sqlite3_destructor_type lifetime) {
-  const int places = sqlite3_bind_parameter_count(statement);
-  CheckParameters(static_cast<std::size_t>(places), parameters.size());
-  for (int i = 0; i < places; ++i) {
-    const Binder bind{statement, i + 1, lifetime};
-    if (std::visit(bind, parameters[static_cast<std::size_t>(i)]) != SQLITE_OK) Refuse(database);
-  }
-}
+// A statement with places, as the server has it for values of certain classes.
+struct PlacedStatement {
+  MarkedStatement marked;
+  Statement statement;
 
-// The server knows numbered places itself.
-std::string Marked(const data::StatementParts& statement) {
-  std::string text = statement.texts.front();
-  for (std::size_t i = 0; i < statement.places.size(); ++i) {
-    text += '?';
-    text += std::to_string(statement.places[i] + 1);
-    text += statement.texts[i + 1];
+  void Bind(sqlite3* database, std::span<const data::ParameterValue> values,
+            sqlite3_destructor_type lifetime) const {
+    const int places = sqlite3_bind_parameter_count(statement.get());
+    CheckParameters(static_cast<std::size_t>(places), marked.Slots());
+    data::ParameterValue made;
+    for (int i = 0; i < places; ++i) {
+      const data::ParameterValue& value = marked.Value(static_cast<std::size_t>(i), values, made);
+      const Binder bind{statement.get(), i + 1, &value == &made ? SQLITE_TRANSIENT : lifetime};
+      if (std::visit(bind, value) != SQLITE_OK) Refuse(database);
+    }
   }
-  return text;
+};
+
+std::vector<ValueClass> ClassesOf(std::span<const data::ParameterValue> values) {
+  std::vector<ValueClass> classes;
+  for (const data::ParameterValue& value : values) classes.push_back(ClassOf(value));
+  return classes;
 }
 
 class SqliteConnection : public data::Connection {
@@ -100,13 +107,14 @@ class SqliteConnection : public data::Connection {
   // Runs what has been prepared and bound, to its end; the rows that it changed.
   std::int64_t RunToEnd(sqlite3_stmt* statement);
 
+  PlacedStatement Placed(const data::StatementParts& parts, std::span<const ValueClass> classes);
+
  private:
   void CheckTransaction() const;
   void Run(const char* sql);
-  std::unique_ptr<data::Cursor> Run(std::string_view sql,
-                                    std::span<const data::ParameterValue> parameters);
   bool FreedSnapshot();
 
+  MetColumns met_;
   Database database_;
   OpenRows open_;
   bool inTransaction_ = false;
@@ -130,6 +138,9 @@ void SqliteConnection::Connect(const Pairs& parameters) {
     sqlite3_extended_result_codes(opened, 0);
     SetLockTimeout(kLockTimeout);
     AddDecimals(opened);
+    AddSums(opened);
+    AddMoments(opened);
+    met_.Watch(opened);
     // Two modes at least need the file: what is no database is found out here, not in the middle of
     // the work. A file that cannot be written stays in the mode that it has.
     Run("PRAGMA journal_mode = WAL");
@@ -196,15 +207,39 @@ std::int64_t SqliteConnection::RunToEnd(sqlite3_stmt* statement) {
   return sqlite3_total_changes64(database) == before ? 0 : sqlite3_changes64(database);
 }
 
+// How amounts lie is only known to the server, which tells it of a statement that it has read.
+PlacedStatement SqliteConnection::Placed(const data::StatementParts& parts,
+                                         std::span<const ValueClass> classes) {
+  Manner manner{.collations = true};
+  PlacedStatement placed{MarkedStatement(parts, classes, manner), nullptr};
+  if (std::ranges::find(classes, ValueClass::Amount) == classes.end()) {
+    placed.statement = sqlite::Prepare(database_.get(), placed.marked.Text());
+    return placed;
+  }
+  placed.statement = met_.Prepare(database_.get(), placed.marked.Text(), manner.amounts);
+  if (manner.amounts == Amounts::Numbers) return placed;
+  placed.marked = MarkedStatement(parts, classes, manner);
+  placed.statement = sqlite::Prepare(database_.get(), placed.marked.Text());
+  return placed;
+}
+
 class Prepared : public data::PreparedStatement {
  public:
-  Prepared(SqliteConnection& connection, sqlite3* database, Statement statement)
-      : connection_(connection), database_(database), statement_(std::move(statement)) {}
+  Prepared(SqliteConnection& connection, sqlite3* database, data::StatementParts parts)
+      : connection_(connection),
+        database_(database),
+        parts_(std::move(parts)),
+        classes_(parts_.Parameters()),
+        placed_(connection.Placed(parts_, classes_)) {
+    if (!placed_.statement) throw DriverError("there is no statement to prepare");
+  }
 
   std::int64_t Run(std::span<const data::ParameterValue> parameters) override {
-    const Release release{statement_.get()};
-    BindAll(database_, statement_.get(), parameters, SQLITE_STATIC);
-    return connection_.RunToEnd(statement_.get());
+    CheckParameters(classes_.size(), parameters.size());
+    if (TakeClasses(parameters)) placed_ = connection_.Placed(parts_, classes_);
+    const Release release{placed_.statement.get()};
+    placed_.Bind(database_, parameters, SQLITE_STATIC);
+    return connection_.RunToEnd(placed_.statement.get());
   }
 
  private:
@@ -217,16 +252,27 @@ class Prepared : public data::PreparedStatement {
     }
   };
 
+  // Whether these values have other classes than earlier ones; null has none.
+  bool TakeClasses(std::span<const data::ParameterValue> values) {
+    bool other = false;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      if (std::holds_alternative<std::monostate>(values[i])) continue;
+      const ValueClass known = std::exchange(classes_[i], ClassOf(values[i]));
+      other = other || known != classes_[i];
+    }
+    return other;
+  }
+
   SqliteConnection& connection_;
   sqlite3* database_;
-  Statement statement_;
+  data::StatementParts parts_;
+  std::vector<ValueClass> classes_;
+  PlacedStatement placed_;
 };
 
 std::unique_ptr<data::PreparedStatement> SqliteConnection::Prepare(
     const data::StatementParts& parts) {
-  Statement statement = sqlite::Prepare(database_.get(), Marked(parts));
-  if (!statement) throw DriverError("there is no statement to prepare");
-  return std::make_unique<Prepared>(*this, database_.get(), std::move(statement));
+  return std::make_unique<Prepared>(*this, database_.get(), parts);
 }
 
 // Whatever collation a table has for its texts.
@@ -236,32 +282,31 @@ data::Connection::Condition SqliteConnection::Exactly(std::string_view column,
 }
 
 std::unique_ptr<data::Cursor> SqliteConnection::Query(std::string_view sql) {
-  return Run(sql, {});
+  return Query({{std::string(sql)}, {}}, {});
 }
 
 std::unique_ptr<data::Cursor> SqliteConnection::Query(
     const data::StatementParts& parts, std::span<const data::ParameterValue> parameters) {
-  return Run(Marked(parts), parameters);
+  CheckTransaction();
+  CheckParameters(parts.Parameters(), parameters.size());
+  const auto run = [&]() -> std::unique_ptr<data::Cursor> {
+    PlacedStatement placed = Placed(parts, ClassesOf(parameters));
+    if (!placed.statement) return nullptr;
+    placed.Bind(database_.get(), parameters, SQLITE_TRANSIENT);
+    const bool gives = sqlite3_column_count(placed.statement.get()) > 0;
+    auto rows = std::make_unique<Rows>(database_.get(), std::move(placed.statement), open_);
+    return gives ? std::move(rows) : nullptr;
+  };
+  try {
+    return run();
+  } catch (const DriverError&) {
+    if (!FreedSnapshot()) throw;
+    return run();
+  }
 }
 
 data::Lexis SqliteConnection::StatementLexis() const {
   return {.backticks = true, .brackets = true};
-}
-
-std::unique_ptr<data::Cursor> SqliteConnection::Run(
-    std::string_view sql, std::span<const data::ParameterValue> parameters) {
-  CheckTransaction();
-  Statement statement = sqlite::Prepare(database_.get(), sql);
-  if (!statement) return nullptr;
-  BindAll(database_.get(), statement.get(), parameters, SQLITE_TRANSIENT);
-  const bool gives = sqlite3_column_count(statement.get()) > 0;
-  try {
-    auto rows = std::make_unique<Rows>(database_.get(), std::move(statement), open_);
-    return gives ? std::move(rows) : nullptr;
-  } catch (const DriverError&) {
-    if (FreedSnapshot()) return Run(sql, parameters);
-    throw;
-  }
 }
 
 // The lock is taken at once: a batch that somebody else is in the way of fails as Busy before its

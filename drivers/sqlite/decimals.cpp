@@ -1,15 +1,13 @@
 #include "drivers/sqlite/decimals.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <compare>
 #include <cstdint>
-#include <new>
-#include <optional>
-#include <string>
-#include <string_view>
 
+#include "drivers/common/forms.h"
 #include "drivers/sqlite/handles.h"
-#include "kvshare/rtl/types.h"
 
 namespace kvshare::drivers::sqlite {
 
@@ -19,17 +17,110 @@ constexpr bool IsDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-// [+-]digits[.digits] without the zeros that say nothing.
-struct Digits {
-  bool negative = false;
-  std::string_view whole;
-  std::string_view decimals;
+int CompareMagnitudes(const Digits& a, const Digits& b) {
+  if (a.whole.size() != b.whole.size()) return a.whole.size() < b.whole.size() ? -1 : 1;
+  const int whole = a.whole.compare(b.whole);
+  return whole != 0 ? whole : a.decimals.compare(b.decimals);
+}
 
-  bool IsZero() const { return whole.empty() && decimals.empty(); }
-  int Sign() const { return IsZero() ? 0 : negative ? -1 : 1; }
-};
+int Compare(std::string_view a, std::string_view b) {
+  const auto left = ReadDigits(a);
+  const auto right = ReadDigits(b);
+  if (!left || !right) {
+    if (left || right) return left ? 1 : -1;
+    return a.compare(b);
+  }
+  if (left->Sign() != right->Sign()) return left->Sign() - right->Sign();
+  const int order = CompareMagnitudes(*left, *right);
+  return left->Sign() < 0 ? -order : order;
+}
 
-std::optional<Digits> Read(std::string_view text) {
+int CollateDecimals(void* /*unused*/, int sizeA, const void* a, int sizeB, const void* b) {
+  return Compare({static_cast<const char*>(a), static_cast<std::size_t>(sizeA)},
+                 {static_cast<const char*>(b), static_cast<std::size_t>(sizeB)});
+}
+
+// The same text for the same number.
+std::string Shortest(const Digits& digits) {
+  std::string text = digits.Sign() < 0 ? "-" : "";
+  text.append(digits.whole.empty() ? "0" : digits.whole);
+  if (!digits.decimals.empty()) text.append(".").append(digits.decimals);
+  return text;
+}
+
+// The decimal that a value stands for; nothing for what stands for none.
+std::optional<std::string> DecimalOf(sqlite3_value* value) {
+  switch (sqlite3_value_type(value)) {
+    case SQLITE_INTEGER:
+      return std::to_string(sqlite3_value_int64(value));
+    case SQLITE_FLOAT: {
+      const double real = sqlite3_value_double(value);
+      return std::isfinite(real) ? std::optional(drivers::DecimalOf(real)) : std::nullopt;
+    }
+    case SQLITE_TEXT:
+      if (const auto digits = ReadDigits(TextOf(value))) return Shortest(*digits);
+      break;
+    default:
+      break;
+  }
+  return std::nullopt;
+}
+
+void GiveDecimal(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
+  const std::optional<std::string> decimal = DecimalOf(values[0]);
+  if (!decimal) return sqlite3_result_value(context, values[0]);
+  sqlite3_result_text(context, decimal->data(), static_cast<int>(decimal->size()),
+                      SQLITE_TRANSIENT);
+}
+
+void AddOne(std::string& digits) {
+  for (std::size_t at = digits.size(); at-- > 0;) {
+    if (!IsDigit(digits[at])) continue;
+    if (digits[at]++ != '9') return;
+    digits[at] = '0';
+  }
+  digits.insert(digits.find_first_of("0123456789"), 1, '1');
+}
+
+// A decimal cut to so many digits behind its point.
+std::string Rounded(std::string decimal, std::size_t places) {
+  const std::size_t point = decimal.find('.');
+  if (point == std::string::npos || decimal.size() - point - 1 <= places) return decimal;
+  const bool up = decimal[point + 1 + places] >= '5';
+  decimal.resize(places == 0 ? point : point + 1 + places);
+  if (up) AddOne(decimal);
+  return decimal;
+}
+
+void GiveRounded(sqlite3_context* context, int count, sqlite3_value** values) {
+  constexpr int kMostPlaces = 30;
+  if (sqlite3_value_type(values[0]) == SQLITE_NULL) return;
+  if (count == 2 && sqlite3_value_type(values[1]) == SQLITE_NULL) return;
+  const int places = count == 2 ? std::clamp(sqlite3_value_int(values[1]), 0, kMostPlaces) : 0;
+  constexpr double kSixteenDigits = 1e15;
+  double real = sqlite3_value_double(values[0]);
+  if (std::fabs(real) >= kSixteenDigits) {
+    if (places == 0) real = std::round(real);
+  } else if (const std::optional<std::string> decimal = DecimalOf(values[0])) {
+    const std::string rounded = Rounded(*decimal, static_cast<std::size_t>(places));
+    std::from_chars(rounded.data(), rounded.data() + rounded.size(), real);
+  }
+  sqlite3_result_double(context, real);
+}
+
+// An error of memory must not pass through the server.
+template <void (*Function)(sqlite3_context*, int, sqlite3_value**)>
+void Guarded(sqlite3_context* context, int count, sqlite3_value** values) {
+  try {
+    Function(context, count, values);
+  } catch (const std::bad_alloc&) {
+    sqlite3_result_error_nomem(context);
+  }
+}
+
+}  // namespace
+
+std::optional<Digits> ReadDigits(std::string_view text) {
   Digits digits;
   if (!text.empty() && (text[0] == '-' || text[0] == '+')) {
     digits.negative = text[0] == '-';
@@ -48,154 +139,25 @@ std::optional<Digits> Read(std::string_view text) {
   return digits;
 }
 
-int CompareMagnitudes(const Digits& a, const Digits& b) {
-  if (a.whole.size() != b.whole.size()) return a.whole.size() < b.whole.size() ? -1 : 1;
-  const int whole = a.whole.compare(b.whole);
-  return whole != 0 ? whole : a.decimals.compare(b.decimals);
+std::string_view TextOf(sqlite3_value* value) {
+  const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
+  return {text, static_cast<std::size_t>(sqlite3_value_bytes(value))};
 }
-
-int Compare(std::string_view a, std::string_view b) {
-  const auto left = Read(a);
-  const auto right = Read(b);
-  if (!left || !right) {
-    if (left || right) return left ? 1 : -1;
-    return a.compare(b);
-  }
-  if (left->Sign() != right->Sign()) return left->Sign() - right->Sign();
-  const int order = CompareMagnitudes(*left, *right);
-  return left->Sign() < 0 ? -order : order;
-}
-
-int CollateDecimals(void* /*unused*/, int sizeA, const void* a, int sizeB, const void* b) {
-  return Compare({static_cast<const char*>(a), static_cast<std::size_t>(sizeA)},
-                 {static_cast<const char*>(b), static_cast<std::size_t>(sizeB)});
-}
-
-// A sum of texts is kept at the most decimals that any of them has. A sum that leaves 128 bits, or
-// that mixes in reals, goes on as a real.
-constexpr int kMostPlaces = 18;
-
-class Sum {
- public:
-  void Add(sqlite3_value* value, int direction) {
-    const int type = sqlite3_value_type(value);
-    if (type == SQLITE_NULL) return;
-    count_ += direction;
-    real_ += direction * sqlite3_value_double(value);
-    if (type == SQLITE_INTEGER) {
-      AddScaled(sqlite3_value_int64(value), 0, direction);
-    } else if (type == SQLITE_TEXT) {
-      anyText_ = true;
-      AddText({reinterpret_cast<const char*>(sqlite3_value_text(value)),
-               static_cast<std::size_t>(sqlite3_value_bytes(value))},
-              direction);
-    } else {
-      exact_ = false;
-    }
-  }
-
-  void Give(sqlite3_context* context) const {
-    if (count_ == 0) return sqlite3_result_null(context);
-    if (!exact_) return sqlite3_result_double(context, real_);
-    if (anyText_) {
-      const std::string text = Written();
-      return sqlite3_result_text(context, text.data(), static_cast<int>(text.size()),
-                                 SQLITE_TRANSIENT);
-    }
-    if (total_ > INT64_MAX || total_ < INT64_MIN) {
-      return sqlite3_result_error(context, "integer overflow", -1);
-    }
-    sqlite3_result_int64(context, static_cast<std::int64_t>(total_));
-  }
-
- private:
-  void AddText(std::string_view text, int direction) {
-    const auto digits = Read(text);
-    const auto places = digits ? static_cast<int>(digits->decimals.size()) : 0;
-    if (!digits || places > kMostPlaces || digits->whole.size() > 18) {
-      exact_ = false;
-      return;
-    }
-    Int128 value = 0;
-    for (const char c : digits->whole) value = value * 10 + (c - '0');
-    for (const char c : digits->decimals) value = value * 10 + (c - '0');
-    AddScaled(digits->negative ? -value : value, places, direction);
-  }
-
-  void AddScaled(Int128 value, int places, int direction) {
-    if (!exact_) return;
-    for (; places_ < places; ++places_) Multiply(total_);
-    for (; places < places_; ++places) Multiply(value);
-    if (__builtin_add_overflow(total_, direction * value, &total_)) exact_ = false;
-  }
-
-  void Multiply(Int128& value) {
-    if (__builtin_mul_overflow(value, Int128{10}, &value)) exact_ = false;
-  }
-
-  std::string Written() const {
-    UInt128 rest = total_ < 0 ? -static_cast<UInt128>(total_) : static_cast<UInt128>(total_);
-    std::string text;
-    for (int i = 0; rest != 0 || i <= places_; ++i) {
-      if (i == places_ && places_ != 0) text.push_back('.');
-      text.push_back(static_cast<char>('0' + static_cast<int>(rest % 10)));
-      rest /= 10;
-    }
-    if (total_ < 0) text.push_back('-');
-    std::ranges::reverse(text);
-    return text;
-  }
-
-  Int128 total_ = 0;
-  double real_ = 0;
-  std::int64_t count_ = 0;
-  int places_ = 0;
-  bool exact_ = true;
-  bool anyText_ = false;
-};
-
-// The server gives each sum its memory, filled with zeros, and takes it back; a Sum begins there at
-// its first value, so that one which has seen none is told by its mark.
-struct Place {
-  bool begun;
-  alignas(Sum) std::byte memory[sizeof(Sum)];
-};
-static_assert(std::is_trivially_destructible_v<Sum>);
-
-Sum* SumAt(sqlite3_context* context, bool begin) {
-  void* memory = sqlite3_aggregate_context(context, begin ? sizeof(Place) + alignof(Sum) : 0);
-  if (memory == nullptr) return nullptr;
-  // The server aligns to 8 bytes.
-  std::size_t room = sizeof(Place) + alignof(Sum);
-  auto* place = static_cast<Place*>(std::align(alignof(Place), sizeof(Place), memory, room));
-  if (!place->begun) {
-    new (place->memory) Sum;
-    place->begun = true;
-  }
-  return std::launder(reinterpret_cast<Sum*>(place->memory));
-}
-
-template <int Direction>
-void StepSum(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
-  Sum* sum = SumAt(context, true);
-  if (sum == nullptr) return sqlite3_result_error_nomem(context);
-  sum->Add(values[0], Direction);
-}
-
-void GiveSum(sqlite3_context* context) {
-  const Sum* sum = SumAt(context, false);
-  sum == nullptr ? sqlite3_result_null(context) : sum->Give(context);
-}
-
-}  // namespace
 
 void AddDecimals(sqlite3* database) {
-  const bool done = sqlite3_create_collation(database, "DECIMAL", SQLITE_UTF8, nullptr,
-                                             CollateDecimals) == SQLITE_OK &&
-                    sqlite3_create_window_function(
-                        database, "sum", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS,
-                        nullptr, StepSum<1>, GiveSum, GiveSum, StepSum<-1>, nullptr) == SQLITE_OK;
-  if (!done) Refuse(database);
+  constexpr int kFlags = SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS;
+  const auto add = [&](const char* name, int arguments, auto* function) {
+    const int done = sqlite3_create_function_v2(database, name, arguments, kFlags, nullptr,
+                                                function, nullptr, nullptr, nullptr);
+    if (done != SQLITE_OK) Refuse(database);
+  };
+  if (sqlite3_create_collation(database, "DECIMAL", SQLITE_UTF8, nullptr, CollateDecimals) !=
+      SQLITE_OK) {
+    Refuse(database);
+  }
+  add("round", 1, Guarded<GiveRounded>);
+  add("round", 2, Guarded<GiveRounded>);
+  add("kvshare_decimal", 1, Guarded<GiveDecimal>);
 }
 
 }  // namespace kvshare::drivers::sqlite

@@ -44,6 +44,11 @@ struct DriverCase {
   bool keepsMilliseconds = true;
   // The greatest amount that a column of `money` can hold is Currency's own.
   bool wholeCurrency = true;
+  // Around an expression: at four decimals, a tie away from zero.
+  std::string round = "ROUND(";
+  std::string toFour = ", 4)";
+  bool exactSums = true;     // else a program compares them at four decimals
+  bool comparesDays = true;  // days and moments, wherever the parameter stands
 };
 
 void PrintTo(const DriverCase& test, std::ostream* out);

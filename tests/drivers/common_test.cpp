@@ -1,10 +1,14 @@
 // What the drivers share: text forms, parameters, placeholders.
 #include <gmock/gmock.h>
 
+#include <cmath>
 #include <limits>
+#include <random>
 
 #include "drivers/common/forms.h"
 #include "drivers/common/parameters.h"
+#include "drivers/common/sqlitecolumns.h"
+#include "drivers/common/sqlitestatement.h"
 #include "drivers/common/statements.h"
 #include "kvshare/data/driver.h"
 
@@ -67,6 +71,59 @@ TEST(Forms, Numbers) {
   }
 }
 
+// The decimal that a real stands for: what 15 digits say.
+TEST(Forms, DecimalsOfReals) {
+  constexpr std::pair<double, const char*> kCases[] = {
+      {0.1 + 0.2, "0.3"},
+      {-0.0, "0"},
+      {100, "100"},
+      {-99'999'999'999.9999, "-99999999999.9999"},
+      {700.0 / 107, "6.54205607476636"},
+      {2.5e-5, "0.000025"},
+      {1e-20, "0.00000000000000000001"},
+      {123456789012345678, "123456789012346000"},
+      {1e22, "10000000000000000000000"},
+      {0.99999999999999989, "1"},
+  };
+  for (const auto& [value, want] : kCases) EXPECT_EQ(DecimalOf(value), want);
+  for (const double none : {HUGE_VAL, -HUGE_VAL, std::nan("")}) {
+    EXPECT_THROW(DecimalOf(none), data::DriverError);
+  }
+  std::mt19937_64 random(14);
+  for (int i = 0; i < 100'000; ++i) {  // amounts, which take a road of their own
+    const auto scaled =
+        static_cast<std::int64_t>(random() % 2'000'000'000'000'000) - 1'000'000'000'000'000;
+    const std::int64_t few = scaled / (i % 2 == 0 ? 1 : 1'000'000);
+    const double real = static_cast<double>(few) / 10'000;
+    ASSERT_EQ(TenThousandthsOf(real), few);
+    std::string digits;
+    AppendScaled(digits, few, 4);
+    ASSERT_EQ(ToFloat(DecimalOf(real)), ToFloat(digits));
+    const double noisy = std::nextafter(real, HUGE_VAL);  // no amount's own real
+    char plain[64];
+    std::snprintf(plain, sizeof plain, "%.15g", noisy);
+    ASSERT_EQ(ToFloat(DecimalOf(noisy)), ToFloat(plain)) << digits;
+  }
+}
+
+TEST(Forms, DecimalsOfTexts) {
+  std::string scratch;
+  for (const auto& [text, want] : {std::pair{"12.50", "12.50"},
+                                   {"-0.5", "-0.5"},
+                                   {"+7", "7"},
+                                   {".5", "0.5"},
+                                   {"-.5", "-0.5"},
+                                   {"5.", "5"},
+                                   {"007", "007"}}) {
+    EXPECT_EQ(ToDecimal(text, scratch), want);
+  }
+  for (const char* bad : {"", "-", ".", "abc", "1,200.50", "1e5", " 1", "1.2.3", "Inf"}) {
+    EXPECT_THROW(ToDecimal(bad, scratch), data::DriverError) << bad;
+  }
+  EXPECT_THROW(sqlite::DecimalIn({}, "007", scratch), data::DriverError) << "a code";
+  EXPECT_EQ(sqlite::DecimalIn({}, "-0.7", scratch), "-0.7");
+}
+
 TEST(Forms, Characters) {
   EXPECT_EQ(FirstCharacters("กขค  ", 4), "กขค ");
   EXPECT_EQ(FirstCharacters("a😀ก", 2), "a😀");
@@ -111,6 +168,129 @@ TEST(Statements, AreMarkedAsEachClientWants) {
   EXPECT_EQ(ValuesByPlace(statement.places, values), byPlace);
   EXPECT_THROW(ValuesByPlace(statement.places, std::span(values).first(1)), data::DriverError);
   EXPECT_EQ(MarkedByNumbers({{"SELECT '?'"}, {}}), "SELECT '?'");
+}
+
+using sqlite::Amounts;
+using sqlite::MarkedStatement;
+using sqlite::ValueClass;
+
+// With a place at each `?`, all for one moment.
+data::StatementParts PartsOf(std::string_view sql) {
+  data::StatementParts parts;
+  for (;;) {
+    const std::size_t place = sql.find('?');
+    parts.texts.emplace_back(sql.substr(0, place));
+    if (place == std::string_view::npos) return parts;
+    parts.places.push_back(0);
+    sql.remove_prefix(place + 1);
+  }
+}
+
+// What SQLite gets of a moment, by what stands around its place; the values behind it.
+TEST(SqliteStatements, PutMomentsByTheirPlaces) {
+  const std::string each = "?, ?, ?, ?, ?";
+  const std::string all =
+      " 2026-11-25 00:00:00| 2026-11-25 00:00:00.000| 2026-11-25T00:00:00|"
+      " 2026-11-25T00:00:00.000| 2026-11-25|";
+  struct Case {
+    const char* sql;
+    std::string marked;
+    std::string values;
+  };
+  const Case cases[] = {
+      {"D >= ?", "D >= ?", " 2026-11-25|"},
+      {"D<?", "D<?", " 2026-11-25|"},
+      {"D > ?", "D > ?", " 2026-11-25 00:00:00.000|"},
+      {"D <= /* > */ ?", "D <= /* > */ ?", " 2026-11-25 00:00:00.000|"},
+      {"D BETWEEN ? AND ? AND ? <= D", "D BETWEEN ? AND ? AND ? <= D",
+       " 2026-11-25| 2026-11-25 00:00:00.000| 2026-11-25|"},
+      {"(? > D)", "(? > D)", " 2026-11-25|"},
+      {"NOT ? < D", "NOT ? < D", " 2026-11-25 00:00:00.000|"},
+      {"D = ? AND E", "D  IN (" + each + ") AND E", all},
+      {"D == ?", "D  IN (" + each + ")", all},
+      {"D <>?", "D  NOT IN (" + each + ")", all},
+      {"D in (1, ?, 2)", "D in (1, " + each + ", 2)", all},
+      {"D = ? || 'x'", "D = (? COLLATE MOMENT) || 'x'", " 2026-11-25|"},
+      {"D = ? COLLATE NOCASE", "D = (? COLLATE MOMENT) COLLATE NOCASE", " 2026-11-25|"},
+      {"? = D", "(? COLLATE MOMENT) = D", " 2026-11-25|"},
+      {"F(?, 1) IN (2)", "F((? COLLATE MOMENT), 1) IN (2)", " 2026-11-25|"},
+      {"D -> ?", "D -> (? COLLATE MOMENT)", " 2026-11-25|"},
+      {"D IN (SELECT E WHERE (1, ?))", "D IN (SELECT E WHERE (1, (? COLLATE MOMENT)))",
+       " 2026-11-25|"},
+      {"'IN (' [=] \"<\" -- >=\n ?", "'IN (' [=] \"<\" -- >=\n (? COLLATE MOMENT)", " 2026-11-25|"},
+      {"UPDATE T SET D = ?, E = (F > ?) WHERE D = ?",
+       "UPDATE T SET D = ?, E = (F > ?) WHERE D  IN (" + each + ")",
+       " 2026-11-25| 2026-11-25 00:00:00.000|" + all},
+      {"UPDATE T SET D = CASE WHEN D = ? THEN 1 END, E = ?",
+       "UPDATE T SET D = CASE WHEN D  IN (" + each + ") THEN 1 END, E = ?", all + " 2026-11-25|"},
+  };
+  const data::ParameterValue day = data::Moment{data::ColumnKind::Date, "2026-11-25"};
+  const ValueClass classes[] = {sqlite::ClassOf(day)};
+  for (const Case& c : cases) {
+    const MarkedStatement marked(PartsOf(c.sql), classes, {.collations = true});
+    EXPECT_EQ(marked.Text(), c.marked);
+    std::string values;
+    for (std::size_t i = 0; i < marked.Slots(); ++i) {
+      data::ParameterValue made;
+      values.append(" ")
+          .append(std::get<std::string>(marked.Value(i, std::span(&day, 1), made)))
+          .append("|");
+    }
+    EXPECT_EQ(values, c.values) << c.sql;
+  }
+  EXPECT_EQ(MarkedStatement(PartsOf("? = D"), classes, {}).Text(), "? = D") << "without collations";
+}
+
+TEST(SqliteStatements, PutEveryFormOfAMoment) {
+  struct Case {
+    data::Moment moment;
+    const char* first;
+    const char* last;
+  };
+  using enum data::ColumnKind;
+  const Case cases[] = {
+      {{TimeStamp, "2026-11-25 00:00:00"}, "2026-11-25", "2026-11-25 00:00:00.000"},
+      {{TimeStamp, "2026-11-25 10:30:00"}, "2026-11-25 10:30:00", "2026-11-25 10:30:00.000"},
+      {{TimeStamp, "2026-11-25 10:30:00.500"}, "2026-11-25 10:30:00.5", "2026-11-25 10:30:00.500"},
+      {{Time, "00:00:00"}, "00:00:00", "00:00:00.000"},
+  };
+  for (const Case& c : cases) {
+    const data::ParameterValue value = c.moment;
+    const ValueClass classes[] = {sqlite::ClassOf(value)};
+    const MarkedStatement marked(PartsOf("D >= ? AND D <= ? AND D = ?"), classes, {});
+    const auto text = [&](std::size_t slot) {
+      data::ParameterValue made;
+      return std::get<std::string>(marked.Value(slot, std::span(&value, 1), made));
+    };
+    EXPECT_EQ(text(0), c.first);
+    EXPECT_EQ(text(1), c.last);
+    std::vector<std::string> each;
+    for (std::size_t slot = 2; slot < marked.Slots(); ++slot) each.push_back(text(slot));
+    EXPECT_THAT(each, testing::AllOf(testing::Contains(c.first), testing::Contains(c.last)));
+  }
+}
+
+TEST(SqliteStatements, PutAmountsAsTheirColumnsKeepThem) {
+  const auto put = [](const char* digits, Amounts amounts) {
+    const data::ParameterValue value = data::Decimal{digits};
+    const ValueClass classes[] = {sqlite::ClassOf(value)};
+    const MarkedStatement marked(PartsOf("A = ?"), classes, {true, amounts});
+    data::ParameterValue made;
+    return std::pair(marked.Text(), marked.Value(0, std::span(&value, 1), made));
+  };
+  using Result = std::pair<std::string, data::ParameterValue>;
+  EXPECT_EQ(put("-12.5000", Amounts::Numbers), Result("A = ?", -12.5));
+  EXPECT_EQ(put("1230000000000000000000.00", Amounts::Numbers), Result("A = ?", 1.23e21));
+  EXPECT_EQ(put("1.50", Amounts::Both), Result("A = ?", 1.5));
+  EXPECT_EQ(put("1.50", Amounts::Texts), Result("A = (? COLLATE DECIMAL)", std::string("1.50")));
+  for (const auto& [digits, amounts] : {std::pair{"123456789012.3456", Amounts::Numbers},
+                                        {"0.1000000000000001", Amounts::Numbers},
+                                        {"123456789012.3456", Amounts::Both},
+                                        {"1000000000000000", Amounts::Both},
+                                        {"0.00001", Amounts::Both},
+                                        {"1,5", Amounts::Numbers}}) {
+    EXPECT_THROW(put(digits, amounts), data::DriverError) << digits;
+  }
 }
 
 }  // namespace
