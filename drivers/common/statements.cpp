@@ -9,7 +9,7 @@ template <typename Mark>
 std::string Marked(const data::StatementParts& statement, Mark mark) {
   std::string text = statement.texts.front();
   for (std::size_t i = 0; i < statement.places.size(); ++i) {
-    mark(text, statement.places[i]);
+    mark(text, i);
     text += statement.texts[i + 1];
   }
   return text;
@@ -22,8 +22,17 @@ std::string MarkedByQuestions(const data::StatementParts& statement) {
 }
 
 std::string MarkedByNumbers(const data::StatementParts& statement) {
-  return Marked(statement, [](std::string& text, std::size_t parameter) {
-    text.append("$").append(std::to_string(parameter + 1));
+  return Marked(statement, [&statement](std::string& text, std::size_t place) {
+    text.append("$").append(std::to_string(statement.places[place] + 1));
+  });
+}
+
+std::string MarkedByTypes(const data::StatementParts& statement,
+                          std::span<const data::ParameterValue> valuesByPlace,
+                          std::string (*typeOf)(const data::ParameterValue&)) {
+  return Marked(statement, [&](std::string& text, std::size_t place) {
+    const std::string type = typeOf(valuesByPlace[place]);
+    text += type.empty() ? "?" : "CAST(? AS " + type + ")";
   });
 }
 

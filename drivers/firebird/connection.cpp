@@ -170,7 +170,7 @@ std::unique_ptr<data::Cursor> FirebirdConnection::Query(std::string_view sql) {
 std::unique_ptr<data::Cursor> FirebirdConnection::Query(
     const data::StatementParts& parts, std::span<const data::ParameterValue> parameters) {
   const std::vector<data::ParameterValue> values = drivers::ValuesByPlace(parts.places, parameters);
-  const std::string sql = drivers::MarkedByQuestions(parts);
+  const std::string sql = MarkedFor(parts, values);
   return Repeating<std::unique_ptr<data::Cursor>>([&] { return QueryOnce(sql, values); });
 }
 

@@ -1,11 +1,79 @@
 #include "drivers/firebird/parameters.h"
 
+#include <algorithm>
 #include <cstring>
+#include <optional>
+#include <string_view>
 
 #include "drivers/common/statements.h"
 
 namespace kvshare::firebird {
 namespace {
+
+// The digits of an amount without the zeros that say nothing.
+struct Digits {
+  std::string_view whole;
+  std::string_view decimals;
+};
+
+Digits DigitsOf(std::string_view amount) {
+  if (amount.starts_with('-')) amount.remove_prefix(1);
+  const std::size_t point = std::min(amount.find('.'), amount.size());
+  std::string_view whole = amount.substr(0, point);
+  std::string_view decimals = amount.substr(std::min(point + 1, amount.size()));
+  whole.remove_prefix(std::min(whole.find_first_not_of('0'), whole.size()));
+  decimals = decimals.substr(0, decimals.find_last_not_of('0') + 1);
+  return {whole, decimals};
+}
+
+// Whether the amount fits 64 bits as a whole number of its last decimal.
+bool Fits(const Digits& digits, std::size_t decimals) {
+  constexpr std::string_view kMost = "9223372036854775807";
+  std::string scaled(digits.whole);
+  scaled.append(digits.decimals).append(decimals - digits.decimals.size(), '0');
+  return scaled.size() < kMost.size() || (scaled.size() == kMost.size() && scaled <= kMost);
+}
+
+// So many that a division by it keeps four; nothing where no decimal of the server has room.
+std::optional<std::size_t> DecimalsFor(std::string_view amount) {
+  constexpr std::size_t kUsual = 4;
+  constexpr std::size_t kMost = 18;
+  const Digits digits = DigitsOf(amount);
+  const std::size_t least = digits.decimals.size();
+  if (least > kMost) return std::nullopt;
+  for (const std::size_t decimals : {std::max(least, kUsual), least}) {
+    if (Fits(digits, decimals)) return decimals;
+  }
+  return std::nullopt;
+}
+
+// The type that a value is given; "" where the server chooses.
+std::string TypeFor(const data::ParameterValue& value) {
+  if (const auto* amount = std::get_if<data::Decimal>(&value)) {
+    const auto decimals = DecimalsFor(amount->digits);
+    return decimals ? "DECIMAL(18, " + std::to_string(*decimals) + ")" : "";
+  }
+  if (const auto* moment = std::get_if<data::Moment>(&value)) {
+    if (moment->kind == data::ColumnKind::Date) return "DATE";
+    if (moment->kind == data::ColumnKind::TimeStamp) return "TIMESTAMP";
+  }
+  return "";
+}
+
+// Its parameters are variables with types of their own.
+bool IsBlock(std::string_view sql) {
+  constexpr std::string_view kBegins = "EXECUTE";
+  constexpr std::string_view kBlock = "BLOCK";
+  constexpr std::string_view kBlanks = " \t\r\n";
+  const auto takes = [&sql](std::string_view word) {
+    const auto upper = [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; };
+    sql.remove_prefix(std::min(sql.find_first_not_of(kBlanks), sql.size()));
+    const bool is = std::ranges::equal(sql.substr(0, word.size()), word, {}, upper);
+    sql.remove_prefix(std::min(word.size(), sql.size()));
+    return is;
+  };
+  return takes(kBegins) && takes(kBlock);
+}
 
 // Puts a value into variable `i`, in the type that it has or that the server wants.
 struct Bind {
@@ -30,7 +98,16 @@ struct Bind {
   void operator()(double value) const { Put(SQL_DOUBLE, value); }
   void operator()(const std::string& text) const { PutText(text, kUtf8); }
   void operator()(const data::Bytes& value) const { PutText(value.bytes, kOctets); }
-  void operator()(const data::Decimal& value) const { PutText(value.digits, kUtf8); }
+  void operator()(const data::Decimal& value) const {
+    const int type = Wanted();
+    const bool scaled = type == SQL_SHORT || type == SQL_LONG || type == SQL_INT64;
+    const auto room = static_cast<std::size_t>(-Variable().sqlscale);
+    if (scaled && DigitsOf(value.digits).decimals.size() > room) {
+      throw data::DriverError(value.digits + " would be rounded: its place takes " +
+                              std::to_string(room) + " decimals");
+    }
+    PutText(value.digits, kUtf8);
+  }
   void operator()(const data::Moment& value) const { PutText(value.text, kUtf8); }
 
  private:
@@ -70,6 +147,12 @@ struct Bind {
 };
 
 }  // namespace
+
+std::string MarkedFor(const data::StatementParts& statement,
+                      std::span<const data::ParameterValue> values) {
+  if (IsBlock(statement.texts.front())) return drivers::MarkedByQuestions(statement);
+  return drivers::MarkedByTypes(statement, values, TypeFor);
+}
 
 Descriptor BoundParameters(isc_db_handle& database, Transaction& transaction, Statement& statement,
                            std::span<const data::ParameterValue> parameters) {
