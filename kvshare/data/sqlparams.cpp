@@ -1,6 +1,7 @@
 #include "kvshare/data/sqlparams.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "kvshare/data/errors.h"
 #include "kvshare/data/field.h"
@@ -20,7 +21,24 @@ void TParam::SetAsCurrency(Currency amount) {
   SetWireValue(data::Decimal{data::DigitsOfCurrency(amount)});
 }
 
+namespace {
+
+// Four digits write the year of every date that a server has.
+void CheckYear(TDateTime moment, std::string_view param) {
+  constexpr double kFarthest = 3'000'000;  // days, past both ends of the calendar
+  constexpr int kLastYear = 9999;
+  const bool near = std::fabs(moment.Days()) < kFarthest;
+  const int year = near ? DecodeDate(moment).Year : 0;
+  if (year < 1 || year > kLastYear) {
+    throw EDatabaseError(
+        Format("The date of parameter '%s' is not of the years 1 to 9999", {param}));
+  }
+}
+
+}  // namespace
+
 void TParam::SetAsDate(TDateTime moment) {
+  CheckYear(moment, name_);
   SetWireValue(data::Moment{data::ColumnKind::Date, data::TextOfDate(moment)});
 }
 
@@ -29,6 +47,7 @@ void TParam::SetAsTime(TDateTime moment) {
 }
 
 void TParam::SetAsDateTime(TDateTime moment) {
+  CheckYear(moment, name_);
   SetWireValue(data::Moment{data::ColumnKind::TimeStamp, data::TextOfMoment(moment)});
 }
 

@@ -34,9 +34,10 @@ class KVSHARE_API TParam {
   void SetAsFloat(double value) { SetWireValue(value); }
   void SetAsBoolean(bool value) { SetWireValue(std::int64_t{value}); }
   void SetAsCurrency(Currency amount);
+  // Throw EDatabaseError for a date that is not of the years 1 to 9999.
   void SetAsDate(TDateTime moment);
-  void SetAsTime(TDateTime moment);
   void SetAsDateTime(TDateTime moment);
+  void SetAsTime(TDateTime moment);
   void SetAsBlob(std::string_view bytes) { SetWireValue(data::Bytes{std::string(bytes)}); }
   // A field's value with all its digits, Null too. Throws as SetAsString does.
   void AssignField(const TField& field);

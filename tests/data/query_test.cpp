@@ -181,10 +181,10 @@ TEST(Statement, Parsed) {
 // The digits of a date are written in pairs: as Format writes them.
 TEST(Param, MomentsHaveAllTheirDigits) {
   std::mt19937_64 random(1);
-  constexpr double kYear12000 = 3'689'000;
+  constexpr double kYear9999 = 2'958'000;
   for (int i = 0; i < 20'000; ++i) {
     const double share = static_cast<double>(random() >> 11) * 0x1p-53;
-    const TDateTime moment(std::floor(-693'000 + share * (693'000 + kYear12000)) + i % 1000 / 1e3);
+    const TDateTime moment(std::floor(-693'000 + share * (693'000 + kYear9999)) + i % 1000 / 1e3);
     const auto [date, time, weekDay] = DecodeDateTime(moment);
     const std::string day =
         Format("%.4d-%.2d-%.2d", {int{date.Year}, int{date.Month}, int{date.Day}});
@@ -200,6 +200,27 @@ TEST(Param, MomentsHaveAllTheirDigits) {
     param.SetAsDateTime(moment);
     ASSERT_EQ(text(), day + " " + clock);
   }
+}
+
+// What no server has, and some would store as 0000-00-00.
+TEST(Param, DatesAreOfTheYears1To9999) {
+  constexpr double kBeforeYear1 = -693'594;
+  constexpr double kYear10000 = 2'958'466;
+  TParam param("P");
+  for (const double days :
+       {kBeforeYear1, kBeforeYear1 - 0.5, kYear10000, 1e9, -1e9, std::nan("")}) {
+    const std::string refusal = "The date of parameter 'P' is not of the years 1 to 9999";
+    EXPECT_EQ(MessageOf<EDatabaseError>([&] { param.SetAsDate(TDateTime(days)); }), refusal)
+        << days;
+    EXPECT_EQ(MessageOf<EDatabaseError>([&] { param.SetAsDateTime(TDateTime(days)); }), refusal)
+        << days;
+  }
+  EXPECT_FALSE(param.IsGiven());
+  const auto text = [&] { return std::get<data::Moment>(param.WireValue()).text; };
+  param.SetAsDateTime(JoinDateTime(EncodeDate(1, 1, 1), EncodeTime(23, 59, 59, 0)));
+  EXPECT_EQ(text(), "0001-01-01 23:59:59");
+  param.SetAsDate(EncodeDate(9999, 12, 31));
+  EXPECT_EQ(text(), "9999-12-31");
 }
 
 TEST_F(Query, ProvidersKnowTheOnlyTable) {
@@ -244,14 +265,14 @@ TEST_F(Query, ParametersTakeAFieldsValue) {
   set.Append();
   constexpr std::string_view kName = "ก"_th;
   set.FieldByName("N").SetAsString(kName);
-  set.FieldByName("B").SetAsString("123456789012345678.12345678");
+  set.FieldByName("B").SetAsString("1234567.12345678");
   query_.SQL().SetText("SELECT :N, :B, :I");
   for (const char* name : {"N", "B", "I"}) {
     query_.ParamByName(name).AssignField(set.FieldByName(name));
   }
   query_.Open();
   EXPECT_EQ(query_.Fields(0).AsString(), kName);
-  EXPECT_EQ(query_.Fields(1).AsString(), "123456789012345678.12345678");
+  EXPECT_EQ(query_.Fields(1).AsString(), "1234567.12345678");
   EXPECT_TRUE(query_.Fields(2).IsNull());
 }
 
