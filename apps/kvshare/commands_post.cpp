@@ -77,6 +77,14 @@ class OpenCompany {
   TSQLConnection connection_;  // closed before the library ends
 };
 
+// That nothing was written is said of a batch alone: the tables and their rows come in two.
+std::string WhatFailed(const TSQLBatchReport& report) {
+  if (report.Written.empty() && !report.InDoubt) return report.Message;
+  std::string text = report.Text();
+  std::erase(text, '\r');
+  return text;
+}
+
 int MakeCompany(const std::string& connect) {
   OpenCompany company(connect);
   if (posting::IsCompany(company.Connection())) {
@@ -84,7 +92,7 @@ int MakeCompany(const std::string& connect) {
   }
   TSQLBatchReport report;
   WithoutBoxes([&] { report = posting::CreateCompany(company.Connection()); });
-  if (!report.Committed) throw Exception(report.Message);
+  if (!report.Committed) throw Exception(WhatFailed(report));
   return kDone;
 }
 

@@ -12,6 +12,7 @@
 #include "drivers/common/forms.h"
 #include "drivers/common/parameters.h"
 #include "drivers/common/statements.h"
+#include "drivers/common/transaction.h"
 #include "drivers/firebird/handles.h"
 #include "drivers/firebird/parameters.h"
 #include "drivers/firebird/rows.h"
@@ -37,13 +38,16 @@ class FirebirdConnection final : public data::Connection {
   void Begin(Isolation isolation) override;
   void Commit() override;
   void Rollback() override;
+  std::int64_t EarlyCommits() const override { return state_.Commits(); }
+  std::int64_t EarlyRollbacks() const override { return state_.Rollbacks(); }
   Condition Exactly(std::string_view column, data::ColumnKind kind) const override;
   std::vector<std::string> TableNames(bool system) override;
   void SetLockTimeout(std::int32_t milliseconds) override { lockMilliseconds_ = milliseconds; }
   std::string ServerVersion() override;
 
-  std::int64_t Run(Statement& statement, std::span<const data::ParameterValue> parameters) {
-    return Repeating<std::int64_t>([&] { return RunOnce(statement, parameters); });
+  std::int64_t Run(Statement& statement, std::span<const data::ParameterValue> parameters,
+                   drivers::Ending ending) {
+    return Watched<std::int64_t>(ending, [&] { return RunOnce(statement, parameters); });
   }
 
  private:
@@ -51,11 +55,12 @@ class FirebirdConnection final : public data::Connection {
 
   void RequireOpen() const {
     if (database_ == 0) throw data::DriverError("The connection is closed");
+    state_.RequireWhole();
   }
   // A transaction for one statement where none is active; it waits for locks as told.
   std::optional<Transaction> OwnTransaction() {
     RequireOpen();
-    if (transaction_.Active()) return std::nullopt;
+    if (state_.Active()) return std::nullopt;
     return Transaction(database_, Isolation::ReadCommitted, lockMilliseconds_);
   }
 
@@ -64,6 +69,30 @@ class FirebirdConnection final : public data::Connection {
   std::unique_ptr<data::Cursor> QueryOnce(std::string_view sql,
                                           std::span<const data::ParameterValue> parameters);
 
+  // Notices where the statement ends the transaction: nothing but the word does so here.
+  template <typename Result>
+  Result Watched(drivers::Ending ending, const std::function<Result()>& statement) {
+    const bool ends = state_.Active() &&
+                      (ending == drivers::Ending::Commit || ending == drivers::Ending::Rollback);
+    if (ends) inTransaction_.DetachAll();  // the server closes its cursors
+    const auto run = [&] {
+      try {
+        return Repeating(statement);
+      } catch (const data::DriverError& e) {
+        NoteLoss(e);
+        if (ends && state_.Lost()) state_.CountLost(ending);
+        throw;
+      }
+    };
+    Result result = run();
+    if (ends) CountEnd(ending);
+    return result;
+  }
+  void CountEnd(drivers::Ending ending);
+  void NoteLoss(const data::DriverError& error) {
+    if (error.What() == data::DriverError::Kind::ConnectionLost) state_.LoseConnection();
+  }
+
   // The server reads a row before it waits for another transaction that writes it, and then finds
   // it changed. Under read committed, where the other's result counts, the statement runs again: it
   // has left nothing. A lock that was waited for in vain is told in the same words; the time tells
@@ -71,7 +100,7 @@ class FirebirdConnection final : public data::Connection {
   template <typename Result>
   Result Repeating(const std::function<Result()>& statement) {
     using Clock = std::chrono::steady_clock;
-    const bool repeats = !transaction_.Active() || isolation_ == Isolation::ReadCommitted ||
+    const bool repeats = !state_.Active() || isolation_ == Isolation::ReadCommitted ||
                          isolation_ == Isolation::DirtyRead;
     const auto start = Clock::now();
     for (bool first = true;; first = false) {
@@ -98,6 +127,7 @@ class FirebirdConnection final : public data::Connection {
   bool trimCharacters_ = false;
   std::int32_t lockMilliseconds_ = 10'000;
   Transaction transaction_;
+  drivers::TransactionState state_;
   drivers::OpenCursors inTransaction_;
   drivers::OpenCursors alone_;
 };
@@ -150,13 +180,14 @@ void FirebirdConnection::Disconnect() noexcept {
   inTransaction_.AbandonAll();
   alone_.AbandonAll();
   transaction_.Abandon();
+  state_ = {};
   Status status;
   if (database_ != 0) isc_detach_database(status.Vector(), &database_);
   database_ = 0;
 }
 
 std::int64_t FirebirdConnection::Execute(std::string_view sql) {
-  return Repeating<std::int64_t>([this, sql] { return ExecuteOnce(sql); });
+  return Watched<std::int64_t>(drivers::EndingOf(sql), [this, sql] { return ExecuteOnce(sql); });
 }
 
 data::Lexis FirebirdConnection::StatementLexis() const {
@@ -164,14 +195,16 @@ data::Lexis FirebirdConnection::StatementLexis() const {
 }
 
 std::unique_ptr<data::Cursor> FirebirdConnection::Query(std::string_view sql) {
-  return Repeating<std::unique_ptr<data::Cursor>>([this, sql] { return QueryOnce(sql, {}); });
+  return Watched<std::unique_ptr<data::Cursor>>(drivers::EndingOf(sql),
+                                                [this, sql] { return QueryOnce(sql, {}); });
 }
 
 std::unique_ptr<data::Cursor> FirebirdConnection::Query(
     const data::StatementParts& parts, std::span<const data::ParameterValue> parameters) {
   const std::vector<data::ParameterValue> values = drivers::ValuesByPlace(parts.places, parameters);
   const std::string sql = MarkedFor(parts, values);
-  return Repeating<std::unique_ptr<data::Cursor>>([&] { return QueryOnce(sql, values); });
+  return Watched<std::unique_ptr<data::Cursor>>(drivers::EndingOf(sql),
+                                                [&] { return QueryOnce(sql, values); });
 }
 
 std::int64_t FirebirdConnection::ExecuteOnce(std::string_view sql) {
@@ -192,27 +225,33 @@ std::int64_t FirebirdConnection::ExecuteOnce(std::string_view sql) {
 
 class Prepared final : public data::PreparedStatement {
  public:
-  Prepared(FirebirdConnection& connection, Statement statement, std::vector<std::size_t> places)
-      : connection_(connection), statement_(std::move(statement)), places_(std::move(places)) {}
+  Prepared(FirebirdConnection& connection, Statement statement, std::vector<std::size_t> places,
+           drivers::Ending ending)
+      : connection_(connection),
+        statement_(std::move(statement)),
+        places_(std::move(places)),
+        ending_(ending) {}
 
   std::int64_t Run(std::span<const data::ParameterValue> parameters) override {
-    return connection_.Run(statement_, drivers::ValuesByPlace(places_, parameters));
+    return connection_.Run(statement_, drivers::ValuesByPlace(places_, parameters), ending_);
   }
 
  private:
   FirebirdConnection& connection_;
   Statement statement_;
   std::vector<std::size_t> places_;
+  drivers::Ending ending_;
 };
 
 std::unique_ptr<data::PreparedStatement> FirebirdConnection::Prepare(
     const data::StatementParts& parts) {
+  const std::string sql = drivers::MarkedByQuestions(parts);
   std::optional<Transaction> own = OwnTransaction();
-  Statement statement(database_, own ? *own : transaction_, drivers::MarkedByQuestions(parts),
-                      dialect_);
+  Statement statement(database_, own ? *own : transaction_, sql, dialect_);
   PrepareColumns(statement.Columns());
   if (own) own->Commit();
-  return std::make_unique<Prepared>(*this, std::move(statement), parts.places);
+  return std::make_unique<Prepared>(*this, std::move(statement), parts.places,
+                                    drivers::EndingOf(sql));
 }
 
 std::int64_t FirebirdConnection::RunOnce(Statement& statement,
@@ -261,15 +300,37 @@ void FirebirdConnection::Begin(Isolation isolation) {
   RequireOpen();
   transaction_ = Transaction(database_, isolation, lockMilliseconds_);
   isolation_ = isolation;
+  state_.Begun();
+}
+
+// COMMIT RETAIN leaves the handle.
+void FirebirdConnection::CountEnd(drivers::Ending ending) {
+  state_.CountEnd(ending);
+  if (transaction_.Active()) return;
+  try {
+    transaction_ = Transaction(database_, isolation_, lockMilliseconds_);
+  } catch (const data::DriverError& e) {
+    NoteLoss(e);
+    state_.Undone();
+    throw;
+  }
 }
 
 // The server closes the cursors of a transaction with it.
 void FirebirdConnection::Commit() {
+  RequireOpen();
   inTransaction_.DetachAll();
-  transaction_.Commit();
+  try {
+    transaction_.Commit();
+  } catch (const data::DriverError& e) {
+    NoteLoss(e);
+    throw;
+  }
+  state_.Ended();
 }
 
 void FirebirdConnection::Rollback() {
+  state_.Ended();
   inTransaction_.DetachAll();
   transaction_.Rollback();
 }

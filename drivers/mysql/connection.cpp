@@ -11,6 +11,7 @@
 #include "drivers/common/statements.h"
 #include "drivers/mysql/errors.h"
 #include "drivers/mysql/rows.h"
+#include "drivers/mysql/transaction.h"
 #include "kvshare/data/driver.h"
 
 namespace kvshare::mysql {
@@ -38,35 +39,52 @@ class MySqlConnection final : public data::Connection {
   void Connect(const std::vector<std::pair<std::string, std::string>>& list) override;
   void Disconnect() noexcept override {
     open_.AbandonAll();
+    transaction_.Attach(nullptr);
     mysql_.reset();
   }
-  std::int64_t Execute(std::string_view sql) override {
-    Send(sql);
-    return DrainResults(mysql_.get());
-  }
+  std::int64_t Execute(std::string_view sql) override;
   std::unique_ptr<data::Cursor> Query(std::string_view sql) override;
   std::unique_ptr<data::Cursor> Query(const data::StatementParts& parts,
                                       std::span<const data::ParameterValue> parameters) override;
   std::unique_ptr<data::PreparedStatement> Prepare(const data::StatementParts& statement) override;
   data::Lexis StatementLexis() const override;
-  void Begin(Isolation isolation) override;
-  void Commit() override { Execute("COMMIT"); }
-  void Rollback() override { Execute("ROLLBACK"); }
+  void Begin(Isolation isolation) override {
+    Free();
+    transaction_.Begin(isolation);
+  }
+  void Commit() override {
+    Free();
+    transaction_.Commit();
+  }
+  void Rollback() override {
+    Free();
+    transaction_.Rollback();
+  }
+  std::int64_t EarlyCommits() const override { return transaction_.State().Commits(); }
+  std::int64_t EarlyRollbacks() const override { return transaction_.State().Rollbacks(); }
   Condition Exactly(std::string_view column, data::ColumnKind kind) const override;
   std::string Quoted(std::string_view name) const override { return drivers::QuotedBy('`', name); }
   std::vector<std::string> TableNames(bool system) override;
   void SetLockTimeout(std::int32_t milliseconds) override;
   std::string ServerVersion() override;
 
-  void Ready();
+  // Before each statement.
+  Transaction& Ready() {
+    Free();
+    transaction_.Settle();
+    return transaction_;
+  }
 
  private:
+  void Free();
   Statement PrepareText(std::string_view sql);
   bool IsMariaDb() const;
   void Send(std::string_view sql);
+  std::unique_ptr<data::Cursor> RowsSent();
 
   std::unique_ptr<MYSQL, CloseConnection> mysql_;
   drivers::OpenCursors open_;
+  Transaction transaction_;
   std::int32_t lockMilliseconds_ = 10'000;
 };
 
@@ -98,6 +116,7 @@ void MySqlConnection::Connect(const std::vector<std::pair<std::string, std::stri
     Fail(made.get());
   }
   mysql_ = std::move(made);
+  transaction_.Attach(mysql_.get());
   try {
     Execute(kSession);
     Execute(kReadCommitted);
@@ -108,13 +127,13 @@ void MySqlConnection::Connect(const std::vector<std::pair<std::string, std::stri
   }
 }
 
-void MySqlConnection::Ready() {
+// The client has nothing else to do.
+void MySqlConnection::Free() {
   if (!mysql_) throw data::DriverError("The connection is closed");
   open_.DetachAll();
 }
 
 void MySqlConnection::Send(std::string_view sql) {
-  Ready();
   if (mysql_real_query(mysql_.get(), sql.data(), sql.size()) != 0) Fail(mysql_.get());
 }
 
@@ -123,8 +142,25 @@ data::Lexis MySqlConnection::StatementLexis() const {
       .backslashEscapes = true, .hashComments = true, .dashesNeedBlank = true, .backticks = true};
 }
 
+std::int64_t MySqlConnection::Execute(std::string_view sql) {
+  const std::int64_t changed = Ready().Watch(drivers::EndingOf(sql), [&] {
+    Send(sql);
+    return DrainResults(mysql_.get());
+  });
+  transaction_.Settle();
+  return changed;
+}
+
 std::unique_ptr<data::Cursor> MySqlConnection::Query(std::string_view sql) {
-  Send(sql);
+  auto cursor = Ready().Watch(drivers::EndingOf(sql), [&] {
+    Send(sql);
+    return RowsSent();
+  });
+  if (!cursor) transaction_.Settle();
+  return cursor;
+}
+
+std::unique_ptr<data::Cursor> MySqlConnection::RowsSent() {
   Result rows(mysql_use_result(mysql_.get()));
   if (rows) {
     return std::make_unique<drivers::DetachableCursor<TextRows>>(open_, mysql_.get(),
@@ -136,7 +172,6 @@ std::unique_ptr<data::Cursor> MySqlConnection::Query(std::string_view sql) {
 }
 
 Statement MySqlConnection::PrepareText(std::string_view sql) {
-  Ready();
   Statement statement(mysql_stmt_init(mysql_.get()));
   if (!statement) throw std::bad_alloc();
   if (mysql_stmt_prepare(statement.get(), sql.data(), sql.size()) != 0) Fail(statement.get());
@@ -145,11 +180,22 @@ Statement MySqlConnection::PrepareText(std::string_view sql) {
 
 class Prepared final : public data::PreparedStatement {
  public:
-  Prepared(MySqlConnection& connection, Statement statement, std::vector<std::size_t> places)
-      : connection_(connection), statement_(std::move(statement)), places_(std::move(places)) {}
+  Prepared(MySqlConnection& connection, Statement statement, std::vector<std::size_t> places,
+           drivers::Ending ending)
+      : connection_(connection),
+        statement_(std::move(statement)),
+        places_(std::move(places)),
+        ending_(ending) {}
 
   std::int64_t Run(std::span<const data::ParameterValue> parameters) override {
-    connection_.Ready();
+    Transaction& transaction = connection_.Ready();
+    const std::int64_t rows = transaction.Watch(ending_, [&] { return RunOnce(parameters); });
+    transaction.Settle();
+    return rows;
+  }
+
+ private:
+  std::int64_t RunOnce(std::span<const data::ParameterValue> parameters) {
     ExecuteWith(statement_.get(), drivers::ValuesByPlace(places_, parameters));
     const bool gives = mysql_stmt_field_count(statement_.get()) != 0;
     const auto rows = static_cast<std::int64_t>(mysql_stmt_affected_rows(statement_.get()));
@@ -157,42 +203,33 @@ class Prepared final : public data::PreparedStatement {
     return gives ? 0 : rows;
   }
 
- private:
   MySqlConnection& connection_;
   Statement statement_;
   std::vector<std::size_t> places_;
+  drivers::Ending ending_;
 };
 
 std::unique_ptr<data::PreparedStatement> MySqlConnection::Prepare(
     const data::StatementParts& statement) {
-  return std::make_unique<Prepared>(*this, PrepareText(drivers::MarkedByQuestions(statement)),
-                                    statement.places);
+  const std::string sql = drivers::MarkedByQuestions(statement);
+  Ready();
+  return std::make_unique<Prepared>(*this, PrepareText(sql), statement.places,
+                                    drivers::EndingOf(sql));
 }
 
 std::unique_ptr<data::Cursor> MySqlConnection::Query(
     const data::StatementParts& parts, std::span<const data::ParameterValue> parameters) {
-  Statement statement = PrepareText(drivers::MarkedByQuestions(parts));
-  ExecuteWith(statement.get(), drivers::ValuesByPlace(parts.places, parameters));
-  Result description(mysql_stmt_result_metadata(statement.get()));
-  if (!description) return nullptr;
-  return std::make_unique<drivers::DetachableCursor<StatementRows>>(open_, std::move(statement),
-                                                                    std::move(description));
-}
-
-void MySqlConnection::Begin(Isolation isolation) {
-  switch (isolation) {
-    case Isolation::ReadCommitted:
-      break;  // the session's
-    case Isolation::RepeatableRead:
-      Execute("SET TRANSACTION ISOLATION LEVEL REPEATABLE READ");
-      break;
-    case Isolation::DirtyRead:
-      Execute("SET TRANSACTION ISOLATION LEVEL READ UNCOMMITTED");
-      break;
-    case Isolation::Custom:
-      break;
-  }
-  Execute("START TRANSACTION");
+  const std::string sql = drivers::MarkedByQuestions(parts);
+  auto cursor = Ready().Watch(drivers::EndingOf(sql), [&]() -> std::unique_ptr<data::Cursor> {
+    Statement statement = PrepareText(sql);
+    ExecuteWith(statement.get(), drivers::ValuesByPlace(parts.places, parameters));
+    Result description(mysql_stmt_result_metadata(statement.get()));
+    if (!description) return nullptr;
+    return std::make_unique<drivers::DetachableCursor<StatementRows>>(open_, std::move(statement),
+                                                                      std::move(description));
+  });
+  if (!cursor) transaction_.Settle();
+  return cursor;
 }
 
 data::Connection::Condition MySqlConnection::Exactly(std::string_view column,

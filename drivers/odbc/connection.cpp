@@ -10,6 +10,7 @@
 #include "drivers/odbc/handles.h"
 #include "drivers/odbc/parameters.h"
 #include "drivers/odbc/rows.h"
+#include "drivers/odbc/transaction.h"
 #include "drivers/odbc/utf16.h"
 #include "kvshare/data/driver.h"
 
@@ -69,12 +70,14 @@ class OdbcConnection final : public data::Connection {
                                       std::span<const data::ParameterValue> parameters) override;
   std::unique_ptr<data::PreparedStatement> Prepare(const data::StatementParts& parts) override;
   data::Lexis StatementLexis() const override;
-  void Begin(Isolation isolation) override;
-  void Commit() override { End(SQL_COMMIT); }
-  void Rollback() override {
-    End(SQL_ROLLBACK);
-    SetLockTimeout(lockMilliseconds_);  // some servers take a setting back with the rest
+  void Begin(Isolation isolation) override {
+    RequireOpen();
+    transaction_.Begin(isolation);
   }
+  void Commit() override;
+  void Rollback() override;
+  std::int64_t EarlyCommits() const override { return transaction_.State().Commits(); }
+  std::int64_t EarlyRollbacks() const override { return transaction_.State().Rollbacks(); }
   bool FailureEndsTransaction() const override { return DialectOf(dbms_).failureEndsTransaction; }
   Condition Exactly(std::string_view column, data::ColumnKind kind) const override {
     return drivers::ExactlyBy(DialectOf(dbms_).exactly, column, kind);
@@ -87,21 +90,28 @@ class OdbcConnection final : public data::Connection {
   std::string ServerVersion() override { return Info(SQL_DBMS_NAME) + " " + Info(SQL_DBMS_VER); }
 
   // Other statements may run now.
-  void Ready() {
-    if (!connected_) throw data::DriverError("The connection is closed");
+  Transaction& Ready() {
+    RequireOpen();
     if (oneAtATime_) open_.DetachAll();
+    transaction_.Settle();
+    return transaction_;
   }
 
  private:
   using Cursor = drivers::DetachableCursor<Rows>;
 
-  Handle NewStatement();
+  void RequireOpen() const {
+    if (!connected_) throw data::DriverError("The connection is closed");
+  }
+  Handle NewStatement() {
+    Ready();
+    return {SQL_HANDLE_STMT, connection_.Get()};
+  }
   std::unique_ptr<data::Cursor> RowsOf(Handle statement);
   void Set(SQLINTEGER attribute, std::uintptr_t value) {
     connection_.Check(
         SQLSetConnectAttrW(connection_.Get(), attribute, Number(value), SQL_IS_UINTEGER));
   }
-  void End(SQLSMALLINT way);
   std::string Info(SQLUSMALLINT what);
   std::u16string Catalog();
   std::vector<std::string> ReadTableNames(bool system);
@@ -116,6 +126,7 @@ class OdbcConnection final : public data::Connection {
   std::int32_t lockMilliseconds_ = 10'000;
   std::string dbms_;
   drivers::OpenCursors open_;
+  Transaction transaction_;
 };
 
 void OdbcConnection::Connect(const std::vector<std::pair<std::string, std::string>>& list) {
@@ -143,6 +154,7 @@ void OdbcConnection::Connect(const std::vector<std::pair<std::string, std::strin
 
 void OdbcConnection::StartSession() {
   dbms_ = Info(SQL_DBMS_NAME);
+  transaction_ = Transaction(connection_, dbms_);
   SQLUSMALLINT activities = 0;
   SQLGetInfoW(connection_.Get(), SQL_MAX_CONCURRENT_ACTIVITIES, &activities, sizeof activities,
               nullptr);
@@ -175,13 +187,9 @@ void OdbcConnection::Disconnect() noexcept {
     SQLDisconnect(connection_.Get());
   }
   connected_ = false;
+  transaction_ = Transaction();
   connection_.Reset();
   environment_.Reset();
-}
-
-Handle OdbcConnection::NewStatement() {
-  Ready();
-  return {SQL_HANDLE_STMT, connection_.Get()};
 }
 
 std::int64_t RowsChanged(const Handle& statement) {
@@ -195,18 +203,33 @@ std::int64_t RowsChanged(const Handle& statement) {
 std::int64_t OdbcConnection::Execute(std::string_view sql) {
   const Handle statement = NewStatement();
   std::u16string text = ToUtf16(sql);
-  statement.Check(
-      SQLExecDirectW(statement.Get(), Units(text.data()), static_cast<SQLINTEGER>(text.size())));
-  return RowsChanged(statement);
+  const std::int64_t changed = transaction_.Watch(drivers::EndingOf(sql), [&] {
+    statement.Check(
+        SQLExecDirectW(statement.Get(), Units(text.data()), static_cast<SQLINTEGER>(text.size())));
+    return RowsChanged(statement);
+  });
+  transaction_.Settle();
+  return changed;
 }
 
 class Prepared final : public data::PreparedStatement {
  public:
-  Prepared(OdbcConnection& connection, Handle statement, std::vector<std::size_t> places)
-      : connection_(connection), statement_(std::move(statement)), places_(std::move(places)) {}
+  Prepared(OdbcConnection& connection, Handle statement, std::vector<std::size_t> places,
+           drivers::Ending ending)
+      : connection_(connection),
+        statement_(std::move(statement)),
+        places_(std::move(places)),
+        ending_(ending) {}
 
   std::int64_t Run(std::span<const data::ParameterValue> parameters) override {
-    connection_.Ready();
+    Transaction& transaction = connection_.Ready();
+    const std::int64_t rows = transaction.Watch(ending_, [&] { return RunOnce(parameters); });
+    transaction.Settle();
+    return rows;
+  }
+
+ private:
+  std::int64_t RunOnce(std::span<const data::ParameterValue> parameters) {
     const Release release{statement_};
     const std::vector<data::ParameterValue> values = drivers::ValuesByPlace(places_, parameters);
     const BoundParameters bound(statement_, values);
@@ -215,7 +238,6 @@ class Prepared final : public data::PreparedStatement {
     return result == SQL_NO_DATA ? 0 : RowsChanged(statement_);
   }
 
- private:
   struct Release {
     const Handle& statement;
     ~Release() {
@@ -227,36 +249,48 @@ class Prepared final : public data::PreparedStatement {
   OdbcConnection& connection_;
   Handle statement_;
   std::vector<std::size_t> places_;
+  drivers::Ending ending_;
 };
 
 std::unique_ptr<data::PreparedStatement> OdbcConnection::Prepare(
     const data::StatementParts& parts) {
   Handle statement = NewStatement();
-  std::u16string text = ToUtf16(drivers::MarkedByQuestions(parts));
+  const std::string sql = drivers::MarkedByQuestions(parts);
+  std::u16string text = ToUtf16(sql);
   statement.Check(
       SQLPrepareW(statement.Get(), Units(text.data()), static_cast<SQLINTEGER>(text.size())));
-  return std::make_unique<Prepared>(*this, std::move(statement), parts.places);
+  return std::make_unique<Prepared>(*this, std::move(statement), parts.places,
+                                    drivers::EndingOf(sql));
 }
 
 std::unique_ptr<data::Cursor> OdbcConnection::Query(std::string_view sql) {
   Handle statement = NewStatement();
   std::u16string text = ToUtf16(sql);
-  statement.Check(
-      SQLExecDirectW(statement.Get(), Units(text.data()), static_cast<SQLINTEGER>(text.size())));
-  return RowsOf(std::move(statement));
+  auto cursor = transaction_.Watch(drivers::EndingOf(sql), [&] {
+    statement.Check(
+        SQLExecDirectW(statement.Get(), Units(text.data()), static_cast<SQLINTEGER>(text.size())));
+    return RowsOf(std::move(statement));
+  });
+  if (!cursor) transaction_.Settle();
+  return cursor;
 }
 
 std::unique_ptr<data::Cursor> OdbcConnection::Query(
     const data::StatementParts& parts, std::span<const data::ParameterValue> parameters) {
   const std::vector<data::ParameterValue> values = drivers::ValuesByPlace(parts.places, parameters);
   Handle statement = NewStatement();
-  std::u16string text = ToUtf16(drivers::MarkedByQuestions(parts));
-  statement.Check(
-      SQLPrepareW(statement.Get(), Units(text.data()), static_cast<SQLINTEGER>(text.size())));
-  const BoundParameters bound(statement, values);
-  statement.Check(SQLExecute(statement.Get()));
-  SQLFreeStmt(statement.Get(), SQL_RESET_PARAMS);
-  return RowsOf(std::move(statement));
+  const std::string sql = drivers::MarkedByQuestions(parts);
+  std::u16string text = ToUtf16(sql);
+  auto cursor = transaction_.Watch(drivers::EndingOf(sql), [&] {
+    statement.Check(
+        SQLPrepareW(statement.Get(), Units(text.data()), static_cast<SQLINTEGER>(text.size())));
+    const BoundParameters bound(statement, values);
+    statement.Check(SQLExecute(statement.Get()));
+    SQLFreeStmt(statement.Get(), SQL_RESET_PARAMS);
+    return RowsOf(std::move(statement));
+  });
+  if (!cursor) transaction_.Settle();
+  return cursor;
 }
 
 data::Lexis OdbcConnection::StatementLexis() const {
@@ -271,20 +305,18 @@ std::unique_ptr<data::Cursor> OdbcConnection::RowsOf(Handle statement) {
   return std::make_unique<Cursor>(open_, std::move(statement), texts_);
 }
 
-void OdbcConnection::Begin(Isolation isolation) {
-  if (!connected_) throw data::DriverError("The connection is closed");
-  std::uintptr_t level = SQL_TXN_READ_COMMITTED;
-  if (isolation == Isolation::RepeatableRead) level = SQL_TXN_REPEATABLE_READ;
-  if (isolation == Isolation::DirtyRead) level = SQL_TXN_READ_UNCOMMITTED;
-  SQLSetConnectAttrW(connection_.Get(), SQL_ATTR_TXN_ISOLATION, Number(level), SQL_IS_UINTEGER);
-  Set(SQL_ATTR_AUTOCOMMIT, SQL_AUTOCOMMIT_OFF);
+// Many drivers close cursors then.
+void OdbcConnection::Commit() {
+  RequireOpen();
+  open_.DetachAll();
+  transaction_.Commit();
 }
 
-void OdbcConnection::End(SQLSMALLINT way) {
-  if (!connected_) throw data::DriverError("The connection is closed");
-  open_.DetachAll();  // many drivers close cursors then
-  connection_.Check(SQLEndTran(SQL_HANDLE_DBC, connection_.Get(), way));
-  Set(SQL_ATTR_AUTOCOMMIT, SQL_AUTOCOMMIT_ON);
+void OdbcConnection::Rollback() {
+  RequireOpen();
+  open_.DetachAll();
+  transaction_.Rollback();
+  SetLockTimeout(lockMilliseconds_);  // some servers take a setting back with the rest
 }
 
 std::string OdbcConnection::Info(SQLUSMALLINT what) {

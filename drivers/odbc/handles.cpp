@@ -17,6 +17,8 @@ struct KindRow {
 };
 constexpr KindRow kKinds[] = {
     {"08", 0, DriverError::Kind::ConnectionLost},
+    {"25S01", 0, DriverError::Kind::ConnectionLost},  // whether it was committed is not known
+    {"40003", 0, DriverError::Kind::ConnectionLost},
     {"57P", 0, DriverError::Kind::ConnectionLost},  // PostgreSQL stops or has crashed
     {"40001", 0, DriverError::Kind::Conflict},
     {"40P01", 0, DriverError::Kind::Conflict},  // PostgreSQL: deadlock
@@ -25,11 +27,12 @@ constexpr KindRow kKinds[] = {
     {"HY000", 1205, DriverError::Kind::Busy},   // MariaDB: the same
     {"HY000", 1222, DriverError::Kind::Busy},   // SQL Server: the same
     {"42000", 1222, DriverError::Kind::Busy},
-    {"HY000", 1213, DriverError::Kind::Conflict},  // MariaDB: deadlock
-    {"HY000", 2002, DriverError::Kind::ConnectionLost},
-    {"HY000", 2003, DriverError::Kind::ConnectionLost},
-    {"HY000", 2006, DriverError::Kind::ConnectionLost},
-    {"HY000", 2013, DriverError::Kind::ConnectionLost},
+    {"HY000", 1213, DriverError::Kind::Conflict},        // MariaDB: deadlock
+    {"70100", 1927, DriverError::Kind::ConnectionLost},  // MariaDB: the connection was killed
+    {"HY", 2002, DriverError::Kind::ConnectionLost},     // MariaDB: its client, as in its driver
+    {"HY", 2003, DriverError::Kind::ConnectionLost},
+    {"HY", 2006, DriverError::Kind::ConnectionLost},
+    {"HY", 2013, DriverError::Kind::ConnectionLost},
 };
 
 struct Report {

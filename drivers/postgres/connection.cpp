@@ -11,6 +11,7 @@
 #include "drivers/common/forms.h"
 #include "drivers/common/parameters.h"
 #include "drivers/common/statements.h"
+#include "drivers/common/transaction.h"
 #include "drivers/postgres/errors.h"
 #include "drivers/postgres/rows.h"
 #include "kvshare/data/driver.h"
@@ -101,6 +102,7 @@ class PostgresConnection final : public data::Connection {
   void Connect(const std::vector<std::pair<std::string, std::string>>& list) override;
   void Disconnect() noexcept override {
     open_.AbandonAll();
+    state_ = {};
     postgres_.reset();
   }
   std::int64_t Execute(std::string_view sql) override;
@@ -112,20 +114,28 @@ class PostgresConnection final : public data::Connection {
   void Begin(Isolation isolation) override;
   void Commit() override;
   void Rollback() override;
+  std::int64_t EarlyCommits() const override { return state_.Commits(); }
+  std::int64_t EarlyRollbacks() const override { return state_.Rollbacks(); }
   bool FailureEndsTransaction() const override { return true; }
   std::vector<std::string> TableNames(bool system) override;
   void SetLockTimeout(std::int32_t milliseconds) override;
   std::string ServerVersion() override;
 
   PGconn* Ready(std::string_view sql);
-  // The rows that a command changed, once it has ended well.
-  std::int64_t RowsChanged(const Result& result);
+  // The rows that `sql` changed, once it has ended well; notices where it ended the transaction.
+  std::int64_t RowsChanged(const Result& result, std::string_view sql);
 
  private:
-  std::unique_ptr<data::Cursor> RowsSent();
+  void Command(const char* sql);
+  void BeginAnew();
+  void LookForEnd(std::string_view tag, std::string_view sql);
+  [[noreturn]] void Fail(const PGresult* result, std::string_view sql);
+  std::unique_ptr<data::Cursor> RowsSent(std::string_view sql);
 
   Handle postgres_;
   drivers::OpenCursors open_;
+  drivers::TransactionState state_;
+  Isolation isolation_ = Isolation::ReadCommitted;  // of the active transaction
   std::int32_t lockMilliseconds_ = 10'000;
   int prepared_ = 0;  // statements so far, for their names
   bool trimCharacters_ = false;
@@ -182,6 +192,7 @@ void PostgresConnection::Connect(const std::vector<std::pair<std::string, std::s
 
 PGconn* PostgresConnection::Ready(std::string_view sql) {
   if (!postgres_) throw data::DriverError("The connection is closed");
+  state_.RequireWhole();
   drivers::RefuseZeroByte(sql);
   open_.DetachAll();
   return postgres_.get();
@@ -189,10 +200,10 @@ PGconn* PostgresConnection::Ready(std::string_view sql) {
 
 std::int64_t PostgresConnection::Execute(std::string_view sql) {
   PGconn* connection = Ready(sql);
-  return RowsChanged(Result(PQexec(connection, std::string(sql).c_str())));
+  return RowsChanged(Result(PQexec(connection, std::string(sql).c_str())), sql);
 }
 
-std::int64_t PostgresConnection::RowsChanged(const Result& result) {
+std::int64_t PostgresConnection::RowsChanged(const Result& result, std::string_view sql) {
   switch (PQresultStatus(result.get())) {
     case PGRES_COMMAND_OK:
     case PGRES_TUPLES_OK:
@@ -203,8 +214,9 @@ std::int64_t PostgresConnection::RowsChanged(const Result& result) {
       Drain(postgres_.get());
       throw data::DriverError("COPY from or to the program is not supported");
     default:
-      Fail(postgres_.get(), result.get());
+      Fail(result.get(), sql);
   }
+  LookForEnd(PQcmdStatus(result.get()), sql);
   if (PQresultStatus(result.get()) == PGRES_TUPLES_OK) return 0;
   const std::string_view changed = PQcmdTuples(result.get());
   return changed.empty() ? 0 : drivers::ToInteger(changed);
@@ -221,7 +233,7 @@ class Prepared final : public data::PreparedStatement {
     PGconn* postgres = connection_.Ready(sql_);
     const Values values(parameters);
     if (postgres_ == nullptr || types_ != values.Types()) Tell(postgres, values.Types());
-    return connection_.RowsChanged(values.RunPrepared(postgres, name_));
+    return connection_.RowsChanged(values.RunPrepared(postgres, name_), sql_);
   }
 
  private:
@@ -229,7 +241,7 @@ class Prepared final : public data::PreparedStatement {
     Forget();
     const Result told(PQprepare(postgres, name_.c_str(), sql_.c_str(),
                                 static_cast<int>(types.size()), types.data()));
-    if (PQresultStatus(told.get()) != PGRES_COMMAND_OK) Fail(postgres, told.get());
+    if (PQresultStatus(told.get()) != PGRES_COMMAND_OK) postgres::Fail(postgres, told.get());
     postgres_ = postgres;
     types_ = types;
   }
@@ -259,8 +271,8 @@ std::unique_ptr<data::PreparedStatement> PostgresConnection::Prepare(
 
 std::unique_ptr<data::Cursor> PostgresConnection::Query(std::string_view sql) {
   Ready(sql);
-  if (PQsendQuery(postgres_.get(), std::string(sql).c_str()) != 1) Fail(postgres_.get(), nullptr);
-  return RowsSent();
+  if (PQsendQuery(postgres_.get(), std::string(sql).c_str()) != 1) Fail(nullptr, sql);
+  return RowsSent(sql);
 }
 
 std::unique_ptr<data::Cursor> PostgresConnection::Query(
@@ -268,18 +280,21 @@ std::unique_ptr<data::Cursor> PostgresConnection::Query(
   drivers::CheckParameters(statement.Parameters(), parameters.size());
   const std::string sql = drivers::MarkedByNumbers(statement);
   Ready(sql);
-  if (!Values(parameters).Send(postgres_.get(), sql)) Fail(postgres_.get(), nullptr);
-  return RowsSent();
+  if (!Values(parameters).Send(postgres_.get(), sql)) Fail(nullptr, sql);
+  return RowsSent(sql);
 }
 
 // Of the statement that has been sent.
-std::unique_ptr<data::Cursor> PostgresConnection::RowsSent() {
+std::unique_ptr<data::Cursor> PostgresConnection::RowsSent(std::string_view sql) {
   PQsetSingleRowMode(postgres_.get());
   Result first(PQgetResult(postgres_.get()));
   // Of several statements the first that gives rows.
   while (PQresultStatus(first.get()) == PGRES_COMMAND_OK) {
+    const std::string tag = PQcmdStatus(first.get());
     first.reset(PQgetResult(postgres_.get()));
-    if (!first) return nullptr;
+    if (first) continue;
+    LookForEnd(tag, sql);
+    return nullptr;
   }
   switch (PQresultStatus(first.get())) {
     case PGRES_SINGLE_TUPLE:
@@ -296,23 +311,63 @@ std::unique_ptr<data::Cursor> PostgresConnection::RowsSent() {
       break;
   }
   Drain(postgres_.get());
-  Fail(postgres_.get(), first.get());
+  Fail(first.get(), sql);
+}
+
+void PostgresConnection::Command(const char* sql) {
+  const Result result(PQexec(postgres_.get(), sql));
+  if (PQresultStatus(result.get()) != PGRES_COMMAND_OK) Fail(result.get(), {});
 }
 
 void PostgresConnection::Begin(Isolation isolation) {
-  switch (isolation) {
+  Ready({});
+  isolation_ = isolation;
+  BeginAnew();
+  state_.Begun();
+}
+
+void PostgresConnection::BeginAnew() {
+  switch (isolation_) {
     case Isolation::ReadCommitted:
-      Execute("BEGIN ISOLATION LEVEL READ COMMITTED");
+      Command("BEGIN ISOLATION LEVEL READ COMMITTED");
       return;
     case Isolation::RepeatableRead:
-      Execute("BEGIN ISOLATION LEVEL REPEATABLE READ");
+      Command("BEGIN ISOLATION LEVEL REPEATABLE READ");
       return;
     case Isolation::DirtyRead:
-      Execute("BEGIN ISOLATION LEVEL READ UNCOMMITTED");
+      Command("BEGIN ISOLATION LEVEL READ UNCOMMITTED");
       return;
     case Isolation::Custom:
-      Execute("BEGIN");
+      Command("BEGIN");
       return;
+  }
+}
+
+// The server says which of the two it has done: COMMIT of a transaction that has failed rolls back,
+// COMMIT AND CHAIN begins the next one itself. Only ROLLBACK TO a savepoint it calls ROLLBACK too.
+void PostgresConnection::LookForEnd(std::string_view tag, std::string_view sql) {
+  if (!state_.Active()) return;
+  using drivers::Ending;
+  const bool outside = PQtransactionStatus(postgres_.get()) == PQTRANS_IDLE;
+  const bool rolledBack =
+      tag == "ROLLBACK" && (outside || drivers::EndingOf(sql) == Ending::Rollback);
+  if (!outside && !rolledBack && tag != "COMMIT") return;
+  state_.CountEnd(rolledBack ? Ending::Rollback : Ending::Commit);
+  if (outside) BeginAnew();
+  if (rolledBack) SetLockTimeout(lockMilliseconds_);
+}
+
+// A COMMIT that fails has ended the transaction: what followed would be outside.
+void PostgresConnection::Fail(const PGresult* result, std::string_view sql) {
+  try {
+    postgres::Fail(postgres_.get(), result);
+  } catch (const data::DriverError& e) {
+    state_.Failed(e);
+    if (state_.Lost() && drivers::EndingOf(sql) == drivers::Ending::Commit) {
+      state_.CountLost(drivers::Ending::Commit);
+    }
+    if (PQtransactionStatus(postgres_.get()) == PQTRANS_IDLE) state_.Undone();
+    throw;
   }
 }
 
@@ -320,12 +375,15 @@ void PostgresConnection::Begin(Isolation isolation) {
 void PostgresConnection::Commit() {
   Ready({});
   const bool failed = PQtransactionStatus(postgres_.get()) == PQTRANS_INERROR;
-  Execute(failed ? "ROLLBACK" : "COMMIT");
+  Command(failed ? "ROLLBACK" : "COMMIT");
   if (failed) throw data::DriverError("A statement of the transaction failed: it was rolled back");
+  state_.Ended();
 }
 
 void PostgresConnection::Rollback() {
-  Execute("ROLLBACK");
+  state_.Ended();
+  Ready({});
+  Command("ROLLBACK");
   SetLockTimeout(lockMilliseconds_);  // what was set inside went back with the rest
 }
 

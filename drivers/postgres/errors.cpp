@@ -17,6 +17,7 @@ struct KindRow {
 };
 constexpr KindRow kKinds[] = {
     {"08", DriverError::Kind::ConnectionLost},
+    {"40003", DriverError::Kind::ConnectionLost},  // whether it was done is not known
     {"40001", DriverError::Kind::Conflict},        // could not be put in an order with another one
     {"40P01", DriverError::Kind::Conflict},        // deadlock
     {"53300", DriverError::Kind::Busy},            // too many connections

@@ -6,6 +6,7 @@
 #include "drivers/common/exactly.h"
 #include "drivers/common/sqlitestatement.h"
 #include "drivers/common/statements.h"
+#include "drivers/common/transaction.h"
 #include "drivers/sqlite/amounts.h"
 #include "drivers/sqlite/decimals.h"
 #include "drivers/sqlite/handles.h"
@@ -99,6 +100,8 @@ class SqliteConnection : public data::Connection {
   void Begin(data::Isolation isolation) override;
   void Commit() override;
   void Rollback() override;
+  std::int64_t EarlyCommits() const override { return state_.Commits(); }
+  std::int64_t EarlyRollbacks() const override { return state_.Rollbacks(); }
   Condition Exactly(std::string_view column, data::ColumnKind kind) const override;
   std::vector<std::string> TableNames(bool system) override;
   void SetLockTimeout(std::int32_t milliseconds) override;
@@ -113,11 +116,14 @@ class SqliteConnection : public data::Connection {
   void CheckTransaction() const;
   void Run(const char* sql);
   bool FreedSnapshot();
+  void BeginAnew();
+  void LookForEnd();
 
   MetColumns met_;
   Database database_;
   OpenRows open_;
-  bool inTransaction_ = false;
+  TransactionState state_;
+  bool rolledBack_ = false;  // the server has done so, since it was last asked
 };
 
 void SqliteConnection::Connect(const Pairs& parameters) {
@@ -141,6 +147,8 @@ void SqliteConnection::Connect(const Pairs& parameters) {
     AddSums(opened);
     AddMoments(opened);
     met_.Watch(opened);
+    sqlite3_rollback_hook(
+        opened, [](void* rolledBack) { *static_cast<bool*>(rolledBack) = true; }, &rolledBack_);
     // Two modes at least need the file: what is no database is found out here, not in the middle of
     // the work. A file that cannot be written stays in the mode that it has.
     Run("PRAGMA journal_mode = WAL");
@@ -153,9 +161,9 @@ void SqliteConnection::Connect(const Pairs& parameters) {
 }
 
 void SqliteConnection::Disconnect() noexcept {
-  if (database_ && inTransaction_)
+  if (database_ && state_.Active())
     sqlite3_exec(database_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
-  inTransaction_ = false;
+  state_ = {};
   database_.reset();
 }
 
@@ -168,7 +176,7 @@ void SqliteConnection::Run(const char* sql) {
 // After a failure: whether the connection was kept from writing by its own open rows, which show
 // the file as it was before somebody else changed it, and is no more.
 bool SqliteConnection::FreedSnapshot() {
-  if (inTransaction_ || sqlite3_extended_errcode(database_.get()) != SQLITE_BUSY_SNAPSHOT) {
+  if (state_.Active() || sqlite3_extended_errcode(database_.get()) != SQLITE_BUSY_SNAPSHOT) {
     return false;
   }
   bool any = false;
@@ -179,9 +187,17 @@ bool SqliteConnection::FreedSnapshot() {
 // A full disk and other failures of the file end a transaction by themselves; what came afterwards
 // would stand alone.
 void SqliteConnection::CheckTransaction() const {
-  if (inTransaction_ && sqlite3_get_autocommit(database_.get()) != 0) {
+  if (state_.Active() && sqlite3_get_autocommit(database_.get()) != 0) {
     throw DriverError("the transaction has been rolled back", DriverError::Kind::Conflict);
   }
+}
+
+// Behind a statement that did what it was to do: COMMIT and ROLLBACK end the transaction.
+void SqliteConnection::LookForEnd() {
+  const bool rolledBack = std::exchange(rolledBack_, false);
+  if (!state_.Active() || sqlite3_get_autocommit(database_.get()) == 0) return;
+  state_.CountEnd(rolledBack ? Ending::Rollback : Ending::Commit);
+  BeginAnew();
 }
 
 std::int64_t SqliteConnection::Execute(std::string_view sql) {
@@ -204,6 +220,7 @@ std::int64_t SqliteConnection::RunToEnd(sqlite3_stmt* statement) {
     sqlite3_reset(statement);
     if (!again || run() != SQLITE_DONE) Refuse(database);
   }
+  LookForEnd();
   return sqlite3_total_changes64(database) == before ? 0 : sqlite3_changes64(database);
 }
 
@@ -295,7 +312,9 @@ std::unique_ptr<data::Cursor> SqliteConnection::Query(
     placed.Bind(database_.get(), parameters, SQLITE_TRANSIENT);
     const bool gives = sqlite3_column_count(placed.statement.get()) > 0;
     auto rows = std::make_unique<Rows>(database_.get(), std::move(placed.statement), open_);
-    return gives ? std::move(rows) : nullptr;
+    if (gives) return rows;
+    LookForEnd();
+    return nullptr;
   };
   try {
     return run();
@@ -312,19 +331,24 @@ data::Lexis SqliteConnection::StatementLexis() const {
 // The lock is taken at once: a batch that somebody else is in the way of fails as Busy before its
 // first statement. A reader who had to become a writer would fail in the middle, without a wait.
 void SqliteConnection::Begin(data::Isolation /*always serializable*/) {
+  BeginAnew();
+  state_.Begun();
+}
+
+void SqliteConnection::BeginAnew() {
+  rolledBack_ = false;
   const bool readOnly = sqlite3_db_readonly(database_.get(), "main") == 1;
   Run(readOnly ? "BEGIN" : "BEGIN IMMEDIATE");
-  inTransaction_ = true;
 }
 
 void SqliteConnection::Commit() {
   CheckTransaction();
   Run("COMMIT");
-  inTransaction_ = false;
+  state_.Ended();
 }
 
 void SqliteConnection::Rollback() {
-  inTransaction_ = false;
+  state_.Ended();
   if (sqlite3_get_autocommit(database_.get()) == 0) Run("ROLLBACK");
 }
 

@@ -26,7 +26,7 @@
 namespace kvshare::data {
 
 // Changes with every change of this file that a driver can notice.
-inline constexpr std::int32_t kDriverContract = 4;
+inline constexpr std::int32_t kDriverContract = 5;
 
 // A failure in the server's own words.
 class KVSHARE_API DriverError : public std::runtime_error {
@@ -200,8 +200,11 @@ class KVSHARE_API Connection {
   virtual void Commit() = 0;
   virtual void Rollback() = 0;
 
-  // How many times the active transaction, or the last one, has been committed before its Commit.
+  // How many times the active transaction, or the last one, has been committed before its Commit,
+  // and how many times rolled back. What raises both numbers has ended it in one of the two ways or
+  // in both, and nobody can tell: a procedure on the server, or a COMMIT whose answer was lost.
   virtual std::int64_t EarlyCommits() const { return 0; }
+  virtual std::int64_t EarlyRollbacks() const { return 0; }
 
   // Whether a statement that fails makes the server refuse all others of its transaction.
   // Everywhere else such a statement has changed nothing, and the others stand.

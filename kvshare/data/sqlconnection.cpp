@@ -200,6 +200,10 @@ std::int64_t TSQLConnection::EarlyCommits() const {
   return session_ ? session_->connection->EarlyCommits() : 0;
 }
 
+std::int64_t TSQLConnection::EarlyRollbacks() const {
+  return session_ ? session_->connection->EarlyRollbacks() : 0;
+}
+
 std::int64_t TSQLConnection::ExecuteDirect(std::string_view sql) {
   const std::string text = data::StatementText(sql, this);
   return OnServer([&](data::Connection& connection) { return connection.Execute(text); });

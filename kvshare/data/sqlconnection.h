@@ -99,8 +99,11 @@ class KVSHARE_API TSQLConnection : public TComponent {
 
   // How many times the server has committed the active transaction, or the last one, before its
   // Commit: what statements before such a moment wrote is there to stay. CREATE TABLE and its
-  // like do that on MariaDB and MySQL, the word COMMIT on all servers.
+  // like do that on MariaDB and MySQL, the word COMMIT on all servers. And how many times it has
+  // rolled it back: the word ROLLBACK does that. What raises both numbers has done one of them or
+  // both, and nobody can tell: a procedure on the server, or a COMMIT whose answer was lost.
   std::int64_t EarlyCommits() const;
+  std::int64_t EarlyRollbacks() const;
 
   // One statement, as it is, without parameters or rows. The rows that it changed, 0 where the
   // server does not tell. A zero byte or one that is no letter is refused and nothing is sent.

@@ -1,5 +1,6 @@
 // What goes wrong between a program and a server.
 #include <chrono>
+#include <functional>
 #include <thread>
 
 #include "kvshare/data/clientdataset.h"
@@ -71,6 +72,66 @@ TEST_F(Faults, TheServerIsKilledInTheMiddleOfABatch) {
   RunServerAgain();
   EXPECT_EQ(Ask("SELECT COUNT(*) FROM T"), "0");
   EXPECT_TRUE(RunExecSQL(*connection_, "INSERT INTO T VALUES (1, 'a')", true));
+}
+
+// A batch whose connection is lost when its line `at` is read.
+class LinesThatLose : public TStringList {
+ public:
+  LinesThatLose(const TStringList& lines, int at, std::function<void()> lose)
+      : at_(at), lose_(std::move(lose)) {
+    Assign(lines);
+  }
+  const std::string& operator[](int index) const override {
+    if (index == at_) std::exchange(lose_, [] {})();
+    return TStringList::operator[](index);
+  }
+
+ private:
+  int at_;
+  mutable std::function<void()> lose_;
+};
+
+TEST_F(Faults, WhatIsInDoubtWhenTheConnectionIsLost) {
+  struct Case {
+    const char* why;
+    TStringList lines;
+    int at;
+    int statement;
+    bool doubt;
+    const char* written;
+  };
+  constexpr const char* kNothing = "\r\nNothing was written.";
+  constexpr const char* kDoubt = "\r\nIt is not known whether the batch was written.";
+  // There a savepoint is set first: the statement itself is never sent.
+  const bool asks = OnMariaDB();
+  const Case cases[] = {
+      {"before a statement", Lines({"INSERT INTO T VALUES (1, 'a');", "DELETE FROM T"}), 1, 2,
+       false, kNothing},
+      {"before the commit", Lines({"INSERT INTO T VALUES (1, 'a');", ""}), 1, 0, true, kDoubt},
+      {"with nothing done", Lines({";", ""}), 1, 0, true, kDoubt},
+      {"before a COMMIT of its own", Lines({"INSERT INTO T VALUES (1, 'a');", "COMMIT"}), 1, 2,
+       !asks, asks ? kNothing : kDoubt},
+      {"before its ROLLBACK", Lines({"INSERT INTO T VALUES (1, 'a');", "ROLLBACK"}), 1, 2, false,
+       kNothing},
+      {"behind its COMMIT",
+       Lines({"INSERT INTO T VALUES (2, 'a');", "COMMIT;", "INSERT INTO T VALUES (1, 'a');", ""}),
+       3, 0, true,
+       "\r\nStatements 1 to 2 had been committed before; it is not known whether anything else was"
+       " written."},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.why);
+    const TSQLBatchReport report = RunSQLBatch(*connection_, LinesThatLose(c.lines, c.at, [] {
+      KillServer();
+      RunServerAgain();
+    }));
+    EXPECT_FALSE(report.Committed);
+    EXPECT_EQ(report.Statement, c.statement) << report.Text();
+    EXPECT_EQ(report.InDoubt, c.doubt) << report.Text();
+    EXPECT_THAT(report.Text(), testing::EndsWith(c.written));
+    connection_ = Connected();
+    EXPECT_FALSE(Holds("ID = 1"));
+  }
 }
 
 TEST_F(Faults, TheServerIsKilledWhileChangesAreApplied) {

@@ -10,6 +10,7 @@
 #include "drivers/common/sqlitecolumns.h"
 #include "drivers/common/sqlitestatement.h"
 #include "drivers/common/statements.h"
+#include "drivers/common/transaction.h"
 #include "kvshare/data/driver.h"
 
 namespace kvshare::drivers {
@@ -49,6 +50,41 @@ TEST(Forms, DatesAndTimes) {
   out += ' ';
   AppendTime(out, 23, 59, 59, 7);
   EXPECT_EQ(out, "0001-02-03 04:05:06 23:59:59.007");
+}
+
+TEST(Transactions, WhatAStatementMeansToThem) {
+  struct Case {
+    std::string_view sql;
+    Ending want;
+  };
+  constexpr Case kCases[] = {
+      {"", Ending::None},
+      {"-- nothing", Ending::None},
+      {"/* nothing", Ending::None},
+      {"insert into T values ('COMMIT')", Ending::None},
+      {"(SELECT 1)", Ending::None},
+      {" ;\r\n-- a\n# b\n/* c */commit work", Ending::Commit},
+      {"Commit;", Ending::Commit},
+      {"COMMITTED", Ending::Unknown},
+      {"END TRANSACTION", Ending::Commit},
+      {"ROLLBACK", Ending::Rollback},
+      {"ROLLBACK AND NO CHAIN", Ending::Rollback},
+      {"rollback /* as far as */ to S", Ending::None},
+      {"ROLLBACK WORK TO SAVEPOINT S", Ending::None},
+      {"ROLLBACK TRANSACTION TO S", Ending::None},
+      {"ROLLBACK TRANSACTION", Ending::Rollback},
+      {"ABORT", Ending::Rollback},
+      {"SAVEPOINT S", Ending::None},
+      {"CREATE TABLE T (I INTEGER)", Ending::Implicit},
+      {"/*!50000 CREATE */ TABLE T (I INTEGER)", Ending::Unknown},
+      {"BEGIN", Ending::Implicit},
+      {"BEGIN NOT ATOMIC COMMIT; END", Ending::Unknown},
+      {"SET autocommit = 1", Ending::Implicit},
+      {"SET STATEMENT max_statement_time = 1 FOR CALL P()", Ending::Unknown},
+      {"CALL P()", Ending::Unknown},
+      {"{call P()}", Ending::Unknown},
+  };
+  for (const Case& c : kCases) EXPECT_EQ(EndingOf(c.sql), c.want) << c.sql;
 }
 
 TEST(Forms, Milliseconds) {

@@ -20,6 +20,9 @@ struct Dialect {
   bool padsCharacters;    // CHAR keeps its blanks
   bool snapshotConflict;  // updating what changed since the snapshot is a conflict
   bool viaOdbc;           // whose drivers tell kinds in ways of their own
+  // A query for a connection's number, and what ends that one; nullptr where nothing does.
+  const char* ownNumber = nullptr;
+  const char* kill = nullptr;  // the number for %
 };
 
 // Of the server that this program runs beside; throws where it is told none.

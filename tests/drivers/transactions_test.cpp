@@ -188,6 +188,106 @@ TEST_F(Transactions, ACommitThatDoesNotCommitIsAnError) {
   EXPECT_EQ(Value(*first_, 1), "10");
 }
 
+// By each of the ways to send a statement.
+TEST_F(Transactions, GoOnBehindACommitOrRollbackAmongTheirStatements) {
+  using Send = void (*)(data::Connection&, const std::string&);
+  constexpr Send kWays[] = {
+      [](data::Connection& c, const std::string& sql) { c.Execute(sql); },
+      [](data::Connection& c, const std::string& sql) { EXPECT_EQ(c.Query(sql), nullptr); },
+      [](data::Connection& c, const std::string& sql) {
+        EXPECT_EQ(c.Query(WithPlaces(sql), {}), nullptr);
+      },
+      [](data::Connection& c, const std::string& sql) { c.Prepare(WithPlaces(sql))->Run({}); },
+  };
+  int now = 10;
+  for (const Send send : kWays) {
+    for (const bool commit : {true, false}) {
+      SCOPED_TRACE(testing::Message()
+                   << "way " << &send - kWays << (commit ? " COMMIT" : " ROLLBACK"));
+      first_->Begin(Isolation::ReadCommitted);
+      const auto open = first_->Query("SELECT k FROM kv_ledger ORDER BY k");
+      ASSERT_TRUE(open->Next());
+      Set(*first_, 1, now + 1);
+      send(*first_, commit ? "COMMIT" : "ROLLBACK");
+      EXPECT_EQ(first_->EarlyCommits(), commit ? 1 : 0);
+      EXPECT_EQ(first_->EarlyRollbacks(), commit ? 0 : 1);
+      Set(*first_, 2, 22);
+      EXPECT_EQ(Value(*second_, 2), "20");
+      first_->Rollback();
+      now += commit ? 1 : 0;
+      EXPECT_EQ(Value(*second_, 1), std::to_string(now));
+      EXPECT_EQ(Value(*second_, 2), "20");
+      EXPECT_TRUE(open->Next()) << "a cursor keeps its rows";
+      EXPECT_EQ(Set(*first_, 2, 20), 1);
+      EXPECT_EQ(Value(*second_, 2), "20");
+    }
+  }
+  first_->Begin(Isolation::ReadCommitted);
+  EXPECT_EQ(first_->EarlyCommits() + first_->EarlyRollbacks(), 0) << "of this transaction";
+  first_->Rollback();
+}
+
+TEST_F(Transactions, KeepTheirIsolationBehindACommit) {
+  first_->Begin(Isolation::RepeatableRead);
+  first_->Execute("COMMIT");
+  EXPECT_EQ(Value(*first_, 1), "10");
+  Set(*second_, 1, 12);
+  EXPECT_EQ(Value(*first_, 1), "10");
+  first_->Commit();
+  EXPECT_EQ(Value(*first_, 1), "12");
+}
+
+// The server rolls back there; a second try must not be answered with yes.
+TEST_F(Transactions, ACommitThatFailedFailsAgain) {
+  if (!std::string(CurrentDialect().server).ends_with("postgres")) return;
+  CreateTable(*first_, "kv_late", "k INTEGER UNIQUE DEFERRABLE INITIALLY DEFERRED");
+  first_->Begin(Isolation::ReadCommitted);
+  first_->Execute("INSERT INTO kv_late VALUES (1)");
+  first_->Execute("INSERT INTO kv_late VALUES (1)");
+  EXPECT_EQ(KindOfFailure([this] { first_->Commit(); }), Kind::Other);
+  EXPECT_EQ(KindOfFailure([this] { first_->Commit(); }), Kind::Conflict);
+  first_->Rollback();
+  first_->Begin(Isolation::ReadCommitted);
+  first_->Execute("INSERT INTO kv_late VALUES (2)");
+  first_->Execute("INSERT INTO kv_late VALUES (2)");
+  EXPECT_EQ(KindOfFailure([this] { first_->Execute("COMMIT"); }), Kind::Other);
+  EXPECT_EQ(first_->EarlyCommits() > 0, first_->EarlyRollbacks() > 0) << "not as if it had";
+  EXPECT_EQ(KindOfFailure([this] { first_->Commit(); }), Kind::Conflict);
+  first_->Rollback();
+  first_->Execute("INSERT INTO kv_late VALUES (3)");
+  EXPECT_THAT(RowsOf(*second_, "SELECT k FROM kv_late"), ElementsAre(ElementsAre("3")));
+}
+
+// Whatever was noticed of the loss before.
+TEST_F(Transactions, ACommitOfALostConnectionIsNeverAnsweredWithYes) {
+  if (CurrentDialect().kill == nullptr) GTEST_SKIP() << "no connection that can be lost";
+  struct Case {
+    bool works;    // before the loss
+    bool notices;  // by a statement after it
+  };
+  for (const Case& c :
+       {Case{true, false}, Case{false, false}, Case{true, true}, Case{false, true}}) {
+    SCOPED_TRACE(testing::Message() << c.works << c.notices);
+    const auto lost = Connected();
+    const std::string number = RowsOf(*lost, CurrentDialect().ownNumber).at(0).at(0);
+    lost->Begin(Isolation::ReadCommitted);
+    if (c.works) Set(*lost, 1, 66);
+    std::string kill = CurrentDialect().kill;
+    second_->Query(kill.replace(kill.find('%'), 1, number));
+    if (c.notices) {
+      EXPECT_EQ(KindOfFailure([&] { Set(*lost, 2, 66); }), Kind::ConnectionLost);
+    }
+    for (int i = 0; i < 3; ++i) {
+      EXPECT_EQ(KindOfFailure([&] { lost->Commit(); }), Kind::ConnectionLost);
+    }
+    EXPECT_EQ(KindOfFailure([&] { Set(*lost, 2, 66); }), Kind::ConnectionLost);
+    lost->Disconnect();
+    EXPECT_EQ(Value(*first_, 1) + " " + Value(*first_, 2), "10 20");
+    lost->Connect(ServerParameters());
+    EXPECT_EQ(Set(*lost, 2, 20), 1) << "another connection of the same";
+  }
+}
+
 TEST_F(Transactions, TheLockTimeoutOutlivesARollback) {
   second_->Begin(Isolation::ReadCommitted);
   second_->SetLockTimeout(0);
