@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "drivers/common/mariadb.h"
 #include "drivers/odbc/utf16.h"
 
 namespace kvshare::odbc {
@@ -21,11 +22,12 @@ constexpr KindRow kKinds[] = {
     {"40003", 0, DriverError::Kind::ConnectionLost},
     {"57P", 0, DriverError::Kind::ConnectionLost},  // PostgreSQL stops or has crashed
     {"40001", 0, DriverError::Kind::Conflict},
-    {"40P01", 0, DriverError::Kind::Conflict},  // PostgreSQL: deadlock
-    {"55P03", 0, DriverError::Kind::Busy},      // PostgreSQL: waited too long for a lock
-    {"HYT", 0, DriverError::Kind::Busy},        // timeouts
-    {"HY000", 1205, DriverError::Kind::Busy},   // MariaDB: the same
-    {"HY000", 1222, DriverError::Kind::Busy},   // SQL Server: the same
+    {"40P01", 0, DriverError::Kind::Conflict},        // PostgreSQL: deadlock
+    {"55P03", 0, DriverError::Kind::Busy},            // PostgreSQL: waited too long for a lock
+    {"HYT01", 0, DriverError::Kind::ConnectionLost},  // no answer in time
+    {"HYT", 0, DriverError::Kind::Busy},              // timeouts
+    {"HY000", 1205, DriverError::Kind::Busy},         // MariaDB: the same
+    {"HY000", 1222, DriverError::Kind::Busy},         // SQL Server: the same
     {"42000", 1222, DriverError::Kind::Busy},
     {"HY000", 1213, DriverError::Kind::Conflict},        // MariaDB: deadlock
     {"70100", 1927, DriverError::Kind::ConnectionLost},  // MariaDB: the connection was killed
@@ -90,12 +92,10 @@ constexpr data::Lexis kPostgresLexis{
     .nestedComments = true, .dollarQuotes = true, .escapeTexts = true, .subscripts = true};
 
 constexpr Dialect kDialects[] = {
-    {"MariaDB", "SET SESSION sql_mode = CONCAT(@@sql_mode, ',STRICT_ALL_TABLES')",
-     "SET SESSION innodb_lock_wait_timeout = ", "SET SESSION lock_wait_timeout = ", 0, true, false,
-     '`', drivers::kMariaDbForms, kMySqlLexis},
-    {"MySQL", "SET SESSION sql_mode = CONCAT(@@sql_mode, ',STRICT_ALL_TABLES')",
-     "SET SESSION innodb_lock_wait_timeout = ", "SET SESSION lock_wait_timeout = ", 1, true, false,
-     '`', drivers::kMySqlForms, kMySqlLexis},
+    {"MariaDB", drivers::kMariaDbSession, "SET SESSION innodb_lock_wait_timeout = ",
+     "SET SESSION lock_wait_timeout = ", 0, true, false, '`', drivers::kMariaDbForms, kMySqlLexis},
+    {"MySQL", drivers::kMariaDbSession, "SET SESSION innodb_lock_wait_timeout = ",
+     "SET SESSION lock_wait_timeout = ", 1, true, false, '`', drivers::kMySqlForms, kMySqlLexis},
     {"PostgreSQL", "", "SET lock_timeout = ", "", 1, false, true, '"', drivers::kPlainForms,
      kPostgresLexis},
     {"Microsoft SQL Server",
@@ -126,7 +126,11 @@ constexpr Dialect kDialects[] = {
 Handle::Handle(SQLSMALLINT type, SQLHANDLE parent) : type_(type) {
   if (SQL_SUCCEEDED(SQLAllocHandle(type, parent, &handle_))) return;
   handle_ = nullptr;
-  throw DriverError("No handle of the driver manager");
+  // A connection that was lost has no statements any more.
+  const SQLSMALLINT parentType = type == SQL_HANDLE_STMT ? SQL_HANDLE_DBC : SQL_HANDLE_ENV;
+  const Report report = parent != nullptr ? ReportOf(parentType, parent) : Report();
+  throw DriverError(report.text.empty() ? "No handle of the driver manager" : report.text,
+                    KindOf(report), report.code);
 }
 
 void Handle::Reset() noexcept {

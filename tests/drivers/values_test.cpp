@@ -162,10 +162,26 @@ TEST(Values, WhatDoesNotFitIsAnError) {
   for (const char* bad : {"INSERT INTO kv_strict (t) VALUES ('กขคงจฉ')",
                           "INSERT INTO kv_strict (n) VALUES (99999999999)",
                           "INSERT INTO kv_strict (n) VALUES ('12x')",
-                          "INSERT INTO kv_strict (d) VALUES ('2004-02-30')"}) {
+                          "INSERT INTO kv_strict (d) VALUES ('2004-02-30')",
+                          "INSERT INTO kv_strict (n) VALUES (1 / 0)",
+                          "INSERT INTO kv_strict (n) VALUES (MOD(1, 0))"}) {
     EXPECT_THROW(connection->Execute(bad), data::DriverError) << bad;
   }
   EXPECT_THAT(RowsOf(*connection, "SELECT COUNT(*) FROM kv_strict"), ElementsAre(ElementsAre("0")));
+}
+
+// A server whose own settings are loose, and which gives up soon on a program that does not read
+// on.
+TEST(Values, MariaDbIsStrictHoweverItWasStarted) {
+  if (!std::string(CurrentDialect().server).ends_with("mariadb")) return;
+  const auto admin = Connected();
+  const std::string earlier = RowsOf(*admin, "SELECT @@GLOBAL.sql_mode").at(0).at(0);
+  admin->Execute("SET GLOBAL sql_mode = 'ANSI_QUOTES,PAD_CHAR_TO_FULL_LENGTH'");
+  const auto connection = Connected();
+  admin->Execute("SET GLOBAL sql_mode = '" + earlier + "'");
+  EXPECT_THAT(RowsOf(*connection, "SELECT @@sql_mode, @@net_write_timeout"),
+              ElementsAre(ElementsAre("ANSI_QUOTES,STRICT_ALL_TABLES,ERROR_FOR_DIVISION_BY_ZERO",
+                                      "86400")));
 }
 
 // Values that servers have and the contract has no form for.
@@ -190,6 +206,49 @@ TEST(Values, WithoutAFormAreErrors) {
     EXPECT_THROW(cursor->Text(0), data::DriverError) << c.sql;
     connection->Execute("DELETE FROM kv_strict");  // moves the row into memory
     EXPECT_THROW(cursor->Text(0), data::DriverError) << c.sql;
+  }
+}
+
+// Types without a kind of their own keep the server's text or bytes.
+TEST(Values, OfOtherTypesAreNeverEmpty) {
+  struct Case {
+    const char* server;  // or the end of its name
+    const char* expression;
+    const char* text;  // "" where the form is the server's or its driver's own
+  };
+  constexpr Case kCases[] = {
+      {"mariadb", "ST_GeomFromText('POINT(1 2)')", ""},
+      {"mariadb", "CAST('::1' AS INET6)", "::1"},
+      {"mariadb", "CAST('123e4567-e89b-12d3-a456-426655440000' AS UUID)",
+       "123e4567-e89b-12d3-a456-426655440000"},
+      {"mariadb", "JSON_OBJECT('a', 1)", "{\"a\": 1}"},
+      {"mariadb", "COLUMN_CREATE('a', 1)", ""},
+      {"postgres", "ARRAY[1,2]", "{1,2}"},
+      {"postgres", "ROW(1, 'a')", "(1,a)"},
+      {"postgres", "INTERVAL '1 day'", "1 day"},
+      {"postgres", "int4range(1, 3)", "[1,3)"},
+      {"postgres", "INET '10.0.0.1'", "10.0.0.1"},
+      {"postgres", "CAST(1.5 AS MONEY)", ""},
+      {"postgres", "B'101'", "101"},
+      {"postgres", "point(1, 2)", "(1,2)"},
+      {"firebird", "RDB$DB_KEY", ""},
+  };
+  const auto connection = Connected();
+  const std::string server = CurrentDialect().server;
+  const std::vector<ParameterValue> one = {std::int64_t{1}};
+  for (const Case& c : kCases) {
+    if (!server.ends_with(c.server)) continue;
+    SCOPED_TRACE(c.expression);
+    const std::string sql = std::string("SELECT ") + c.expression + " FROM " +
+                            (server == "firebird" ? "RDB$DATABASE" : "(SELECT 1 AS n) q");
+    for (const auto& rows :
+         {RowsOf(*connection, sql), RowsOf(*connection, sql + " WHERE 1 = ?", one)}) {
+      const std::string got = rows.at(0).at(0);
+      EXPECT_THAT(got, testing::Not(testing::AnyOf("", "NULL")));
+      if (*c.text != '\0') {
+        EXPECT_EQ(got, c.text);
+      }
+    }
   }
 }
 
