@@ -22,7 +22,7 @@ class RecordForms : public Shop {
   RecordForms() {
     home_.Make("Program Files/QXN/Share/SqlIntf.ini", "[DATABASE.SQLITE]\r\nSQLDATE=DATE\r\n");
     Sql("CREATE TABLE ITEM (CODE VARCHAR(10) PRIMARY KEY, NAME VARCHAR(10) NOT NULL,"
-        " PRICE DECIMAL(15,4), BOUGHT DATE NOT NULL, NOTE TEXT)");
+        " PRICE DECIMAL_REAL(19,4), BOUGHT DATE NOT NULL, NOTE TEXT)");
     Sql("INSERT INTO ITEM VALUES ('A1', 'pen', '1234.5', '2024-03-15', 'one' || char(10) || "
         "'two')");
     YearBase = 543;
