@@ -6,6 +6,7 @@
 #include "drivers/common/cursors.h"
 #include "drivers/common/entry.h"
 #include "drivers/common/parameters.h"
+#include "drivers/common/sqlitestatement.h"
 #include "drivers/common/statements.h"
 #include "drivers/odbc/handles.h"
 #include "drivers/odbc/parameters.h"
@@ -58,6 +59,36 @@ bool IsSystemTable(const Rows& rows) {
          catalog == "sys";
 }
 
+// A statement as a server gets it, and its values by place.
+struct Placed {
+  std::u16string text;
+  std::vector<data::ParameterValue> values;
+};
+
+Placed PlacedForSqlite(const data::StatementParts& parts,
+                       std::span<const data::ParameterValue> parameters) {
+  drivers::CheckParameters(parts.Parameters(), parameters.size());
+  std::vector<drivers::sqlite::ValueClass> classes;
+  for (const data::ParameterValue& value : parameters)
+    classes.push_back(drivers::sqlite::ClassOf(value));
+  const drivers::sqlite::MarkedStatement marked(parts, classes, {});
+  Placed placed{ToUtf16(marked.Text()), {}};
+  for (std::size_t i = 0; i < marked.Slots(); ++i) {
+    data::ParameterValue made;
+    placed.values.push_back(marked.Value(i, parameters, made));
+  }
+  return placed;
+}
+
+// Without it the server reads a moment beside a day as a day.
+std::string TypeOf(const data::ParameterValue& value) {
+  if (std::holds_alternative<data::Decimal>(value)) return "NUMERIC";
+  const auto* moment = std::get_if<data::Moment>(&value);
+  if (moment == nullptr) return "";
+  if (moment->kind == data::ColumnKind::Date) return "DATE";
+  return moment->kind == data::ColumnKind::Time ? "TIME" : "TIMESTAMP";
+}
+
 class OdbcConnection final : public data::Connection {
  public:
   ~OdbcConnection() override { Disconnect(); }
@@ -89,6 +120,20 @@ class OdbcConnection final : public data::Connection {
   void SetLockTimeout(std::int32_t milliseconds) override;
   std::string ServerVersion() override { return Info(SQL_DBMS_NAME) + " " + Info(SQL_DBMS_VER); }
 
+  Placed PlacedFor(const data::StatementParts& parts,
+                   std::span<const data::ParameterValue> parameters) const {
+    const Dialect& dialect = DialectOf(dbms_);
+    if (dialect.sqlite) return PlacedForSqlite(parts, parameters);
+    std::vector<data::ParameterValue> values = drivers::ValuesByPlace(parts.places, parameters);
+    const std::string text = dialect.takesNoTypes ? drivers::MarkedByTypes(parts, values, TypeOf)
+                                                  : drivers::MarkedByQuestions(parts);
+    return {ToUtf16(text), std::move(values)};
+  }
+  void Prepare(const Handle& statement, std::u16string& text) const {
+    statement.Check(
+        SQLPrepareW(statement.Get(), Units(text.data()), static_cast<SQLINTEGER>(text.size())));
+  }
+
   // Other statements may run now.
   Transaction& Ready() {
     RequireOpen();
@@ -107,7 +152,7 @@ class OdbcConnection final : public data::Connection {
     Ready();
     return {SQL_HANDLE_STMT, connection_.Get()};
   }
-  std::unique_ptr<data::Cursor> RowsOf(Handle statement);
+  std::unique_ptr<data::Cursor> RowsOf(Handle statement, std::string_view sql);
   void Set(SQLINTEGER attribute, std::uintptr_t value) {
     connection_.Check(
         SQLSetConnectAttrW(connection_.Get(), attribute, Number(value), SQL_IS_UINTEGER));
@@ -155,6 +200,7 @@ void OdbcConnection::Connect(const std::vector<std::pair<std::string, std::strin
 void OdbcConnection::StartSession() {
   dbms_ = Info(SQL_DBMS_NAME);
   transaction_ = Transaction(connection_, dbms_);
+  texts_.sqlite = DialectOf(dbms_).sqlite;
   SQLUSMALLINT activities = 0;
   SQLGetInfoW(connection_.Get(), SQL_MAX_CONCURRENT_ACTIVITIES, &activities, sizeof activities,
               nullptr);
@@ -214,12 +260,15 @@ std::int64_t OdbcConnection::Execute(std::string_view sql) {
 
 class Prepared final : public data::PreparedStatement {
  public:
-  Prepared(OdbcConnection& connection, Handle statement, std::vector<std::size_t> places,
-           drivers::Ending ending)
+  Prepared(OdbcConnection& connection, Handle statement, std::u16string text,
+           data::StatementParts parts)
       : connection_(connection),
         statement_(std::move(statement)),
-        places_(std::move(places)),
-        ending_(ending) {}
+        text_(std::move(text)),
+        parts_(std::move(parts)),
+        ending_(drivers::EndingOf(drivers::MarkedByQuestions(parts_))) {
+    connection_.Prepare(statement_, text_);
+  }
 
   std::int64_t Run(std::span<const data::ParameterValue> parameters) override {
     Transaction& transaction = connection_.Ready();
@@ -230,9 +279,13 @@ class Prepared final : public data::PreparedStatement {
 
  private:
   std::int64_t RunOnce(std::span<const data::ParameterValue> parameters) {
+    Placed placed = connection_.PlacedFor(parts_, parameters);
+    if (text_ != placed.text) {
+      text_ = std::move(placed.text);
+      connection_.Prepare(statement_, text_);
+    }
     const Release release{statement_};
-    const std::vector<data::ParameterValue> values = drivers::ValuesByPlace(places_, parameters);
-    const BoundParameters bound(statement_, values);
+    const BoundParameters bound(statement_, placed.values);
     const SQLRETURN result = SQLExecute(statement_.Get());
     statement_.Check(result);
     return result == SQL_NO_DATA ? 0 : RowsChanged(statement_);
@@ -248,19 +301,15 @@ class Prepared final : public data::PreparedStatement {
 
   OdbcConnection& connection_;
   Handle statement_;
-  std::vector<std::size_t> places_;
+  std::u16string text_;
+  data::StatementParts parts_;
   drivers::Ending ending_;
 };
 
 std::unique_ptr<data::PreparedStatement> OdbcConnection::Prepare(
     const data::StatementParts& parts) {
-  Handle statement = NewStatement();
-  const std::string sql = drivers::MarkedByQuestions(parts);
-  std::u16string text = ToUtf16(sql);
-  statement.Check(
-      SQLPrepareW(statement.Get(), Units(text.data()), static_cast<SQLINTEGER>(text.size())));
-  return std::make_unique<Prepared>(*this, std::move(statement), parts.places,
-                                    drivers::EndingOf(sql));
+  return std::make_unique<Prepared>(*this, NewStatement(),
+                                    ToUtf16(drivers::MarkedByQuestions(parts)), parts);
 }
 
 std::unique_ptr<data::Cursor> OdbcConnection::Query(std::string_view sql) {
@@ -269,7 +318,7 @@ std::unique_ptr<data::Cursor> OdbcConnection::Query(std::string_view sql) {
   auto cursor = transaction_.Watch(drivers::EndingOf(sql), [&] {
     statement.Check(
         SQLExecDirectW(statement.Get(), Units(text.data()), static_cast<SQLINTEGER>(text.size())));
-    return RowsOf(std::move(statement));
+    return RowsOf(std::move(statement), sql);
   });
   if (!cursor) transaction_.Settle();
   return cursor;
@@ -277,17 +326,15 @@ std::unique_ptr<data::Cursor> OdbcConnection::Query(std::string_view sql) {
 
 std::unique_ptr<data::Cursor> OdbcConnection::Query(
     const data::StatementParts& parts, std::span<const data::ParameterValue> parameters) {
-  const std::vector<data::ParameterValue> values = drivers::ValuesByPlace(parts.places, parameters);
+  Placed placed = PlacedFor(parts, parameters);
   Handle statement = NewStatement();
   const std::string sql = drivers::MarkedByQuestions(parts);
-  std::u16string text = ToUtf16(sql);
   auto cursor = transaction_.Watch(drivers::EndingOf(sql), [&] {
-    statement.Check(
-        SQLPrepareW(statement.Get(), Units(text.data()), static_cast<SQLINTEGER>(text.size())));
-    const BoundParameters bound(statement, values);
+    Prepare(statement, placed.text);
+    const BoundParameters bound(statement, placed.values);
     statement.Check(SQLExecute(statement.Get()));
     SQLFreeStmt(statement.Get(), SQL_RESET_PARAMS);
-    return RowsOf(std::move(statement));
+    return RowsOf(std::move(statement), sql);
   });
   if (!cursor) transaction_.Settle();
   return cursor;
@@ -298,11 +345,13 @@ data::Lexis OdbcConnection::StatementLexis() const {
 }
 
 // Of a statement that has been executed.
-std::unique_ptr<data::Cursor> OdbcConnection::RowsOf(Handle statement) {
+std::unique_ptr<data::Cursor> OdbcConnection::RowsOf(Handle statement, std::string_view sql) {
   SQLSMALLINT columns = 0;
   statement.Check(SQLNumResultCols(statement.Get(), &columns));
   if (columns == 0) return nullptr;
-  return std::make_unique<Cursor>(open_, std::move(statement), texts_);
+  TextRules rules = texts_;
+  rules.compound = rules.sqlite && drivers::sqlite::IsCompound(sql);
+  return std::make_unique<Cursor>(open_, std::move(statement), rules);
 }
 
 // Many drivers close cursors then.

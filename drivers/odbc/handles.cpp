@@ -97,7 +97,7 @@ constexpr Dialect kDialects[] = {
     {"MySQL", drivers::kMariaDbSession, "SET SESSION innodb_lock_wait_timeout = ",
      "SET SESSION lock_wait_timeout = ", 1, true, false, '`', drivers::kMySqlForms, kMySqlLexis},
     {"PostgreSQL", "", "SET lock_timeout = ", "", 1, false, true, '"', drivers::kPlainForms,
-     kPostgresLexis},
+     kPostgresLexis, false, true},
     {"Microsoft SQL Server",
      "",
      "SET LOCK_TIMEOUT ",
@@ -116,8 +116,9 @@ constexpr Dialect kDialects[] = {
      false,
      false,
      '"',
-     drivers::kSqliteForms,
-     {.backticks = true, .brackets = true}},
+     drivers::kPlainSqliteForms,
+     {.backticks = true, .brackets = true},
+     true},
     {"", "", "", "", 0, false, false, '"', drivers::kPlainForms, {}},
 };
 

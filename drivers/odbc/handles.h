@@ -62,6 +62,8 @@ struct Dialect {
   char quote;  // around names
   drivers::ExactForms exactly;
   data::Lexis lexis;
+  bool sqlite = false;        // which has classes of values and no types
+  bool takesNoTypes = false;  // its driver does not tell the server what a parameter is
 };
 const Dialect& DialectOf(std::string_view dbmsName);
 

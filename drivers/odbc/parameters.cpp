@@ -25,11 +25,11 @@ BoundParameters::BoundParameters(const Handle& statement,
 }
 
 void BoundParameters::Bind(SQLSMALLINT valueType, SQLSMALLINT type, SQLULEN characters,
-                           const void* value, std::size_t bytes) {
+                           const void* value, std::size_t bytes, SQLSMALLINT decimals) {
   SQLLEN& size = sizes_.emplace_back(value == nullptr ? SQL_NULL_DATA : static_cast<SQLLEN>(bytes));
   void* read = const_cast<void*>(value);  // NOLINT: the client only reads it
   statement_.Check(SQLBindParameter(statement_.Get(), number_, SQL_PARAM_INPUT, valueType, type,
-                                    std::max<SQLULEN>(characters, 1), 0, read,
+                                    std::max<SQLULEN>(characters, 1), decimals, read,
                                     static_cast<SQLLEN>(bytes), &size));
 }
 
@@ -64,6 +64,30 @@ void BoundParameters::operator()(const data::Bytes& value) {
   const std::string& bytes = value.bytes;
   Bind(SQL_C_BINARY, bytes.size() > kLongestShort ? SQL_LONGVARBINARY : SQL_VARBINARY, bytes.size(),
        bytes.data(), bytes.size());
+}
+
+// With its own digits: else the server would round it, or compare it as a text.
+void BoundParameters::operator()(const data::Decimal& value) {
+  const std::string& digits = value.digits;
+  const std::size_t point = std::min(digits.find('.'), digits.size());
+  const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+  const auto count = [&](std::size_t from) {
+    return std::ranges::count_if(digits.begin() + static_cast<std::ptrdiff_t>(from), digits.end(),
+                                 isDigit);
+  };
+  Bind(SQL_C_CHAR, SQL_DECIMAL, static_cast<SQLULEN>(count(0)), digits.data(), digits.size(),
+       static_cast<SQLSMALLINT>(count(point)));
+}
+
+// A day goes as its midnight: MariaDB misses rows between a day and a moment where it uses an
+// index. A time goes as a text: its type has no fractions.
+void BoundParameters::operator()(const data::Moment& value) {
+  constexpr SQLULEN kMoment = 23;
+  constexpr SQLSMALLINT kMilliseconds = 3;
+  if (value.kind == data::ColumnKind::Time) return (*this)(value.text);
+  std::string& text = moments_.emplace_back(value.text);
+  if (value.kind == data::ColumnKind::Date) text += " 00:00:00";
+  Bind(SQL_C_CHAR, SQL_TYPE_TIMESTAMP, kMoment, text.data(), text.size(), kMilliseconds);
 }
 
 }  // namespace kvshare::odbc

@@ -19,16 +19,17 @@ class BoundParameters {
   void operator()(const double& value);
   void operator()(const std::string& text);
   void operator()(const data::Bytes& value);
-  void operator()(const data::Decimal& value) { (*this)(value.digits); }
-  void operator()(const data::Moment& value) { (*this)(value.text); }
+  void operator()(const data::Decimal& value);
+  void operator()(const data::Moment& value);
 
  private:
   void Bind(SQLSMALLINT valueType, SQLSMALLINT type, SQLULEN characters, const void* value,
-            std::size_t bytes);
+            std::size_t bytes, SQLSMALLINT decimals = 0);
 
   const Handle& statement_;
   SQLUSMALLINT number_ = 0;
   std::deque<std::u16string> texts_;
+  std::deque<std::string> moments_;
   std::deque<SQLLEN> sizes_;
 };
 

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstring>
 
 #include "drivers/common/forms.h"
+#include "drivers/common/sqlitecolumns.h"
 #include "drivers/odbc/utf16.h"
 
 namespace kvshare::odbc {
@@ -57,6 +59,7 @@ ColumnKind KindOf(SQLSMALLINT type, bool isUnsigned) {
 // How a value of that kind is fetched. Moments in their standard text forms: the structure of a
 // time has no fractions.
 SQLSMALLINT FetchedAs(ColumnKind kind, TextRules rules) {
+  if (rules.sqlite && kind != ColumnKind::Blob) return SQL_C_CHAR;
   switch (kind) {
     case ColumnKind::Boolean:
     case ColumnKind::Integer:
@@ -78,17 +81,18 @@ SQLSMALLINT FetchedAs(ColumnKind kind, TextRules rules) {
 
 // Bytes of a value, 0 for a long one.
 std::size_t WidthOf(const Column& column, SQLSMALLINT fetchedAs, SQLULEN size) {
+  constexpr std::size_t kShortText = 80;
   switch (column.kind) {
     case ColumnKind::Boolean:
     case ColumnKind::Integer:
     case ColumnKind::Largeint:
     case ColumnKind::Float:
-      return 8;
+      return fetchedAs == SQL_C_CHAR ? kShortText : 8;
     case ColumnKind::Decimal:
     case ColumnKind::Date:
     case ColumnKind::Time:
     case ColumnKind::TimeStamp:
-      return 80;
+      return kShortText;
     case ColumnKind::Text:  // the longest characters, and a zero behind them
       if (size == 0 || size > kLongestShort) return 0;
       return fetchedAs == SQL_C_CHAR ? 4 * size + 1 : (2 * size + 1) * sizeof(SQLWCHAR);
@@ -108,9 +112,27 @@ Value Read(std::string_view bytes) {
   return value;
 }
 
+double FiniteOf(std::string_view text) {
+  const double real = drivers::ToFloat(text);
+  if (!std::isfinite(real)) throw data::DriverError("Infinity is no number");
+  return real;
+}
+
+// The whole number that a text has, also as 8.0.
+std::int64_t WholeOf(std::string_view text) {
+  constexpr double kTwoTo63 = 9223372036854775808.0;
+  if (text.find_first_of(".eE") == std::string_view::npos) return drivers::ToInteger(text);
+  const double real = FiniteOf(text);
+  if (std::nearbyint(real) != real || real < -kTwoTo63 || real >= kTwoTo63) {
+    throw data::DriverError("\"" + std::string(text) + "\" is no whole number");
+  }
+  return static_cast<std::int64_t>(real);
+}
+
 }  // namespace
 
-Rows::Rows(Handle statement, TextRules rules) : statement_(std::move(statement)) {
+Rows::Rows(Handle statement, TextRules rules)
+    : statement_(std::move(statement)), sqlite_(rules.sqlite) {
   SQLSMALLINT count = 0;
   statement_.Check(SQLNumResultCols(statement_.Get(), &count));
   for (SQLSMALLINT i = 1; i <= count; ++i) Describe(static_cast<SQLUSMALLINT>(i), rules);
@@ -140,11 +162,38 @@ void Rows::Describe(SQLUSMALLINT number, TextRules rules) {
     column.size = size > 0x7FFF'FFFF ? 0 : static_cast<std::int32_t>(size);
   }
   if (column.kind == ColumnKind::Decimal) column.decimals = decimals;
+  if (rules.sqlite) {
+    DescribeForSqlite(number, rules.compound, column);
+    size = 0;  // says nothing of the values
+  }
 
   Field& field = fields_.emplace_back();
   field.type = FetchedAs(column.kind, rules);
   field.width = WidthOf(column, field.type, size);
   field.trimmed = rules.trimCharacters && (type == SQL_CHAR || type == SQL_WCHAR);
+}
+
+std::string Rows::Attribute(SQLUSMALLINT number, SQLUSMALLINT attribute) const {
+  std::array<char16_t, 256> text{};
+  SQLSMALLINT bytes = 0;
+  SQLColAttributeW(statement_.Get(), number, attribute, text.data(),
+                   static_cast<SQLSMALLINT>(sizeof text), &bytes, nullptr);
+  std::string utf8;
+  AppendUtf8(utf8, text.data());
+  return utf8;
+}
+
+// A column of no table has a type that its driver takes from the first row. The digits of a
+// declared decimal are not told.
+void Rows::DescribeForSqlite(SQLUSMALLINT number, bool compound, Column& column) {
+  const std::string declared = Attribute(number, SQL_DESC_TYPE_NAME);
+  if (!Attribute(number, SQL_DESC_BASE_TABLE_NAME).empty()) {
+    column.kind = drivers::sqlite::ColumnOfType(declared, compound).kind;
+  } else if (declared == "integer" || declared == "double") {
+    column.kind = ColumnKind::Decimal;
+  }
+  if (column.kind != ColumnKind::Text) column.size = 0;
+  column.decimals = 0;
 }
 
 void Rows::Bind() {
@@ -244,11 +293,18 @@ std::string_view Rows::Raw(int column) const {
 }
 
 std::int64_t Rows::Integer(int column) const {
-  return Read<std::int64_t>(Raw(column));
+  const std::string_view raw = Raw(column);
+  if (At(column).type != SQL_C_CHAR) return Read<std::int64_t>(raw);
+  const std::int64_t whole = WholeOf(raw);
+  const bool out = columns_[static_cast<std::size_t>(column)].kind == ColumnKind::Boolean &&
+                   whole != 0 && whole != 1;
+  if (out) throw data::DriverError(std::string(raw) + " is neither 0 nor 1");
+  return whole;
 }
 
 double Rows::Float(int column) const {
-  return Read<double>(Raw(column));
+  const std::string_view raw = Raw(column);
+  return At(column).type == SQL_C_CHAR ? FiniteOf(raw) : Read<double>(raw);
 }
 
 std::string_view Rows::Text(int column) const {
@@ -266,18 +322,25 @@ std::string_view Rows::ShortText(int column) const {
     case ColumnKind::Time:
     case ColumnKind::TimeStamp:
       return Moment(column, raw);
-    case ColumnKind::Decimal: {  // some drivers begin with the point
-      const std::size_t point = raw.find('.');
-      if (point == std::string_view::npos || (point > 0 && raw[point - 1] != '-')) return raw;
-      field.text.assign(raw).insert(point, 1, '0');
-      return field.text;
-    }
+    case ColumnKind::Decimal:
+      return Decimal(column, raw);
     default:
       if (field.type == SQL_C_CHAR) return raw;
       field.text.clear();
       AppendUtf8(field.text, Wide(raw));
       return field.text;
   }
+}
+
+// Some drivers begin with the point, and one writes large reals with an exponent.
+std::string_view Rows::Decimal(int column, std::string_view text) const {
+  std::string& scratch = At(column).text;
+  if (text.find('e') != std::string_view::npos) {
+    return scratch = drivers::DecimalOf(drivers::ToFloat(text));
+  }
+  return sqlite_
+             ? drivers::sqlite::DecimalIn(columns_[static_cast<std::size_t>(column)], text, scratch)
+             : drivers::ToDecimal(text, scratch);
 }
 
 std::string_view Rows::Moment(int column, std::string_view text) const {

@@ -15,6 +15,8 @@ namespace kvshare::odbc {
 struct TextRules {
   bool utf8Bytes = false;  // the driver gives narrow texts in UTF-8; wide ones cost more
   bool trimCharacters = false;
+  bool sqlite = false;    // any value may lie in any column: all are read as texts, and looked at
+  bool compound = false;  // there: rows of several SELECTs
 };
 
 class Rows {
@@ -44,15 +46,19 @@ class Rows {
 
   const Field& At(int column) const { return fields_[static_cast<std::size_t>(column)]; }
   void Describe(SQLUSMALLINT number, TextRules rules);
+  void DescribeForSqlite(SQLUSMALLINT number, bool compound, data::Column& column);
+  std::string Attribute(SQLUSMALLINT number, SQLUSMALLINT attribute) const;
   void Bind();
   bool FetchBlock();
   void Get(std::size_t column);
   void GetLong(std::size_t column);
   std::string_view Raw(int column) const;
   std::string_view ShortText(int column) const;
+  std::string_view Decimal(int column, std::string_view text) const;
   std::string_view Moment(int column, std::string_view text) const;
 
   Handle statement_;
+  bool sqlite_;
   std::vector<data::Column> columns_;
   std::vector<Field> fields_;
   bool bound_ = true;
