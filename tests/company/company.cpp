@@ -30,6 +30,7 @@ constexpr ServerRow kServers[] = {
     {"firebird", "SampleFirebird", "FIREBIRD", nullptr, nullptr},
     {"odbc-mariadb", "SampleMariaDB", "MYSQL", "kvshare-odbc", "getSQLDriverODBC"},
     {"odbc-postgres", "SamplePostgreSQL", "POSTGRESQL", "kvshare-odbc", "getSQLDriverODBC"},
+    {"odbc-sqlite", "SampleSQLite", "SQLITE", "kvshare-odbc", "getSQLDriverODBC"},
 };
 
 const ServerRow& Server() {

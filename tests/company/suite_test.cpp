@@ -2,6 +2,7 @@
 #include "kvshare/database/dbxconf.h"
 #include "kvshare/database/sqlfunc.h"
 #include "tests/company/company.h"
+#include "tests/data/amounts_suite.h"
 #include "tests/data/updates_suite.h"
 
 namespace kvshare {
@@ -40,17 +41,24 @@ DriverCase OnServer() {
     test.foreignLetter = "chr(20013)";
   } else if (server == "firebird") {
     test.money = "NUMERIC(18,4)";
+    test.round = "CAST(";  // its ROUND takes decimals away from what it is multiplied with
+    test.toFour = " AS NUMERIC(18,4))";
     test.memo = "BLOB SUB_TYPE TEXT";
     test.foreignLetter =
         "(SELECT CAST(x'E4B8AD' AS VARCHAR(1) CHARACTER SET UTF8) FROM RDB$DATABASE)";
-  } else {
-    test.money = "DECIMAL_TEXT(19,4) COLLATE DECIMAL";
+  } else {  // SQLite through ODBC, which brings no functions and collations of ours
+    test.money = "DECIMAL_REAL(19,4)";
     test.foreignLetter = "char(20013)";
+    test.wholeCurrency = false;
+    test.exactSums = false;
+    test.comparesDays = false;
   }
   return test;
 }
 
 INSTANTIATE_TEST_SUITE_P(Server, DriverSuite, testing::Values(OnServer()),
+                         [](const auto& test) { return test.param.name; });
+INSTANTIATE_TEST_SUITE_P(Server, AmountsSuite, testing::Values(OnServer()),
                          [](const auto& test) { return test.param.name; });
 INSTANTIATE_TEST_SUITE_P(Server, UpdatesSuite, testing::Values(OnServer()),
                          [](const auto& test) { return test.param.name; });
