@@ -80,15 +80,6 @@ Placed PlacedForSqlite(const data::StatementParts& parts,
   return placed;
 }
 
-// Without it the server reads a moment beside a day as a day.
-std::string TypeOf(const data::ParameterValue& value) {
-  if (std::holds_alternative<data::Decimal>(value)) return "NUMERIC";
-  const auto* moment = std::get_if<data::Moment>(&value);
-  if (moment == nullptr) return "";
-  if (moment->kind == data::ColumnKind::Date) return "DATE";
-  return moment->kind == data::ColumnKind::Time ? "TIME" : "TIMESTAMP";
-}
-
 class OdbcConnection final : public data::Connection {
  public:
   ~OdbcConnection() override { Disconnect(); }
@@ -125,8 +116,9 @@ class OdbcConnection final : public data::Connection {
     const Dialect& dialect = DialectOf(dbms_);
     if (dialect.sqlite) return PlacedForSqlite(parts, parameters);
     std::vector<data::ParameterValue> values = drivers::ValuesByPlace(parts.places, parameters);
-    const std::string text = dialect.takesNoTypes ? drivers::MarkedByTypes(parts, values, TypeOf)
-                                                  : drivers::MarkedByQuestions(parts);
+    const std::string text = dialect.typeOf != nullptr
+                                 ? drivers::MarkedByTypes(parts, values, dialect.typeOf)
+                                 : drivers::MarkedByQuestions(parts);
     return {ToUtf16(text), std::move(values)};
   }
   void Prepare(const Handle& statement, std::u16string& text) const {

@@ -91,13 +91,30 @@ constexpr data::Lexis kMySqlLexis{
 constexpr data::Lexis kPostgresLexis{
     .nestedComments = true, .dollarQuotes = true, .escapeTexts = true, .subscripts = true};
 
+// Without it the server reads a moment beside a day as a day.
+std::string PostgresTypeOf(const data::ParameterValue& value) {
+  if (std::holds_alternative<data::Decimal>(value)) return "NUMERIC";
+  const auto* moment = std::get_if<data::Moment>(&value);
+  if (moment == nullptr) return "";
+  if (moment->kind == data::ColumnKind::Date) return "DATE";
+  return moment->kind == data::ColumnKind::Time ? "TIME" : "TIMESTAMP";
+}
+
+// Without it the server misses rows of NOT BETWEEN where it uses an index.
+std::string MariaDbTypeOf(const data::ParameterValue& value) {
+  const auto* moment = std::get_if<data::Moment>(&value);
+  return moment != nullptr && moment->kind != data::ColumnKind::Time ? "DATETIME(3)" : "";
+}
+
 constexpr Dialect kDialects[] = {
     {"MariaDB", drivers::kMariaDbSession, "SET SESSION innodb_lock_wait_timeout = ",
-     "SET SESSION lock_wait_timeout = ", 0, true, false, '`', drivers::kMariaDbForms, kMySqlLexis},
+     "SET SESSION lock_wait_timeout = ", 0, true, false, '`', drivers::kMariaDbForms, kMySqlLexis,
+     false, MariaDbTypeOf},
     {"MySQL", drivers::kMariaDbSession, "SET SESSION innodb_lock_wait_timeout = ",
-     "SET SESSION lock_wait_timeout = ", 1, true, false, '`', drivers::kMySqlForms, kMySqlLexis},
+     "SET SESSION lock_wait_timeout = ", 1, true, false, '`', drivers::kMySqlForms, kMySqlLexis,
+     false, MariaDbTypeOf},
     {"PostgreSQL", "", "SET lock_timeout = ", "", 1, false, true, '"', drivers::kPlainForms,
-     kPostgresLexis, false, true},
+     kPostgresLexis, false, PostgresTypeOf},
     {"Microsoft SQL Server",
      "",
      "SET LOCK_TIMEOUT ",

@@ -62,8 +62,9 @@ struct Dialect {
   char quote;  // around names
   drivers::ExactForms exactly;
   data::Lexis lexis;
-  bool sqlite = false;        // which has classes of values and no types
-  bool takesNoTypes = false;  // its driver does not tell the server what a parameter is
+  bool sqlite = false;  // which has classes of values and no types
+  // The type that a parameter is cast to, where its driver does not tell the server what it is.
+  std::string (*typeOf)(const data::ParameterValue&) = nullptr;
 };
 const Dialect& DialectOf(std::string_view dbmsName);
 
