@@ -3,6 +3,8 @@
 
 #include <chrono>
 #include <future>
+#include <iterator>
+#include <span>
 
 #include "tests/drivers/server.h"
 
@@ -199,8 +201,10 @@ TEST_F(Transactions, GoOnBehindACommitOrRollbackAmongTheirStatements) {
       },
       [](data::Connection& c, const std::string& sql) { c.Prepare(WithPlaces(sql))->Run({}); },
   };
+  // PostgreSQL's ODBC driver cannot prepare them: it gives two plans one name.
+  const bool prepares = std::string(CurrentDialect().server) != "odbc-postgres";
   int now = 10;
-  for (const Send send : kWays) {
+  for (const Send& send : std::span(kWays).first(prepares ? std::size(kWays) : 2)) {
     for (const bool commit : {true, false}) {
       SCOPED_TRACE(testing::Message()
                    << "way " << &send - kWays << (commit ? " COMMIT" : " ROLLBACK"));
