@@ -27,6 +27,7 @@ set(internal_headers
   data/wireforms.h
   data/wiretexts.h
   database/sqlsplit.h
+  database/tablenames.h
   money/words.h
   os/appendfile.h
   os/commandline.h

@@ -64,7 +64,7 @@ std::string TypeFor(const data::ParameterValue& value) {
 bool IsBlock(std::string_view sql) {
   constexpr std::string_view kBegins = "EXECUTE";
   constexpr std::string_view kBlock = "BLOCK";
-  constexpr std::string_view kBlanks = " \t\r\n";
+  static constexpr std::string_view kBlanks = " \t\r\n";
   const auto takes = [&sql](std::string_view word) {
     const auto upper = [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c; };
     sql.remove_prefix(std::min(sql.find_first_not_of(kBlanks), sql.size()));

@@ -7,6 +7,7 @@
 #include "drivers/common/cursors.h"
 #include "drivers/common/entry.h"
 #include "drivers/common/exactly.h"
+#include "drivers/common/mariadb.h"
 #include "drivers/common/parameters.h"
 #include "drivers/common/statements.h"
 #include "drivers/mysql/errors.h"
@@ -21,11 +22,6 @@ using data::Isolation;
 
 constexpr unsigned kConnectSeconds = 15;
 
-// Strict, whatever the server's own settings: a value that does not fit is an error, never cut or
-// replaced. A program may leave rows unread for as long as a person looks at the first ones.
-constexpr const char* kSession =
-    "SET SESSION sql_mode = CONCAT(@@sql_mode, ',STRICT_ALL_TABLES,ERROR_FOR_DIVISION_BY_ZERO'),"
-    " SESSION net_write_timeout = 86400";
 constexpr const char* kReadCommitted = "SET SESSION TRANSACTION ISOLATION LEVEL READ COMMITTED";
 
 struct CloseConnection {
@@ -118,7 +114,7 @@ void MySqlConnection::Connect(const std::vector<std::pair<std::string, std::stri
   mysql_ = std::move(made);
   transaction_.Attach(mysql_.get());
   try {
-    Execute(kSession);
+    Execute(drivers::kMariaDbSession);
     Execute(kReadCommitted);
     SetLockTimeout(lockMilliseconds_);
   } catch (...) {

@@ -107,12 +107,12 @@ std::string MariaDbTypeOf(const data::ParameterValue& value) {
 }
 
 constexpr Dialect kDialects[] = {
-    {"MariaDB", drivers::kMariaDbSession, "SET SESSION innodb_lock_wait_timeout = ",
-     "SET SESSION lock_wait_timeout = ", 0, true, false, '`', drivers::kMariaDbForms, kMySqlLexis,
-     false, MariaDbTypeOf},
-    {"MySQL", drivers::kMariaDbSession, "SET SESSION innodb_lock_wait_timeout = ",
-     "SET SESSION lock_wait_timeout = ", 1, true, false, '`', drivers::kMySqlForms, kMySqlLexis,
-     false, MariaDbTypeOf},
+    {"MariaDB", drivers::kMariaDbSession,
+     "SET SESSION innodb_lock_wait_timeout = ", "SET SESSION lock_wait_timeout = ", 0, true, false,
+     '`', drivers::kMariaDbForms, kMySqlLexis, false, MariaDbTypeOf},
+    {"MySQL", drivers::kMariaDbSession,
+     "SET SESSION innodb_lock_wait_timeout = ", "SET SESSION lock_wait_timeout = ", 1, true, false,
+     '`', drivers::kMySqlForms, kMySqlLexis, false, MariaDbTypeOf},
     {"PostgreSQL", "", "SET lock_timeout = ", "", 1, false, true, '"', drivers::kPlainForms,
      kPostgresLexis, false, PostgresTypeOf},
     {"Microsoft SQL Server",

@@ -68,11 +68,7 @@ class KVSHARE_API TSQLConnection : public TComponent {
 
   // `name=value`, in the connection file's names, for the driver; names ignore case, the first of
   // doubles counts. LockTimeout is the milliseconds that a statement waits for what another
-  // connection has locked (10000; 0: not at all). AnswerTimeout is the milliseconds that the server
-  // may be silent while its answer is waited for (3600000; 0: for ever): then the connection is
-  // lost. `X TransIsolation`, with any X, is the isolation outside transactions and of xilCUSTOM
-  // (DirtyRead, ReadCommited, RepeatableRead; ReadCommited). A bad value, and a parameter that the
-  // driver cannot honour and that would change something, is refused by its name when connecting.
+  // connection has locked (10000; 0: not at all).
   TStringList Params;
 
   // Setting true connects, false rolls back, closes the queries and never fails. Errors:

@@ -153,7 +153,6 @@ TEST_F(Batches, ThatCommitInOtherWays) {
       {"a procedure that ends nothing", {"11", "CALL KV_NONE()", "11"}, kNothing, ""},
       {"that commits", {"11", "CALL KV_BOTH()", "12", "11"}, kDoubt, "11"},
       {"that takes back and fails", {"11", "CALL KV_BACK()"}, kDoubt, ""},
-      {"a statement in a text", {"11", "EXECUTE IMMEDIATE 'COMMIT'", "11"}, kDoubt, "11"},
   };
   for (const BatchCase& c : cases) ExpectReport(c);
 }

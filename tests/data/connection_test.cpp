@@ -109,43 +109,6 @@ TEST(Connection, LockTimeoutIsANumber) {
   }
 }
 
-// SQLite's driver stands for all here; tests/drivers has the others.
-TEST(Connection, ParametersThatCannotBeHonouredAreNamed) {
-  const TemporaryFolder folder;
-  constexpr std::pair<const char*, const char*> kRefused[] = {
-      {"AnswerTimeout", "soon"}, {"AnswerTimeout", "-1"},           {"AutoCommit", "False"},
-      {"BlobSize", "-2"},        {"SQLITE TransIsolation", "None"}, {"RoleName", "CLERK"},
-      {"Trim Char", "1"},
-  };
-  for (const auto& [name, value] : kRefused) {
-    TSQLConnection connection;
-    UseSqlite(connection, folder.File("x.db"));
-    connection.Params.SetValue(name, value);
-    EXPECT_THAT(
-        ErrorOf(connection),
-        testing::StartsWith(std::string("SQL Server Error: The parameter ") + name + "=" + value));
-    EXPECT_FALSE(connection.Connected());
-  }
-  TSQLConnection connection;
-  UseSqlite(connection, folder.File("x.db"));
-  connection.Params.SetValue("Custom String", "Password=s3cret");
-  EXPECT_EQ(ErrorOf(connection),
-            "SQL Server Error: The parameter Custom String cannot be honoured by this driver");
-}
-
-TEST(Connection, ParametersWithoutEffectDoNoHarm) {
-  const TemporaryFolder folder;
-  TSQLConnection connection;
-  UseSqlite(connection, folder.File("x.db"));
-  constexpr std::pair<const char*, const char*> kTaken[] = {
-      {"AnswerTimeout", "0"}, {"AutoCommit", "True"}, {"BlobSize", "-1"},
-      {"ServerCharSet", "x"}, {"LocaleCode", "0000"}, {"ErrorResourceFile", "C:\\x"},
-      {"SQLDialect", "3"},    {"Trim Char", "False"}, {"SQLITE TransIsolation", "DirtyRead"},
-  };
-  for (const auto& [name, value] : kTaken) connection.Params.SetValue(name, value);
-  EXPECT_NO_THROW(connection.Open());
-}
-
 TEST(Connection, ServersTextsOfAnyLetters) {
   const TemporaryFolder folder;
   TSQLConnection connection;
