@@ -32,7 +32,7 @@ std::optional<int> ExponentOf(std::string_view text) {
 
 std::strong_ordering CompareMagnitudes(const DecimalDigits& a, const DecimalDigits& b) {
   if (a.whole.size() != b.whole.size()) return a.whole.size() <=> b.whole.size();
-  if (const auto order = a.whole <=> b.whole; order != 0) return order;
+  if (const auto order = a.whole <=> b.whole; std::is_neq(order)) return order;
   return a.decimals <=> b.decimals;
 }
 
@@ -133,7 +133,7 @@ bool AppendDecimal(std::string& out, std::string_view text) {
   }
   all.resize(all.find_last_not_of('0') + 1);
   const int before = static_cast<int>(digits->whole.size()) + exponent - static_cast<int>(zeros);
-  AppendWithPoint(out, negative, std::string_view(all).substr(zeros), before);
+  AppendWithPoint(out, negative, std::string_view{all}.substr(zeros), before);
   return true;
 }
 

@@ -107,7 +107,7 @@ bool AppendDate(std::string& out, std::string_view text) {
   const std::size_t begin = out.size();
   out.append(text.substr(0, 4)).append(text.substr(5, 2)).append(text.substr(8, 2));
   char room[kDateRoom];
-  return PutDate(room, std::string_view(out).substr(begin)) != 0;
+  return PutDate(room, std::string_view{out}.substr(begin)) != 0;
 }
 
 // hh:mm:ss[.fff] as hh:mm:ssfff.
@@ -117,7 +117,7 @@ bool AppendTime(std::string& out, std::string_view text) {
   out.append(text.substr(0, kTime));
   out.append(text.size() == kTime ? "000" : text.substr(kTime + 1));
   char room[kTimeRoom];
-  return PutTime(room, std::string_view(out).substr(begin)) != 0;
+  return PutTime(room, std::string_view{out}.substr(begin)) != 0;
 }
 
 bool AppendMoment(std::string& out, std::string_view text) {

@@ -180,7 +180,7 @@ void UpdateSql::MomentCondition(const UpdateColumn& column, const Cell& value, T
   Add(" and ");
   Add(column.name);
   Add(" < ");
-  AddPlace(WireValueOf(Cell::Of(std::string_view(*next)), form));
+  AddPlace(WireValueOf(Cell::Of(std::string_view{*next}), form));
 }
 
 }  // namespace kvshare::data
