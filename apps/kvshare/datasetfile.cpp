@@ -59,9 +59,9 @@ void SizeByColumn(TFieldDef& def, std::size_t longest) {
 void DefineFields(TClientDataSet& set, const TextTable& table,
                   const std::vector<TFieldDef>& fields) {
   std::vector<TFieldDef> defs;
-  for (std::size_t i = 0; i < table.Names().size(); ++i) {
+  for (const auto& name : table.Names()) {
     TFieldDef def;
-    def.Name = table.Names()[i];
+    def.Name = name;
     def.DataType = TFieldType::ftString;
     defs.push_back(std::move(def));
   }

@@ -363,7 +363,8 @@ TEST_P(DriverSuite, TablesAndViewsHaveTheirNames) {
 
 // Servers differ in the order; a first name that begins and ends alike looks quoted.
 TEST_P(DriverSuite, TableNamesOfAnyFormComeWhole) {
-  const std::vector<std::string> plain = {"aKV_TESTa", "kv_test_k", std::string("KV_TESTข"_th)};
+  std::vector<std::string> plain = {"aKV_TESTa", "kv_test_k"};
+  plain.emplace_back("KV_TESTข"_th);
   std::vector<std::string> odd = plain;
   for (const char* name : {"\"KV_TEST\"", "KV_TEST`", "[KV_TEST]", "KV_TEST.A"})
     odd.emplace_back(name);

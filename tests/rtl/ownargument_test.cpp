@@ -22,15 +22,18 @@ std::string_view BehindFirst(const std::string& text) {
 
 TEST(OwnArgument, OfATextThatGrows) {
   const TDateTime day = EncodeDate(2026, 11, 24);
+  std::string thai;
+  thai += "บาทถ้วนบาทถ้วนบาทถ้วน"_th;
+  const std::string behind = "x" + thai;
   const struct {
     const char* routine;
-    std::string start;
+    std::string_view start;
     void (*grow)(std::string& out, TDateTime day);
-    std::string grown;  // what stands behind `start` then
+    std::string_view grown;  // what stands behind `start` then
   } cases[] = {
-      {"AppendUtf8", std::string("บาทถ้วนบาทถ้วนบาทถ้วน"_th),
-       [](std::string& out, TDateTime) { AppendUtf8(out, out); }, "บาทถ้วนบาทถ้วนบาทถ้วน"},
-      {"AppendUtf8 of a part", std::string("xบาทถ้วนบาทถ้วนบาทถ้วน"_th),
+      {"AppendUtf8", thai, [](std::string& out, TDateTime) { AppendUtf8(out, out); },
+       "บาทถ้วนบาทถ้วนบาทถ้วน"},
+      {"AppendUtf8 of a part", behind,
        [](std::string& out, TDateTime) { AppendUtf8(out, BehindFirst(out)); },
        "บาทถ้วนบาทถ้วนบาทถ้วน"},
       {"AppendCp874", "twenty letters twenty letters",
@@ -62,10 +65,10 @@ TEST(OwnArgument, OfATextThatGrows) {
        "a pattern with a long text 24/11/2026"},
   };
   for (const auto& c : cases) {
-    std::string text = c.start;
+    std::string text(c.start);
     text.shrink_to_fit();
     c.grow(text, day);
-    EXPECT_EQ(text, c.start + c.grown) << c.routine;
+    EXPECT_EQ(text, std::string(c.start).append(c.grown)) << c.routine;
   }
   std::string text = "twenty letters twenty letters";
   Insert(BehindFirst(text), text, 2);
