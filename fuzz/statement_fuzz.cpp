@@ -1,31 +1,40 @@
 // Statements: taking the places out and putting them in again gives the statement, by the rules of
-// every server.
+// every server and of none.
 #include <cstdint>
 #include <cstdlib>
 #include <string>
 
-#include "kvshare/data/sqlparams.h"
+#include "kvshare/data/statement.h"
 
 using kvshare::data::Lexis;
 
-static Lexis LexisOf(std::uint8_t bits) {
-  return {.backslashEscapes = (bits & 1) != 0,
-          .hashComments = (bits & 2) != 0,
-          .dashesNeedBlank = (bits & 2) != 0,
-          .backticks = (bits & 4) != 0,
-          .brackets = (bits & 8) != 0,
-          .nestedComments = (bits & 16) != 0,
-          .dollarQuotes = (bits & 32) != 0,
-          .escapeTexts = (bits & 32) != 0,
-          .alternativeQuotes = (bits & 64) != 0,
-          .subscripts = (bits & 32) != 0,
-          .blocks = (bits & 128) != 0};
+// One bit for each flag, in their order.
+static Lexis LexisOf(unsigned bits) {
+  const auto next = [&bits] {
+    const bool set = (bits & 1) != 0;
+    bits >>= 1;
+    return set;
+  };
+  return {.backslashEscapes = next(),
+          .escapesInDoubleQuotes = next(),
+          .hashComments = next(),
+          .dashesNeedBlank = next(),
+          .codeComments = next(),
+          .backticks = next(),
+          .brackets = next(),
+          .nestedComments = next(),
+          .dollarQuotes = next(),
+          .escapeTexts = next(),
+          .alternativeQuotes = next(),
+          .subscripts = next(),
+          .questionOperators = next(),
+          .blocks = next()};
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  if (size == 0) return 0;
-  const std::string sql(reinterpret_cast<const char*>(data + 1), size - 1);
-  const auto parsed = kvshare::data::ParseStatement(sql, LexisOf(data[0]));
+  if (size < 2) return 0;
+  const std::string sql(reinterpret_cast<const char*>(data + 2), size - 2);
+  const auto parsed = kvshare::data::ParseStatement(sql, LexisOf(data[0] | data[1] << 8U));
   if (parsed.texts.size() != parsed.names.size() + 1) std::abort();
   std::string again = parsed.texts.front();
   for (std::size_t i = 0; i < parsed.names.size(); ++i) {

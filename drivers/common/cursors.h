@@ -67,10 +67,10 @@ class MemoryRows {
     return true;
   }
   bool IsNull(int column) const { return At(column).null; }
-  std::int64_t Integer(int column) const { return Readable(column).integer; }
-  double Float(int column) const { return Readable(column).real; }
+  std::int64_t Integer(int column) const { return Value(column).integer; }
+  double Float(int column) const { return Value(column).real; }
   std::string_view Text(int column) const {
-    const Cell& cell = Readable(column);
+    const Cell& cell = Value(column);
     const std::string_view all = texts_;
     return all.substr(cell.offset, cell.size);
   }
@@ -90,11 +90,10 @@ class MemoryRows {
   template <typename Source>
   Cell CellOf(const Source& source, std::size_t column) {
     Cell cell;
-    const int i = static_cast<int>(column);
-    cell.null = source.IsNull(i);
-    if (cell.null) return cell;
     try {
-      ReadCell(cell, source, column);
+      const int i = static_cast<int>(column);
+      cell.null = source.IsNull(i);
+      if (!cell.null) Read(cell, source, i);
     } catch (const data::DriverError& refusal) {
       cell.refused = true;
       cell.offset = refusals_.size();
@@ -103,26 +102,25 @@ class MemoryRows {
     return cell;
   }
   template <typename Source>
-  void ReadCell(Cell& cell, const Source& source, std::size_t column) {
-    const int i = static_cast<int>(column);
-    switch (kinds_[column]) {
+  void Read(Cell& cell, const Source& source, int column) {
+    switch (kinds_[static_cast<std::size_t>(column)]) {
       case data::ColumnKind::Integer:
       case data::ColumnKind::Largeint:
       case data::ColumnKind::Boolean:
-        cell.integer = source.Integer(i);
+        cell.integer = source.Integer(column);
         break;
       case data::ColumnKind::Float:
-        cell.real = source.Float(i);
+        cell.real = source.Float(column);
         break;
       default: {
-        const std::string_view text = source.Text(i);
+        const std::string_view text = source.Text(column);
         cell.offset = texts_.size();
         cell.size = text.size();
         texts_ += text;
       }
     }
   }
-  const Cell& Readable(int column) const {
+  const Cell& Value(int column) const {
     const Cell& cell = At(column);
     if (cell.refused) throw data::DriverError(refusals_[cell.offset]);
     return cell;

@@ -201,10 +201,10 @@ std::unique_ptr<data::Cursor> FirebirdConnection::Query(std::string_view sql) {
 
 std::unique_ptr<data::Cursor> FirebirdConnection::Query(
     const data::StatementParts& parts, std::span<const data::ParameterValue> parameters) {
-  const std::vector<data::ParameterValue> values = drivers::ValuesByPlace(parts.places, parameters);
-  const std::string sql = MarkedFor(parts, values);
-  return Watched<std::unique_ptr<data::Cursor>>(drivers::EndingOf(sql),
-                                                [&] { return QueryOnce(sql, values); });
+  const drivers::TypedStatement typed = TypedFor(parts, parameters);
+  const std::vector<data::ParameterValue> values = drivers::ValuesByMark(typed, parameters);
+  return Watched<std::unique_ptr<data::Cursor>>(drivers::EndingOf(typed.sql),
+                                                [&] { return QueryOnce(typed.sql, values); });
 }
 
 std::int64_t FirebirdConnection::ExecuteOnce(std::string_view sql) {
@@ -225,33 +225,31 @@ std::int64_t FirebirdConnection::ExecuteOnce(std::string_view sql) {
 
 class Prepared final : public data::PreparedStatement {
  public:
-  Prepared(FirebirdConnection& connection, Statement statement, std::vector<std::size_t> places,
-           drivers::Ending ending)
+  Prepared(FirebirdConnection& connection, Statement statement, drivers::TypedStatement typed)
       : connection_(connection),
         statement_(std::move(statement)),
-        places_(std::move(places)),
-        ending_(ending) {}
+        typed_(std::move(typed)),
+        ending_(drivers::EndingOf(typed_.sql)) {}
 
   std::int64_t Run(std::span<const data::ParameterValue> parameters) override {
-    return connection_.Run(statement_, drivers::ValuesByPlace(places_, parameters), ending_);
+    return connection_.Run(statement_, drivers::ValuesByMark(typed_, parameters), ending_);
   }
 
  private:
   FirebirdConnection& connection_;
   Statement statement_;
-  std::vector<std::size_t> places_;
+  drivers::TypedStatement typed_;
   drivers::Ending ending_;
 };
 
 std::unique_ptr<data::PreparedStatement> FirebirdConnection::Prepare(
     const data::StatementParts& parts) {
-  const std::string sql = drivers::MarkedByQuestions(parts);
   std::optional<Transaction> own = OwnTransaction();
-  Statement statement(database_, own ? *own : transaction_, sql, dialect_);
+  drivers::TypedStatement typed = drivers::TypedByQuestions(parts);
+  Statement statement(database_, own ? *own : transaction_, typed.sql, dialect_);
   PrepareColumns(statement.Columns());
   if (own) own->Commit();
-  return std::make_unique<Prepared>(*this, std::move(statement), parts.places,
-                                    drivers::EndingOf(sql));
+  return std::make_unique<Prepared>(*this, std::move(statement), std::move(typed));
 }
 
 std::int64_t FirebirdConnection::RunOnce(Statement& statement,

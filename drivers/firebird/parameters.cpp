@@ -148,10 +148,10 @@ struct Bind {
 
 }  // namespace
 
-std::string MarkedFor(const data::StatementParts& statement,
-                      std::span<const data::ParameterValue> values) {
-  if (IsBlock(statement.texts.front())) return drivers::MarkedByQuestions(statement);
-  return drivers::MarkedByTypes(statement, values, TypeFor);
+drivers::TypedStatement TypedFor(const data::StatementParts& statement,
+                                 std::span<const data::ParameterValue> parameters) {
+  if (IsBlock(statement.texts.front())) return drivers::TypedByQuestions(statement);
+  return drivers::TypedByQuestions(statement, parameters, TypeFor);
 }
 
 Descriptor BoundParameters(isc_db_handle& database, Transaction& transaction, Statement& statement,

@@ -133,9 +133,17 @@ void MySqlConnection::Send(std::string_view sql) {
   if (mysql_real_query(mysql_.get(), sql.data(), sql.size()) != 0) Fail(mysql_.get());
 }
 
+// With the session's sql_mode, which the server tells with each answer.
 data::Lexis MySqlConnection::StatementLexis() const {
-  return {
-      .backslashEscapes = true, .hashComments = true, .dashesNeedBlank = true, .backticks = true};
+  unsigned status = 0;
+  if (mysql_) mariadb_get_infov(mysql_.get(), MARIADB_CONNECTION_SERVER_STATUS, &status);
+  const bool escapes = (status & SERVER_STATUS_NO_BACKSLASH_ESCAPES) == 0;
+  return {.backslashEscapes = escapes,
+          .escapesInDoubleQuotes = escapes && (status & SERVER_STATUS_ANSI_QUOTES) == 0,
+          .hashComments = true,
+          .dashesNeedBlank = true,
+          .codeComments = true,
+          .backticks = true};
 }
 
 std::int64_t MySqlConnection::Execute(std::string_view sql) {

@@ -115,11 +115,9 @@ class OdbcConnection final : public data::Connection {
                    std::span<const data::ParameterValue> parameters) const {
     const Dialect& dialect = DialectOf(dbms_);
     if (dialect.sqlite) return PlacedForSqlite(parts, parameters);
-    std::vector<data::ParameterValue> values = drivers::ValuesByPlace(parts.places, parameters);
-    const std::string text = dialect.typeOf != nullptr
-                                 ? drivers::MarkedByTypes(parts, values, dialect.typeOf)
-                                 : drivers::MarkedByQuestions(parts);
-    return {ToUtf16(text), std::move(values)};
+    const drivers::TypedStatement typed =
+        drivers::TypedByQuestions(parts, parameters, dialect.typeOf, dialect.nullTests);
+    return {ToUtf16(typed.sql), drivers::ValuesByMark(typed, parameters)};
   }
   void Prepare(const Handle& statement, std::u16string& text) const {
     statement.Check(
@@ -154,12 +152,14 @@ class OdbcConnection final : public data::Connection {
   std::vector<std::string> ReadTableNames(bool system);
   void StartSession();
   bool GivesUtf8Bytes();
+  bool HasPlainBackslashes();
 
   Handle environment_;
   Handle connection_;
   bool connected_ = false;
   bool oneAtATime_ = false;
   TextRules texts_;
+  bool plainBackslashes_ = false;
   std::int32_t lockMilliseconds_ = 10'000;
   std::string dbms_;
   drivers::OpenCursors open_;
@@ -202,6 +202,7 @@ void OdbcConnection::StartSession() {
                      SQL_IS_UINTEGER);
   texts_.utf8Bytes = GivesUtf8Bytes();
   if (const std::string_view session = DialectOf(dbms_).session; !session.empty()) Execute(session);
+  plainBackslashes_ = HasPlainBackslashes();
   SetLockTimeout(lockMilliseconds_);
 }
 
@@ -333,7 +334,18 @@ std::unique_ptr<data::Cursor> OdbcConnection::Query(
 }
 
 data::Lexis OdbcConnection::StatementLexis() const {
-  return DialectOf(dbms_).lexis;
+  data::Lexis lexis = DialectOf(dbms_).lexis;
+  lexis.backslashEscapes = lexis.backslashEscapes && !plainBackslashes_;
+  lexis.escapesInDoubleQuotes = lexis.escapesInDoubleQuotes && !plainBackslashes_;
+  return lexis;
+}
+
+// The servers whose quoted texts have escapes can be told to do without.
+bool OdbcConnection::HasPlainBackslashes() {
+  if (!DialectOf(dbms_).lexis.backslashEscapes) return false;
+  const auto mode = Query("SELECT @@sql_mode");
+  return mode->Next() && !mode->IsNull(0) &&
+         mode->Text(0).find("NO_BACKSLASH_ESCAPES") != std::string_view::npos;
 }
 
 // Of a statement that has been executed.

@@ -86,10 +86,17 @@ DriverError::Kind KindOf(const Report& report) {
 
 constexpr drivers::ExactForms kSqlServerForms{{"", " COLLATE Latin1_General_BIN2"}, {"", ""}};
 
-constexpr data::Lexis kMySqlLexis{
-    .backslashEscapes = true, .hashComments = true, .dashesNeedBlank = true, .backticks = true};
-constexpr data::Lexis kPostgresLexis{
-    .nestedComments = true, .dollarQuotes = true, .escapeTexts = true, .subscripts = true};
+constexpr data::Lexis kMySqlLexis{.backslashEscapes = true,
+                                  .escapesInDoubleQuotes = true,
+                                  .hashComments = true,
+                                  .dashesNeedBlank = true,
+                                  .codeComments = true,
+                                  .backticks = true};
+constexpr data::Lexis kPostgresLexis{.nestedComments = true,
+                                     .dollarQuotes = true,
+                                     .escapeTexts = true,
+                                     .subscripts = true,
+                                     .questionOperators = true};
 
 // Without it the server reads a moment beside a day as a day.
 std::string PostgresTypeOf(const data::ParameterValue& value) {
@@ -107,36 +114,41 @@ std::string MariaDbTypeOf(const data::ParameterValue& value) {
 }
 
 constexpr Dialect kDialects[] = {
-    {"MariaDB", drivers::kMariaDbSession,
-     "SET SESSION innodb_lock_wait_timeout = ", "SET SESSION lock_wait_timeout = ", 0, true, false,
-     '`', drivers::kMariaDbForms, kMySqlLexis, false, MariaDbTypeOf},
-    {"MySQL", drivers::kMariaDbSession,
-     "SET SESSION innodb_lock_wait_timeout = ", "SET SESSION lock_wait_timeout = ", 1, true, false,
-     '`', drivers::kMySqlForms, kMySqlLexis, false, MariaDbTypeOf},
-    {"PostgreSQL", "", "SET lock_timeout = ", "", 1, false, true, '"', drivers::kPlainForms,
-     kPostgresLexis, false, PostgresTypeOf},
-    {"Microsoft SQL Server",
-     "",
-     "SET LOCK_TIMEOUT ",
-     "",
-     0,
-     false,
-     false,
-     '"',
-     kSqlServerForms,
-     {.brackets = true, .nestedComments = true}},
-    {"SQLite",
-     "",
-     "",
-     "",
-     0,
-     false,
-     false,
-     '"',
-     drivers::kPlainSqliteForms,
-     {.backticks = true, .brackets = true},
-     true},
-    {"", "", "", "", 0, false, false, '"', drivers::kPlainForms, {}},
+    {.name = "MariaDB",
+     .session = drivers::kMariaDbSession,
+     .lockTimeout = "SET SESSION innodb_lock_wait_timeout = ",
+     .lockTimeoutToo = "SET SESSION lock_wait_timeout = ",
+     .inSeconds = true,
+     .quote = '`',
+     .exactly = drivers::kMariaDbForms,
+     .lexis = kMySqlLexis,
+     .typeOf = MariaDbTypeOf},
+    {.name = "MySQL",
+     .session = drivers::kMariaDbSession,
+     .lockTimeout = "SET SESSION innodb_lock_wait_timeout = ",
+     .lockTimeoutToo = "SET SESSION lock_wait_timeout = ",
+     .leastTimeout = 1,
+     .inSeconds = true,
+     .quote = '`',
+     .exactly = drivers::kMySqlForms,
+     .lexis = kMySqlLexis,
+     .typeOf = MariaDbTypeOf},
+    {.name = "PostgreSQL",
+     .lockTimeout = "SET lock_timeout = ",
+     .leastTimeout = 1,
+     .failureEndsTransaction = true,
+     .lexis = kPostgresLexis,
+     .typeOf = PostgresTypeOf,
+     .nullTests = drivers::NullTests::Typed},
+    {.name = "Microsoft SQL Server",
+     .lockTimeout = "SET LOCK_TIMEOUT ",
+     .exactly = kSqlServerForms,
+     .lexis = {.brackets = true, .nestedComments = true}},
+    {.name = "SQLite",
+     .exactly = drivers::kPlainSqliteForms,
+     .lexis = {.backticks = true, .brackets = true},
+     .sqlite = true},
+    {.name = ""},
 };
 
 }  // namespace

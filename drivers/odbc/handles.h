@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "drivers/common/exactly.h"
+#include "drivers/common/statements.h"
 #include "kvshare/data/driver.h"
 
 namespace kvshare::odbc {
@@ -50,21 +51,26 @@ inline SQLPOINTER Number(std::uintptr_t value) {
   return reinterpret_cast<SQLPOINTER>(value);  // NOLINT(performance-no-int-to-ptr)
 }
 
+inline std::string NoType(const data::ParameterValue& /*any*/) {
+  return {};
+}
+
 // What ODBC leaves to each server.
 struct Dialect {
-  std::string_view name;       // as SQL_DBMS_NAME begins
-  const char* session;         // sent once; "" where nothing is needed
-  const char* lockTimeout;     // sent with the number behind it; "" where there is none
-  const char* lockTimeoutToo;  // a second one
-  std::int32_t leastTimeout;   // where 0 would mean for ever
-  bool inSeconds;
-  bool failureEndsTransaction;
-  char quote;  // around names
-  drivers::ExactForms exactly;
-  data::Lexis lexis;
+  std::string_view name;            // as SQL_DBMS_NAME begins
+  const char* session = "";         // sent once; "" where nothing is needed
+  const char* lockTimeout = "";     // sent with the number behind it; "" where there is none
+  const char* lockTimeoutToo = "";  // a second one
+  std::int32_t leastTimeout = 0;    // where 0 would mean for ever
+  bool inSeconds = false;
+  bool failureEndsTransaction = false;
+  char quote = '"';  // around names
+  drivers::ExactForms exactly = drivers::kPlainForms;
+  data::Lexis lexis = {};
   bool sqlite = false;  // which has classes of values and no types
   // The type that a parameter is cast to, where its driver does not tell the server what it is.
-  std::string (*typeOf)(const data::ParameterValue&) = nullptr;
+  drivers::TypeOfValue typeOf = NoType;
+  drivers::NullTests nullTests = drivers::NullTests::Plain;
 };
 const Dialect& DialectOf(std::string_view dbmsName);
 

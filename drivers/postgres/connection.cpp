@@ -2,9 +2,9 @@
 #include <libpq-fe.h>
 
 #include <array>
-#include <charconv>
 #include <memory>
 #include <string>
+#include <unordered_map>
 
 #include "drivers/common/cursors.h"
 #include "drivers/common/entry.h"
@@ -13,6 +13,7 @@
 #include "drivers/common/statements.h"
 #include "drivers/common/transaction.h"
 #include "drivers/postgres/errors.h"
+#include "drivers/postgres/parameters.h"
 #include "drivers/postgres/rows.h"
 #include "kvshare/data/driver.h"
 
@@ -31,70 +32,6 @@ struct FinishConnection {
 };
 using Handle = std::unique_ptr<PGconn, FinishConnection>;
 
-// The values of a statement's parameters as the client takes them.
-class Values {
- public:
-  explicit Values(std::span<const data::ParameterValue> parameters) {
-    texts_.reserve(parameters.size());
-    for (const data::ParameterValue& value : parameters) std::visit(*this, value);
-    for (std::size_t i = 0; i < texts_.size(); ++i) {
-      pointers_.push_back(nulls_[i] ? nullptr : texts_[i].data());
-      lengths_.push_back(static_cast<int>(texts_[i].size()));
-    }
-  }
-
-  void operator()(std::monostate) { Add({}, 0, kFromPlace, true); }
-  void operator()(std::int64_t value) { Add(std::to_string(value), 0); }
-  void operator()(double value) { Add(drivers::FromFloat(value), 0); }
-  void operator()(const std::string& text) {
-    drivers::RefuseZeroByte(text);
-    Add(text, 0);
-  }
-  void operator()(const data::Bytes& value) { Add(value.bytes, 1, kBytea); }
-  void operator()(const data::Decimal& value) { Add(value.digits, 0, kNumeric); }
-  void operator()(const data::Moment& value) { Add(value.text, 0, TypeOf(value.kind)); }
-
-  const std::vector<Oid>& Types() const { return types_; }
-
-  Result RunPrepared(PGconn* connection, const std::string& name) const {
-    return Result(PQexecPrepared(connection, name.c_str(), static_cast<int>(texts_.size()),
-                                 pointers_.data(), lengths_.data(), formats_.data(), 0));
-  }
-  bool Send(PGconn* connection, const std::string& sql) const {
-    return PQsendQueryParams(connection, sql.c_str(), static_cast<int>(texts_.size()),
-                             types_.data(), pointers_.data(), lengths_.data(), formats_.data(),
-                             0) == 1;
-  }
-
- private:
-  // The server's numbers of types. It finds the type of the others from the place where they stand.
-  static constexpr Oid kFromPlace = 0;
-  static constexpr Oid kBytea = 17;
-  static constexpr Oid kDate = 1082;
-  static constexpr Oid kTime = 1083;
-  static constexpr Oid kTimeStamp = 1114;
-  static constexpr Oid kNumeric = 1700;
-
-  static constexpr Oid TypeOf(data::ColumnKind kind) {
-    if (kind == data::ColumnKind::Date) return kDate;
-    return kind == data::ColumnKind::Time ? kTime : kTimeStamp;
-  }
-
-  void Add(std::string text, int format, Oid type = kFromPlace, bool null = false) {
-    texts_.push_back(std::move(text));
-    nulls_.push_back(null);
-    formats_.push_back(format);
-    types_.push_back(type);
-  }
-
-  std::vector<std::string> texts_;
-  std::vector<bool> nulls_;
-  std::vector<const char*> pointers_;
-  std::vector<int> lengths_;
-  std::vector<int> formats_;
-  std::vector<Oid> types_;
-};
-
 class PostgresConnection final : public data::Connection {
  public:
   ~PostgresConnection() override { Disconnect(); }
@@ -104,6 +41,7 @@ class PostgresConnection final : public data::Connection {
     open_.AbandonAll();
     state_ = {};
     postgres_.reset();
+    types_.clear();
   }
   std::int64_t Execute(std::string_view sql) override;
   std::unique_ptr<data::Cursor> Query(std::string_view sql) override;
@@ -124,12 +62,15 @@ class PostgresConnection final : public data::Connection {
   PGconn* Ready(std::string_view sql);
   // The rows that `sql` changed, once it has ended well; notices where it ended the transaction.
   std::int64_t RowsChanged(const Result& result, std::string_view sql);
+  // Prepares the statement under the name, with types for its values that the server can do with.
+  void Tell(Values& values, const std::string& name);
 
  private:
   void Command(const char* sql);
   void BeginAnew();
   void LookForEnd(std::string_view tag, std::string_view sql);
   [[noreturn]] void Fail(const PGresult* result, std::string_view sql);
+  void FindTypes(Values& values, const std::string& sql);
   std::unique_ptr<data::Cursor> RowsSent(std::string_view sql);
 
   Handle postgres_;
@@ -137,7 +78,8 @@ class PostgresConnection final : public data::Connection {
   drivers::TransactionState state_;
   Isolation isolation_ = Isolation::ReadCommitted;  // of the active transaction
   std::int32_t lockMilliseconds_ = 10'000;
-  int prepared_ = 0;  // statements so far, for their names
+  int prepared_ = 0;                                         // statements so far, for their names
+  std::unordered_map<std::string, std::vector<Oid>> types_;  // of statements that have been seen
   bool trimCharacters_ = false;
 };
 
@@ -225,26 +167,23 @@ std::int64_t PostgresConnection::RowsChanged(const Result& result, std::string_v
 // The server is told the statement with the first values, whose types it has to know.
 class Prepared final : public data::PreparedStatement {
  public:
-  Prepared(PostgresConnection& connection, std::string name, std::string sql)
-      : connection_(connection), name_(std::move(name)), sql_(std::move(sql)) {}
+  Prepared(PostgresConnection& connection, std::string name, drivers::TypedStatement statement)
+      : connection_(connection), name_(std::move(name)), statement_(std::move(statement)) {}
   ~Prepared() override { Forget(); }
 
   std::int64_t Run(std::span<const data::ParameterValue> parameters) override {
-    PGconn* postgres = connection_.Ready(sql_);
-    const Values values(parameters);
-    if (postgres_ == nullptr || types_ != values.Types()) Tell(postgres, values.Types());
-    return connection_.RowsChanged(values.RunPrepared(postgres, name_), sql_);
+    PGconn* postgres = connection_.Ready(statement_.sql);
+    Values values(statement_, parameters);
+    if (postgres_ == nullptr || !values.Fit(types_)) {
+      Forget();
+      connection_.Tell(values, name_);
+      postgres_ = postgres;
+      types_ = values.Types();
+    }
+    return connection_.RowsChanged(values.RunPrepared(postgres, name_), statement_.sql);
   }
 
  private:
-  void Tell(PGconn* postgres, const std::vector<Oid>& types) {
-    Forget();
-    const Result told(PQprepare(postgres, name_.c_str(), sql_.c_str(),
-                                static_cast<int>(types.size()), types.data()));
-    if (PQresultStatus(told.get()) != PGRES_COMMAND_OK) postgres::Fail(postgres, told.get());
-    postgres_ = postgres;
-    types_ = types;
-  }
   void Forget() noexcept {
     if (PGconn* postgres = std::exchange(postgres_, nullptr)) {
       const Result forgotten(PQexec(postgres, ("DEALLOCATE " + name_).c_str()));
@@ -253,20 +192,59 @@ class Prepared final : public data::PreparedStatement {
 
   PostgresConnection& connection_;
   std::string name_;
-  std::string sql_;
+  drivers::TypedStatement statement_;
   PGconn* postgres_ = nullptr;  // that knows the statement
   std::vector<Oid> types_;
 };
 
+// Most types come from the places of the values. Where that fails, the values' own types are tried.
+void PostgresConnection::Tell(Values& values, const std::string& name) {
+  PGconn* postgres = postgres_.get();
+  // A failure would be the end of a transaction.
+  const bool saved = values.AnyFromPlace() && PQtransactionStatus(postgres) == PQTRANS_INTRANS;
+  if (saved) Command("SAVEPOINT kvshare_types");
+  Result first;
+  for (;;) {
+    Result told = values.Prepare(postgres, name);
+    if (PQresultStatus(told.get()) == PGRES_COMMAND_OK) break;
+    if (!IsAboutTypes(told.get())) Fail(told.get(), {});
+    const bool other = values.TakeOwnTypes(told.get());
+    if (!first) first = std::move(told);
+    if (!other) Fail(first.get(), {});
+    if (saved) Command("ROLLBACK TO SAVEPOINT kvshare_types");
+  }
+  if (saved) Command("RELEASE SAVEPOINT kvshare_types");
+}
+
+// A statement is asked about when it is seen for the first time with values of these types.
+void PostgresConnection::FindTypes(Values& values, const std::string& sql) {
+  if (!values.AnyFromPlace()) return;
+  std::string key = sql;
+  for (const Oid type : values.OwnTypes()) key.append(" ").append(std::to_string(type));
+  if (const auto known = types_.find(key); known != types_.end()) {
+    values.SetTypes(known->second);
+    return;
+  }
+  Tell(values, "");
+  constexpr std::size_t kMost = 256;
+  if (types_.size() >= kMost) types_.clear();
+  types_.emplace(std::move(key), values.Types());
+}
+
 data::Lexis PostgresConnection::StatementLexis() const {
-  return {.nestedComments = true, .dollarQuotes = true, .escapeTexts = true, .subscripts = true};
+  return {.nestedComments = true,
+          .dollarQuotes = true,
+          .escapeTexts = true,
+          .subscripts = true,
+          .questionOperators = true};
 }
 
 std::unique_ptr<data::PreparedStatement> PostgresConnection::Prepare(
     const data::StatementParts& statement) {
-  std::string sql = drivers::MarkedByNumbers(statement);
-  Ready(sql);
-  return std::make_unique<Prepared>(*this, "kvshare" + std::to_string(++prepared_), std::move(sql));
+  drivers::TypedStatement typed = drivers::TypedByNumbers(statement);
+  Ready(typed.sql);
+  return std::make_unique<Prepared>(*this, "kvshare" + std::to_string(++prepared_),
+                                    std::move(typed));
 }
 
 std::unique_ptr<data::Cursor> PostgresConnection::Query(std::string_view sql) {
@@ -277,11 +255,12 @@ std::unique_ptr<data::Cursor> PostgresConnection::Query(std::string_view sql) {
 
 std::unique_ptr<data::Cursor> PostgresConnection::Query(
     const data::StatementParts& statement, std::span<const data::ParameterValue> parameters) {
-  drivers::CheckParameters(statement.Parameters(), parameters.size());
-  const std::string sql = drivers::MarkedByNumbers(statement);
-  Ready(sql);
-  if (!Values(parameters).Send(postgres_.get(), sql)) Fail(nullptr, sql);
-  return RowsSent(sql);
+  const drivers::TypedStatement typed = drivers::TypedByNumbers(statement);
+  Ready(typed.sql);
+  Values values(typed, parameters);
+  FindTypes(values, typed.sql);
+  if (!values.Send(postgres_.get())) Fail(nullptr, typed.sql);
+  return RowsSent(typed.sql);
 }
 
 // Of the statement that has been sent.

@@ -63,6 +63,18 @@ struct Binder {
   int operator()(const data::Moment& /*moment*/) const { return SQLITE_MISMATCH; }
 };
 
+// The server would read Null where it is given no value: that is refused. Ours are the first `slots`
+// places, and have no name; `?5` is one, and brings four without.
+void RefuseForeign(sqlite3_stmt* statement, std::size_t slots) {
+  const int places = sqlite3_bind_parameter_count(statement);
+  const char* foreign = static_cast<std::size_t>(places) > slots ? "?" : nullptr;
+  for (int i = 1; i <= places; ++i) {
+    if (const char* name = sqlite3_bind_parameter_name(statement, i)) foreign = name;
+  }
+  if (foreign == nullptr) return;
+  throw DriverError("The parameter " + std::string(foreign) + " has been given no value");
+}
+
 // A statement with places, as the server has it for values of certain classes.
 struct PlacedStatement {
   MarkedStatement marked;
@@ -70,8 +82,8 @@ struct PlacedStatement {
 
   void Bind(sqlite3* database, std::span<const data::ParameterValue> values,
             sqlite3_destructor_type lifetime) const {
-    const int places = sqlite3_bind_parameter_count(statement.get());
-    CheckParameters(static_cast<std::size_t>(places), marked.Slots());
+    RefuseForeign(statement.get(), marked.Slots());
+    const int places = static_cast<int>(marked.Slots());
     data::ParameterValue made;
     for (int i = 0; i < places; ++i) {
       const data::ParameterValue& value = marked.Value(static_cast<std::size_t>(i), values, made);
@@ -203,7 +215,9 @@ void SqliteConnection::LookForEnd() {
 std::int64_t SqliteConnection::Execute(std::string_view sql) {
   CheckTransaction();
   const Statement statement = sqlite::Prepare(database_.get(), sql);
-  return statement ? RunToEnd(statement.get()) : 0;
+  if (!statement) return 0;
+  RefuseForeign(statement.get(), 0);
+  return RunToEnd(statement.get());
 }
 
 std::int64_t SqliteConnection::RunToEnd(sqlite3_stmt* statement) {

@@ -30,11 +30,6 @@ constexpr bool IsPlain(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
 }
 
-// A plain name goes unquoted: servers fold its letter case as they did for the table's own.
-std::string ColumnName(const std::string& name, const data::Connection& wire) {
-  return std::ranges::all_of(name, IsPlain) ? name : wire.Quoted(name);
-}
-
 data::ColumnKind KindOf(TFieldForm form) {
   switch (form) {
     case TFieldForm::Text:
@@ -92,11 +87,14 @@ data::UpdateTarget TClientDataSet::TargetOf(const TDataSetProvider& provider) co
   data::UpdateTarget target;
   target.table = provider.ResolvedTable();
   target.mode = provider.UpdateMode;
-  const data::Connection& wire = provider.SQLConnection().Wire();
+  // A plain name goes unquoted: servers fold its letter case as they did for the table's own.
+  const auto columnName = [&](const std::string& name) {
+    return std::ranges::all_of(name, IsPlain) ? name : provider.SQLConnection().Quoted(name);
+  };
   for (int i = 0; i < records_->Layout().Columns(); ++i) {
     const TField& field = Fields(i);
     data::UpdateColumn column;
-    column.name = ColumnName(field.FieldName(), wire);
+    column.name = columnName(field.FieldName());
     column.kind = KindOf(FormOf(field.DataType()));
     column.flags = field.FieldKind() == TFieldKind::fkData ? field.ProviderFlags : kNowhere;
     column.comparable = IsComparable(field.DataType());

@@ -133,17 +133,20 @@ struct StatementParts {
 // How a server reads statements, where that decides what is a parameter and what is not. Everywhere
 // '..' and ".." are quoted, `--` begins a comment up to the end of its line, and /* a longer one.
 struct Lexis {
-  bool backslashEscapes = false;   // \' inside '..' and ".."
-  bool hashComments = false;       // # to the end of the line
-  bool dashesNeedBlank = false;    // `--` is a comment only before a blank or the line's end
-  bool backticks = false;          // `..` is quoted
-  bool brackets = false;           // [..] is quoted
-  bool nestedComments = false;     // /* /* */ */
-  bool dollarQuotes = false;       // $$..$$ and $tag$..$tag$
-  bool escapeTexts = false;        // E'..' with backslashes
-  bool alternativeQuotes = false;  // q'{..}'
-  bool subscripts = false;         // a[l:u] has no parameters, and ?| ?& ? are operators
-  bool blocks = false;             // behind the AS of EXECUTE BLOCK a `:name` is its variable
+  bool backslashEscapes = false;       // \' inside '..'
+  bool escapesInDoubleQuotes = false;  // \" inside ".."
+  bool hashComments = false;           // # to the end of the line
+  bool dashesNeedBlank = false;        // `--` is a comment only before a blank or the line's end
+  bool codeComments = false;           // the server runs what stands in /*! .. */
+  bool backticks = false;              // `..` is quoted
+  bool brackets = false;               // [..] is quoted
+  bool nestedComments = false;         // /* /* */ */
+  bool dollarQuotes = false;           // $$..$$ and $tag$..$tag$
+  bool escapeTexts = false;            // E'..' with backslashes
+  bool alternativeQuotes = false;      // q'{..}'
+  bool subscripts = false;             // a[1:n] is a slice up to the column n
+  bool questionOperators = false;      // ?| ?& @? are operators, and ? beside `:name` is one
+  bool blocks = false;  // behind the AS of EXECUTE BLOCK, and in CREATE, a `:name` is a variable
 
   bool operator==(const Lexis&) const = default;
 };

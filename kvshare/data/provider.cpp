@@ -4,40 +4,26 @@
 #include <initializer_list>
 
 #include "kvshare/data/errors.h"
+#include "kvshare/data/statement.h"
 #include "kvshare/rtl/strutils.h"
 
 namespace kvshare {
 
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r\n";
-constexpr std::string_view kEndOfWord = " \t\r\n,;()'\"`";
-
-// The word, quoted text, comment or mark at the beginning of `text`, which loses it and the blanks
-// in front; "" at the end.
-std::string_view TakeWord(std::string_view& text) {
-  text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
-  if (text.empty()) return {};
-  std::size_t end = data::SkipQuoted(text, 0);
-  if (end == 0 && text.starts_with('[')) end = text.find(']') + 1;
-  if (end == 0)
-    end = std::max<std::size_t>(std::min(text.find_first_of(kEndOfWord), text.size()), 1);
-  const std::string_view word = text.substr(0, end);
-  text.remove_prefix(word.size());
-  return word;
-}
-
 bool IsOneOf(std::string_view word, std::initializer_list<std::string_view> words) {
   return std::ranges::any_of(words, [word](std::string_view one) { return SameText(word, one); });
 }
 
 // The table of a statement that reads records of one table alone; "" of any other.
-std::string_view OnlyTableOf(std::string_view sql) {
+std::string_view OnlyTableOf(std::string_view sql, const data::Lexis& lexis) {
   int depth = 0;
   bool conditions = false;  // behind WHERE, where tables are named for other purposes
   std::string_view table;
   std::string_view before;
-  for (std::string_view word = TakeWord(sql); !word.empty(); word = TakeWord(sql)) {
+  std::size_t at = 0;
+  const auto next = [&] { return data::TakeWord(sql, at, lexis); };
+  for (std::string_view word = next(); !word.empty(); word = next()) {
     depth += word == "(" ? 1 : word == ")" ? -1 : 0;
     const bool from = table.empty() && SameText(before, "FROM");
     if (from && word == "(") return {};
@@ -63,7 +49,7 @@ TDataSetProvider::~TDataSetProvider() = default;
 
 std::string TDataSetProvider::ResolvedTable() const {
   std::string table = TableName;
-  if (table.empty()) table = OnlyTableOf(query_.SQL().Text());
+  if (table.empty()) table = OnlyTableOf(query_.SQL().Text(), connection_.StatementLexis());
   if (table.empty()) DatabaseError("Unable to resolve records.  Table name not found.", this);
   return table;
 }

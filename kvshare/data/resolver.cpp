@@ -79,7 +79,7 @@ class ResolverTransaction {
 
   // Around each change, where the failure of one would be the end of all.
   bool GuardsChanges(int maxErrors) const {
-    return maxErrors != 0 && connection_.Wire().FailureEndsTransaction();
+    return maxErrors != 0 && connection_.FailureEndsTransaction();
   }
   void BeginChange() { connection_.ExecuteDirect("SAVEPOINT KV_CHANGE"); }
   void KeepChange() { connection_.ExecuteDirect("RELEASE SAVEPOINT KV_CHANGE"); }
@@ -100,9 +100,8 @@ Resolver::Resolver(TSQLConnection& connection, const RecordTable& table, UpdateT
       target_(std::move(target)),
       sql_(table.Layout(), target_) {
   connection_.Open();
-  const Connection& wire = connection_.Wire();
   for (UpdateColumn& column : target_.columns)
-    column.equal = wire.Exactly(column.name, column.kind);
+    column.equal = connection_.Exactly(column.name, column.kind);
 }
 
 Resolver::~Resolver() = default;

@@ -98,7 +98,7 @@ std::string TSQLConnection::WithoutPassword(std::string text) const {
   return data::HideSecrets(text, data::SecretsOf(Params));
 }
 
-void TSQLConnection::RefuseByServer(const data::DriverError& error, std::string_view words) {
+void TSQLConnection::RefuseByServer(const data::DriverError& error, std::string_view words) const {
   using Kind = data::DriverError::Kind;
   if (session_ && error.What() == Kind::ConnectionLost) session_->lost = true;
   if (error.What() == Kind::Conflict && session_ && InTransaction()) {
@@ -109,7 +109,7 @@ void TSQLConnection::RefuseByServer(const data::DriverError& error, std::string_
 }
 
 template <typename Work>
-auto TSQLConnection::Guarded(Work work) {
+auto TSQLConnection::Guarded(Work work) const {
   try {
     return work();
   } catch (const data::DriverError& e) {
@@ -138,10 +138,11 @@ void TSQLConnection::Open() {
   if (Connected()) return;
   if (driverName_.empty()) DatabaseError("Missing DriverName property", this);
   try {
-    auto session = std::make_unique<Session>(
-        Session{data::DriverLibrary(LibraryName, GetDriverFunc, VendorLib), nullptr, {}});
-    data::Driver& driver = session->library.Driver();
+    std::unique_ptr<Session> session;
     Guarded([&] {
+      session = std::make_unique<Session>(
+          Session{data::DriverLibrary(LibraryName, GetDriverFunc, VendorLib), nullptr, {}});
+      data::Driver& driver = session->library.Driver();
       session->connection = driver.MakeConnection();
       session->connection->Connect(WireParameters(Params, driver.DatabaseIsFile()));
     });
@@ -197,7 +198,7 @@ void TSQLConnection::Rollback(const TTransactionDesc& /*description*/) {
 }
 
 std::int64_t TSQLConnection::EarlyCommits() const {
-  return session_ ? session_->connection->EarlyCommits() : 0;
+  return session_ ? Guarded([&] { return session_->connection->EarlyCommits(); }) : 0;
 }
 
 std::int64_t TSQLConnection::EarlyRollbacks() const {
@@ -220,7 +221,7 @@ void TSQLConnection::GetTableNames(TStrings& list, bool systemTables) {
       continue;  // no statement of a program's can name it
     }
   }
-  if (!systemTables) PutBetweenMarks(list, Wire().Quoted("x"));
+  if (!systemTables) PutBetweenMarks(list, Quoted("x"));
 }
 
 std::string TSQLConnection::ServerVersion() {
@@ -254,8 +255,23 @@ data::StatementParts TSQLConnection::WireParts(const data::StatementParts& state
   return parts;
 }
 
-data::Lexis TSQLConnection::StatementLexis() const {
-  return session_ ? session_->connection->StatementLexis() : data::kUnknownServer;
+// A driver that cannot be loaded is told by Open.
+data::Lexis TSQLConnection::StatementLexis() {
+  if (session_) return Guarded([&] { return session_->connection->StatementLexis(); });
+  DriverLexis& known = driverLexis_;
+  if (known.library == LibraryName && known.entry == GetDriverFunc && known.client == VendorLib) {
+    return known.lexis;
+  }
+  known = {LibraryName, GetDriverFunc, VendorLib, data::kUnknownServer};
+  try {
+    Guarded([&] {
+      const data::DriverLibrary library(LibraryName, GetDriverFunc, VendorLib);
+      known.lexis = library.Driver().MakeConnection()->StatementLexis();
+    });
+  } catch (const Exception&) {
+    known.lexis = data::kUnknownServer;
+  }
+  return known.lexis;
 }
 
 std::int64_t TSQLConnection::Run(data::PreparedStatement& statement,
@@ -263,8 +279,21 @@ std::int64_t TSQLConnection::Run(data::PreparedStatement& statement,
   return OnServer([&](data::Connection& /*its own*/) { return statement.Run(parameters); });
 }
 
-const data::Connection& TSQLConnection::Wire() const {
-  return *session_->connection;
+bool TSQLConnection::FailureEndsTransaction() const {
+  return Guarded([&] { return session_->connection->FailureEndsTransaction(); });
+}
+
+data::Connection::Condition TSQLConnection::Exactly(std::string_view column,
+                                                    data::ColumnKind kind) const {
+  return Guarded([&] { return session_->connection->Exactly(column, kind); });
+}
+
+std::string TSQLConnection::Quoted(std::string_view name) const {
+  return Guarded([&] { return session_->connection->Quoted(name); });
+}
+
+const std::vector<data::Column>& TSQLConnection::ColumnsOf(const data::Cursor& cursor) const {
+  return *Guarded([&] { return &cursor.Columns(); });
 }
 
 bool TSQLConnection::NextRow(data::Cursor& cursor) {

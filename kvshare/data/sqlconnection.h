@@ -10,6 +10,7 @@
 
 #include "kvshare/data/driver.h"
 #include "kvshare/data/errors.h"
+#include "kvshare/data/statement.h"
 #include "kvshare/export.h"
 #include "kvshare/rtl/component.h"
 #include "kvshare/rtl/stringlist.h"
@@ -17,6 +18,7 @@
 namespace kvshare {
 
 class TClientDataSet;
+class TDataSetProvider;
 class TSQLQuery;
 
 namespace data {
@@ -117,6 +119,7 @@ class KVSHARE_API TSQLConnection : public TComponent {
 
  private:
   friend class TClientDataSet;
+  friend class TDataSetProvider;
   friend class TSQLQuery;
   friend class data::Resolver;
   friend class data::ResolverTransaction;
@@ -124,12 +127,13 @@ class KVSHARE_API TSQLConnection : public TComponent {
 
   // Runs what speaks to the driver, its errors as EServerError.
   template <typename Work>
-  auto Guarded(Work work);
+  auto Guarded(Work work) const;
   // The same for a statement, after connecting, unless the transaction was undone.
   template <typename Work>
   auto OnServer(Work work);
   // `words` stand in front of the server's.
-  [[noreturn]] void RefuseByServer(const data::DriverError& error, std::string_view words = {});
+  [[noreturn]] void RefuseByServer(const data::DriverError& error,
+                                   std::string_view words = {}) const;
   void CheckUsable();
   std::string WithoutPassword(std::string text) const;
   void ApplyLockTimeout();
@@ -138,18 +142,28 @@ class KVSHARE_API TSQLConnection : public TComponent {
   std::unique_ptr<data::Cursor> OpenCursor(std::string_view sql);
   std::unique_ptr<data::Cursor> OpenCursor(const data::StatementParts& statement,
                                            std::span<const data::ParameterValue> parameters);
+  const std::vector<data::Column>& ColumnsOf(const data::Cursor& cursor) const;
   bool NextRow(data::Cursor& cursor);
   std::unique_ptr<data::PreparedStatement> Prepare(const data::StatementParts& statement);
   data::StatementParts WireParts(const data::StatementParts& statement) const;
-  data::Lexis StatementLexis() const;
+  // Of the server; before the connection is open, of those that its driver is for.
+  data::Lexis StatementLexis();
   std::int64_t Run(data::PreparedStatement& statement,
                    std::span<const data::ParameterValue> parameters);
-  // The driver's own connection, for its facts.
-  const data::Connection& Wire() const;
+  // What the driver says of an open connection (driver.h).
+  bool FailureEndsTransaction() const;
+  data::Connection::Condition Exactly(std::string_view column, data::ColumnKind kind) const;
+  std::string Quoted(std::string_view name) const;
+
+  struct DriverLexis {
+    std::string library, entry, client;
+    data::Lexis lexis = data::kUnknownServer;
+  };
 
   std::string connectionName_;
   std::string driverName_;
   std::unique_ptr<Session> session_;
+  DriverLexis driverLexis_;
   std::vector<TSQLQuery*> queries_;
 };
 

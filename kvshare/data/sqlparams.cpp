@@ -63,13 +63,13 @@ TParam& TParams::operator[](int index) {
   if (index < 0 || index >= Count()) {
     throw EListError(Format("List index out of bounds (%d)", {index}));
   }
-  return params_[static_cast<std::size_t>(index)];
+  return *params_[static_cast<std::size_t>(index)];
 }
 
 TParam* TParams::FindParam(std::string_view name) {
   const auto found = std::ranges::find_if(
-      params_, [name](const TParam& param) { return SameText(param.Name(), name); });
-  return found == params_.end() ? nullptr : &*found;
+      params_, [name](const auto& param) { return SameText(param->Name(), name); });
+  return found == params_.end() ? nullptr : found->get();
 }
 
 TParam& TParams::ParamByName(std::string_view name) {
@@ -78,65 +78,4 @@ TParam& TParams::ParamByName(std::string_view name) {
   return *param;
 }
 
-namespace data {
-
-namespace {
-
-constexpr bool BeginsName(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' ||
-         static_cast<unsigned char>(c) >= 0x80;
-}
-
-constexpr bool ContinuesName(char c) {
-  return BeginsName(c) || (c >= '0' && c <= '9');
-}
-
-// The end of the text that starts at `at` and that `end` closes; all the rest without it.
-std::size_t Behind(std::string_view sql, std::size_t at, std::string_view end) {
-  const std::size_t found = sql.find(end, at);
-  return found == std::string_view::npos ? sql.size() : found + end.size();
-}
-
-}  // namespace
-
-std::size_t SkipQuoted(std::string_view sql, std::size_t at) {
-  const char c = sql[at];
-  if (c == '\'' || c == '"' || c == '`') return Behind(sql, at + 1, sql.substr(at, 1));
-  if (sql.substr(at, 2) == "--") return Behind(sql, at + 2, "\n");
-  if (sql.substr(at, 2) == "/*") return Behind(sql, at + 2, "*/");
-  return at;
-}
-
-namespace {
-
-std::size_t EndOfName(std::string_view sql, std::size_t at) {
-  while (at < sql.size() && ContinuesName(sql[at])) ++at;
-  return at;
-}
-
-}  // namespace
-
-ParsedStatement ParseStatement(std::string_view sql, const Lexis& /*lexis*/) {
-  ParsedStatement parsed;
-  parsed.texts.emplace_back();
-  for (std::size_t at = 0; at < sql.size();) {
-    std::size_t end = SkipQuoted(sql, at);
-    if (end == at) {
-      const bool named = sql[at] == ':' && at + 1 < sql.size() && BeginsName(sql[at + 1]);
-      if (named || sql[at] == '?') {
-        end = named ? EndOfName(sql, at + 1) : at + 1;
-        parsed.names.emplace_back(sql.substr(at + 1, end - at - 1));
-        parsed.texts.emplace_back();
-        at = end;
-        continue;
-      }
-      end = at + (sql.substr(at, 2) == "::" ? 2 : 1);
-    }
-    parsed.texts.back().append(sql.substr(at, end - at));
-    at = end;
-  }
-  return parsed;
-}
-
-}  // namespace data
 }  // namespace kvshare

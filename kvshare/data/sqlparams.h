@@ -1,8 +1,8 @@
 // The parameters of a statement.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -55,7 +55,8 @@ class KVSHARE_API TParam {
   bool given_ = false;
 };
 
-// In the order of their first appearance in the statement.
+// In the order of their first appearance in the statement. A parameter lives as long as the query's
+// statement has it.
 class KVSHARE_API TParams {
  public:
   int Count() const { return static_cast<int>(params_.size()); }
@@ -67,25 +68,7 @@ class KVSHARE_API TParams {
 
  private:
   friend class TSQLQuery;
-  std::vector<TParam> params_;
+  std::vector<std::unique_ptr<TParam>> params_;
 };
 
-namespace data {
-
-// Where a quoted text or a comment that starts at `at` ends; `at` itself when none starts there.
-std::size_t SkipQuoted(std::string_view sql, std::size_t at);
-
-// A statement with its `:name` and `?` places taken out. A name is letters, digits and `_`, a first
-// digit excepted; `::` is none, nor what stands in quotes ('..', "..", `..`) or comments (`--` to
-// the end of the line, /* .. */).
-struct ParsedStatement {
-  std::vector<std::string> texts;  // before, between and behind the places
-  std::vector<std::string> names;  // of the places, in order; "" for `?`
-};
-KVSHARE_API ParsedStatement ParseStatement(std::string_view sql, const Lexis& lexis);
-
-// What a server reads that nobody knows yet.
-inline constexpr Lexis kUnknownServer{.backticks = true};
-
-}  // namespace data
 }  // namespace kvshare

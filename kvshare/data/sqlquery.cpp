@@ -1,9 +1,11 @@
 #include "kvshare/data/sqlquery.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "kvshare/data/wiretexts.h"
 #include "kvshare/rtl/cp874.h"
+#include "kvshare/rtl/format.h"
 #include "kvshare/rtl/strutils.h"
 
 namespace kvshare {
@@ -129,8 +131,7 @@ void TSQLQuery::Row::AppendCharacters(std::string& out, int column) const {
 }
 
 void TSQLQuery::RefuseField(int column, const data::DriverError& error) const {
-  const std::string& name = row_.cursor->Columns()[static_cast<std::size_t>(column)].name;
-  connection_->RefuseByServer(error, "Field '" + data::ServerText(name) + "': ");
+  connection_->RefuseByServer(error, "Field '" + Fields(column).FieldName() + "': ");
 }
 
 TSQLQuery::TSQLQuery(TComponent* owner, std::string_view name)
@@ -159,41 +160,69 @@ TParams& TSQLQuery::Params() {
   return params_;
 }
 
-// With the value that it had before, also where the server turns out to read the statement in
-// another way than was thought.
-TParam TSQLQuery::ParamNamed(const std::string& name, int unnamed) const {
-  const auto same = [&](const TParam& param) {
-    return name.empty() ? param.Name().empty() && unnamed-- == 0 : SameText(param.Name(), name);
-  };
-  const auto earlier = std::ranges::find_if(params_.params_, same);
-  return earlier == params_.params_.end() ? TParam(name) : *earlier;
+namespace {
+
+using ParamList = std::vector<std::unique_ptr<TParam>>;
+
+// The parameter of that name with the value that it had, or a new one.
+std::unique_ptr<TParam> TakeOut(ParamList& known, const std::string& name) {
+  const auto found = std::ranges::find_if(known, [&name](const auto& param) {
+    return param != nullptr && SameText(param->Name(), name);
+  });
+  return found == known.end() ? std::make_unique<TParam>(name) : std::move(*found);
 }
 
+bool IsUnnamed(const std::unique_ptr<TParam>& param) {
+  return param != nullptr && param->Name().empty();
+}
+
+bool IsGivenUnnamed(const std::unique_ptr<TParam>& param) {
+  return IsUnnamed(param) && param->IsGiven();
+}
+
+}  // namespace
+
+// A statement is parsed again where the server turns out to read it in another way than was thought
+// before the connection was open.
 void TSQLQuery::Parse() {
   const data::Lexis lexis =
       connection_ == nullptr ? data::kUnknownServer : connection_->StatementLexis();
-  const bool again = parsedBy_ == lexis;
-  if (parsed_ && again) return;
+  if (parsed_ && parsedBy_ == lexis) return;
   data::ParsedStatement statement = data::ParseStatement(sql_.Text(), lexis);
-  TParams params;
-  data::StatementParts parts{std::move(statement.texts), {}};
-  int unnamed = parsed_ ? 0 : params_.Count();  // of another statement they mean something else
+  ParamList before = std::exchange(params_.params_, {});
+  if (!parsed_) std::erase_if(before, IsUnnamed);  // of another statement they mean something else
+  const auto questions = std::ranges::count_if(before, IsUnnamed);
+  parts_ = {std::move(statement.texts), {}};
   for (const std::string& name : statement.names) {
-    TParam* known = name.empty() ? nullptr : params.FindParam(name);
-    if (known == nullptr) {
-      params.params_.push_back(ParamNamed(name, name.empty() ? unnamed++ : 0));
-      known = &params.params_.back();
+    ParamList& params = params_.params_;
+    auto known = params.end();
+    if (!name.empty()) {
+      known = std::ranges::find_if(
+          params, [&name](const auto& param) { return SameText(param->Name(), name); });
     }
-    parts.places.push_back(static_cast<std::size_t>(known - params.params_.data()));
+    parts_.places.push_back(static_cast<std::size_t>(known - params.begin()));
+    if (known == params.end()) params.push_back(TakeOut(before, name));
   }
-  params_ = std::move(params);
-  parts_ = std::move(parts);
   parsedBy_ = lexis;
-  parsed_ = true;
+  if (std::exchange(parsed_, true)) RefuseLost(before, questions);
+}
+
+// A value for which there is no place, or for a `?` that may be another one now.
+void TSQLQuery::RefuseLost(const std::vector<std::unique_ptr<TParam>>& left,
+                           std::ptrdiff_t questions) const {
+  const auto refuse = [this](std::string_view name) {
+    DatabaseError(
+        Format("Parameter '%s' not found: the server reads the statement otherwise", {name}), this);
+  };
+  for (const std::unique_ptr<TParam>& param : left) {
+    if (param != nullptr && param->IsGiven()) refuse(IsUnnamed(param) ? "?" : param->Name());
+  }
+  const bool same = std::ranges::count_if(params_.params_, IsUnnamed) == questions;
+  if (!same && std::ranges::any_of(params_.params_, IsGivenUnnamed)) refuse("?");
 }
 
 bool TSQLQuery::AnyGiven() const {
-  return std::ranges::any_of(params_.params_, &TParam::IsGiven);
+  return std::ranges::any_of(params_.params_, [](const auto& param) { return param->IsGiven(); });
 }
 
 void TSQLQuery::CheckReady() const {
@@ -210,7 +239,7 @@ std::unique_ptr<data::Cursor> TSQLQuery::Run() {
   if (!AnyGiven()) return connection_->OpenCursor(sql_.Text());
   std::vector<data::ParameterValue> values;
   values.reserve(params_.params_.size());
-  for (const TParam& param : params_.params_) values.push_back(param.WireValue());
+  for (const auto& param : params_.params_) values.push_back(param->WireValue());
   return connection_->OpenCursor(parts_, values);
 }
 
@@ -227,7 +256,7 @@ std::int64_t TSQLQuery::ExecSQL() {
 void TSQLQuery::InternalOpen() {
   row_.cursor = Run();
   if (row_.cursor == nullptr) DatabaseError("Cursor not returned from Query", this);
-  for (const data::Column& column : row_.cursor->Columns()) {
+  for (const data::Column& column : connection_->ColumnsOf(*row_.cursor)) {
     AddField(row_, FieldDefOf(column, this));
   }
   fresh_ = true;

@@ -1,6 +1,7 @@
 // The rows of a statement, read once from front to back.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -31,9 +32,13 @@ class KVSHARE_API TSQLQuery : public TDataSet {
   TStrings& SQL() { return sql_; }
   const TStrings& SQL() const { return sql_; }
 
-  // `:name` and `?` in the statement (sqlparams.h), each name once. Values stay when the statement
-  // changes, by name; a `?` is reached by its number alone. Where one has been given a value, the
-  // others are Null until they are.
+  // `:name` and `?` in the statement (statement.h), each name once, as the server of the connection
+  // reads it. Values stay when the statement changes, by name; a `?` is reached by its number
+  // alone. Where one has been given a value, the others are Null until they are. Before the
+  // connection is open they are read as servers of its driver mostly do. Where this one reads the
+  // statement otherwise, they are found again by name, and by number where there are as many `?`;
+  // if that loses a value, EDatabaseError `Parameter '%s' not found: the server reads the statement
+  // otherwise`, once.
   TParams& Params();
   TParam& ParamByName(std::string_view name) { return Params().ParamByName(name); }
 
@@ -95,7 +100,7 @@ class KVSHARE_API TSQLQuery : public TDataSet {
 
   void CheckReady() const;
   void Parse();
-  TParam ParamNamed(const std::string& name, int unnamed) const;
+  void RefuseLost(const std::vector<std::unique_ptr<TParam>>& left, std::ptrdiff_t questions) const;
   bool AnyGiven() const;
   [[noreturn]] void RefuseField(int column, const data::DriverError& error) const;
   std::unique_ptr<data::Cursor> Run();

@@ -142,6 +142,57 @@ TEST_F(Query, ParametersByNameAndPlace) {
   EXPECT_THROW(query_.Params()[4], EListError);
 }
 
+// A query without a connection does not know how its server will read the statement.
+TEST_F(Query, ParametersAreFoundAgainWhenTheServerIsKnown) {
+  TSQLQuery early(nullptr, "Qry");
+  early.SQL().Add("SELECT [:x] + :A + :A FROM (SELECT 1 AS [:x])");
+  ASSERT_EQ(early.Params().Count(), 2);
+  TParam& a = early.ParamByName("A");
+  a.SetAsInteger(10);
+  early.SetSQLConnection(&connection_);
+  early.Open();
+  EXPECT_EQ(early.Fields(0).AsInteger(), 21);
+  EXPECT_EQ(early.Params().Count(), 1);
+  early.Close();
+  a.SetAsInteger(20);
+  early.Open();
+  EXPECT_EQ(early.Fields(0).AsInteger(), 41) << "it is the same parameter";
+}
+
+TEST_F(Query, AValueThatHasNoPlaceAnyMoreIsTold) {
+  struct Case {
+    const char* sql;
+    int param;
+    const char* message;
+  };
+  constexpr Case kCases[] = {
+      {"SELECT [:x], :A FROM (SELECT 1 AS [:x])", 0, "Qry: Parameter 'x' not found"},
+      {"SELECT [?], ? FROM (SELECT 1 AS [?])", 1, "Qry: Parameter '?' not found"},
+      {"SELECT [?], ? FROM (SELECT 1 AS [?])", 0, "Qry: Parameter '?' not found"},
+      {"SELECT ?, [`], ? FROM (SELECT 1 AS [`])", 0, "Qry: Parameter '?' not found"},
+  };
+  for (const Case& c : kCases) {
+    TSQLQuery early(nullptr, "Qry");
+    early.SQL().Add(c.sql);
+    early.Params()[c.param].SetAsInteger(1);
+    early.SetSQLConnection(&connection_);
+    const std::string message = ErrorOf([&] { early.Params(); });
+    EXPECT_THAT(message, testing::StartsWith(c.message)) << c.sql;
+    EXPECT_EQ(ErrorOf([&] { early.Params(); }), "no error") << "once";
+  }
+}
+
+// The driver says how its servers read statements, before there is one.
+TEST_F(Query, ParametersOfAClosedConnection) {
+  connection_.Close();
+  query_.SQL().SetText("SELECT [:x] FROM (SELECT :A AS [:x])");
+  EXPECT_EQ(query_.Params().Count(), 1);
+  EXPECT_FALSE(connection_.Connected());
+  query_.ParamByName("A").SetAsInteger(3);
+  query_.Open();
+  EXPECT_EQ(query_.Fields(0).AsInteger(), 3);
+}
+
 TEST_F(Query, ExecSQL) {
   query_.SQL().SetText("UPDATE T SET NAME = 'z'");
   EXPECT_EQ(query_.ExecSQL(), 3);
@@ -151,31 +202,6 @@ TEST_F(Query, ExecSQL) {
   query_.SQL().SetText("SELECT NAME FROM T WHERE ID = 2");
   query_.Open();
   EXPECT_EQ(query_.Fields(0).AsString(), "ก"_th);
-}
-
-TEST(Statement, Parsed) {
-  using testing::ElementsAre;
-  struct Case {
-    std::string_view sql, text;
-    std::vector<std::string> names;
-  };
-  const Case cases[] = {
-      {"SELECT 1", "SELECT 1", {}},
-      {"a=:A,b=:b_2;", "a=?,b=?;", {"A", "b_2"}},
-      {"':x' \":y\" `:z` :w", "':x' \":y\" `:z` ?", {"w"}},
-      {"'it''s :x' :y", "'it''s :x' ?", {"y"}},
-      {"-- :x\n:y /* :z */ ?", "-- :x\n? /* :z */ ?", {"y", ""}},
-      {"x::text 12:30 :", "x::text 12:30 :", {}},
-      {"':open", "':open", {}},
-      {"/* open :x", "/* open :x", {}},
-  };
-  for (const Case& c : cases) {
-    const data::ParsedStatement parsed = data::ParseStatement(c.sql, data::kUnknownServer);
-    std::string text = parsed.texts.front();
-    for (std::size_t i = 1; i < parsed.texts.size(); ++i) text += "?" + parsed.texts[i];
-    EXPECT_EQ(text, c.text);
-    EXPECT_EQ(parsed.names, c.names) << c.sql;
-  }
 }
 
 // The digits of a date are written in pairs: as Format writes them.
@@ -234,6 +260,9 @@ TEST_F(Query, ProvidersKnowTheOnlyTable) {
       {"select (select max(X) from STOCK) as M from ITEM order by A, B", "ITEM"},
       {"select * from \"Odd name\" where A = 1", "\"Odd name\""},
       {"select * from [Odd name]", "[Odd name]"},
+      {"select * from shop.\"Odd name\" where A = 1", "shop.\"Odd name\""},
+      {"select * from /* the */ ITEM-- items\nwhere A = 1", "ITEM"},
+      {"select [ from STOCK ] from ITEM", "ITEM"},
       {"select * from shop.ITEM", "shop.ITEM"},
       {"select * from ITEM, STOCK", ""},
       {"select * from ITEM inner join STOCK on A = B", ""},

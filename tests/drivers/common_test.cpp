@@ -6,6 +6,7 @@
 #include <random>
 
 #include "drivers/common/forms.h"
+#include "drivers/common/nulltests.h"
 #include "drivers/common/parameters.h"
 #include "drivers/common/sqlitecolumns.h"
 #include "drivers/common/sqlitestatement.h"
@@ -198,12 +199,70 @@ TEST(HostName, HostAndPort) {
 TEST(Statements, AreMarkedAsEachClientWants) {
   const data::StatementParts statement{{"a = ", " OR b = ", " OR c = ", ""}, {1, 0, 1}};
   EXPECT_EQ(MarkedByQuestions(statement), "a = ? OR b = ? OR c = ?");
-  EXPECT_EQ(MarkedByNumbers(statement), "a = $2 OR b = $1 OR c = $2");
   const std::vector<data::ParameterValue> values = {std::int64_t{1}, "x"};
   const std::vector<data::ParameterValue> byPlace = {"x", std::int64_t{1}, "x"};
   EXPECT_EQ(ValuesByPlace(statement.places, values), byPlace);
   EXPECT_THROW(ValuesByPlace(statement.places, std::span(values).first(1)), data::DriverError);
-  EXPECT_EQ(MarkedByNumbers({{"SELECT '?'"}, {}}), "SELECT '?'");
+}
+
+// A mark that only tests for Null has a type, and is none of the others.
+TEST(Statements, TypedMarks) {
+  const data::StatementParts statement{
+      {"WHERE (", " IS NULL OR b = ", ") AND (", " IS NULL OR c = ", " OR c = ", ")"},
+      {0, 0, 1, 1, 0}};
+  const TypedStatement numbers = TypedByNumbers(statement);
+  EXPECT_EQ(numbers.sql,
+            "WHERE (CAST($1 AS SMALLINT) IS NULL OR b = $2) AND"
+            " (CAST($3 AS SMALLINT) IS NULL OR c = $4 OR c = $2)");
+  const TypedStatement questions = TypedByQuestions(statement);
+  EXPECT_EQ(questions.sql,
+            "WHERE (CAST(? AS SMALLINT) IS NULL OR b = ?) AND"
+            " (CAST(? AS SMALLINT) IS NULL OR c = ? OR c = ?)");
+  const std::vector<data::ParameterValue> values = {"x", std::monostate{}};
+  const data::ParameterValue given = std::int64_t{0};
+  const data::ParameterValue null;
+  const data::ParameterValue x = "x";
+  EXPECT_EQ(ValuesByMark(numbers, values), (std::vector{given, x, null, null}));
+  EXPECT_EQ(ValuesByMark(questions, values), (std::vector{given, x, null, null, x}));
+  EXPECT_THROW(ValuesByMark(numbers, std::span(values).first(1)), data::DriverError);
+}
+
+// In doubt a place compares: a test for Null would not see the value.
+TEST(Statements, NullTests) {
+  struct Case {
+    const char* before;
+    const char* behind;
+    bool tests;
+  };
+  constexpr Case kCases[] = {
+      {"WHERE (", " IS NULL OR", true},
+      {"where a = 1 or ", "\n is\tnot null)", true},
+      {"WHEN ", " IS NULL", true},
+      {"WHERE a = 1 AND ", " IS NULL", true},
+      {"WHERE d BETWEEN 1 AND t.e AND ", " IS NULL", true},
+      {"WHERE (d BETWEEN 1 AND 2) AND ", " IS NULL", true},
+      {"WHERE NOT ", " IS NULL", true},
+      {"WHERE d BETWEEN 1 AND ", " IS NULL", false},
+      {"WHERE d between (1 and 2) and ", " IS NULL", false},
+      {"WHERE d BETWEEN 'x AND y' AND ", " IS NULL", false},
+      {"WHERE d BETWEEN 1 -- AND\nAND ", " IS NULL", false},
+      {"WHERE a = ", " IS NULL", false},
+      {"WHERE a LIKE ", " IS NULL", false},
+      {"WHERE a = -- OR\n ", " IS NULL", false},
+      {"WHERE a = -- OR", " IS NULL", false},
+      {"WHERE a = /* OR */ ", " IS NULL", false},
+      {"WHERE a = 'OR' || ", " IS NULL", false},
+      {"WHERE floor ", " IS NULL", false},
+      {"WHERE (", " IS NOT DISTINCT FROM a", false},
+      {"WHERE (", " IS NULLABLE", false},
+      {"WHERE (", "", false},
+      {"", " IS NULL", false},
+  };
+  for (const Case& c : kCases) {
+    EXPECT_EQ(IsNullTest({{c.before, c.behind}, {0}}, 0), c.tests) << c.before << ":P" << c.behind;
+  }
+  EXPECT_FALSE(IsNullTest({{"WHERE d BETWEEN ", " AND ", " IS NULL"}, {0, 1}}, 1));
+  EXPECT_TRUE(IsNullTest({{"WHERE d BETWEEN ", " AND ", " AND ", " IS NULL"}, {0, 1, 2}}, 2));
 }
 
 using sqlite::Amounts;
