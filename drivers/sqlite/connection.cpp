@@ -63,8 +63,8 @@ struct Binder {
   int operator()(const data::Moment& /*moment*/) const { return SQLITE_MISMATCH; }
 };
 
-// The server would read Null where it is given no value: that is refused. Ours are the first `slots`
-// places, and have no name; `?5` is one, and brings four without.
+// The server would read Null where it is given no value: that is refused. Ours are the first
+// `slots` places, and have no name; `?5` is one, and brings four without.
 void RefuseForeign(sqlite3_stmt* statement, std::size_t slots) {
   const int places = sqlite3_bind_parameter_count(statement);
   const char* foreign = static_cast<std::size_t>(places) > slots ? "?" : nullptr;

@@ -71,19 +71,23 @@ TFieldDef FieldDefOf(const data::Column& column, const TComponent* query) {
 
 }  // namespace
 
+// A text may be the query's own, a field's name say, which is gone once the query has closed.
 void TSQLQuery::Lines::Put(int index, std::string_view text) {
+  const std::string own{text};
   changing_();
-  TStringList::Put(index, text);
+  TStringList::Put(index, own);
 }
 
 int TSQLQuery::Lines::AddObject(std::string_view text, TObject* object) {
+  const std::string own{text};
   changing_();
-  return TStringList::AddObject(text, object);
+  return TStringList::AddObject(own, object);
 }
 
 void TSQLQuery::Lines::InsertObject(int index, std::string_view text, TObject* object) {
+  const std::string own{text};
   changing_();
-  TStringList::InsertObject(index, text, object);
+  TStringList::InsertObject(index, own, object);
 }
 
 void TSQLQuery::Lines::Delete(int index) {
@@ -97,8 +101,9 @@ void TSQLQuery::Lines::Clear() {
 }
 
 int TSQLQuery::Lines::AddShared(std::string_view text, TObject* object, TStringId identity) {
+  const std::string own{text};
   changing_();
-  return TStringList::AddShared(text, object, identity);
+  return TStringList::AddShared(own, object, identity);
 }
 
 template <typename Read>

@@ -317,5 +317,20 @@ TEST_F(Query, AFetchThatFailsLetsGo) {
   EXPECT_FALSE(provider.Query().Active());
 }
 
+// Changing a line closes the query, and its field with it.
+TEST_F(Query, ALineMayBeTheQuerysOwnText) {
+  void (*const changes[])(TStrings & lines, const std::string& name) = {
+      [](TStrings& lines, const std::string& name) { lines.Add(name); },
+      [](TStrings& lines, const std::string& name) { lines.Insert(0, name); },
+      [](TStrings& lines, const std::string& name) { lines.Put(0, name); },
+  };
+  for (const auto change : changes) {
+    query_.SQL().SetText("SELECT 1 AS A_NAME_THAT_IS_NOT_SHORT");
+    query_.Open();
+    change(query_.SQL(), query_.Fields(0).FieldName());
+    EXPECT_GE(query_.SQL().IndexOf("A_NAME_THAT_IS_NOT_SHORT"), 0);
+  }
+}
+
 }  // namespace
 }  // namespace kvshare
