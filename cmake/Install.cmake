@@ -57,6 +57,7 @@ set(internal_headers
   settings/loadentry.h
   settings/placeholders.h
   settings/programlocale.h
+  ui/bitmapformat.h
   ui/bitmaprle.h
   ui/consoleform.h
   ui/consoleparts.h

@@ -34,7 +34,7 @@ static Lexis LexisOf(unsigned bits) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size < 2) return 0;
   const std::string sql(reinterpret_cast<const char*>(data + 2), size - 2);
-  const auto parsed = kvshare::data::ParseStatement(sql, LexisOf(data[0] | data[1] << 8U));
+  const auto parsed = kvshare::data::ParseStatement(sql, LexisOf(data[0] + 256U * data[1]));
   if (parsed.texts.size() != parsed.names.size() + 1) std::abort();
   std::string again = parsed.texts.front();
   for (std::size_t i = 0; i < parsed.names.size(); ++i) {

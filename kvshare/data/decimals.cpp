@@ -152,7 +152,7 @@ std::optional<std::string> DigitsOfTyped(std::string_view text) {
 }
 
 std::string DigitsOfReal(double value) {
-  Decimal number(value);
+  rtl::Decimal number(value);
   number.RoundToSignificant(kGeneralDigits);
   if (number.IsZero()) return "0";
   std::string digits;

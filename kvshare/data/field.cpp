@@ -11,6 +11,7 @@
 #include "kvshare/data/wireforms.h"
 #include "kvshare/data/wiretexts.h"
 #include "kvshare/rtl/convert.h"
+#include "kvshare/rtl/decimal.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/format.h"
 
@@ -34,7 +35,6 @@ std::string_view KindOf(TFieldForm form) {
 
 constexpr double kLeastAmount = -922337203685477.5808;
 constexpr double kMostAmount = 922337203685477.5807;
-constexpr double kTwoTo63 = 9223372036854775808.0;
 
 }  // namespace
 

@@ -14,6 +14,7 @@
 #include "kvshare/data/record.h"
 #include "kvshare/data/wireforms.h"
 #include "kvshare/rtl/convert.h"
+#include "kvshare/rtl/decimal.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/strutils.h"
@@ -28,8 +29,6 @@ struct Range {
   double least;
   double most;
 };
-
-constexpr double kTwoTo63 = 9223372036854775808.0;
 
 Range RangeOf(TFieldType type) {
   switch (type) {

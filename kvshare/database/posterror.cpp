@@ -4,8 +4,8 @@ namespace kvshare {
 
 namespace {
 
-constexpr std::string_view kName = "PostErrorForm";
-constexpr std::string_view kCaption = "Post Error";
+constexpr std::string_view kPostForm = "PostErrorForm";
+constexpr std::string_view kPostCaption = "Post Error";
 
 using Shown = TErrorChoice::Shown;
 
@@ -15,7 +15,7 @@ constexpr TErrorChoice Choice(TDataAction action, Shown modified, bool originalI
           false};
 }
 
-constexpr TErrorChoice kChoices[] = {
+constexpr TErrorChoice kPostChoices[] = {
     Choice(TDataAction::daFail, Shown::Unchanged, true),
     Choice(TDataAction::daAbort, Shown::Unchanged, false),
     Choice(TDataAction::daRetry, Shown::EditValue, false),
@@ -23,10 +23,10 @@ constexpr TErrorChoice kChoices[] = {
 
 }  // namespace
 
-TPostErrorForm::TPostErrorForm() : TUpdateErrorForm(kName, kCaption, kChoices, {}) {}
+TPostErrorForm::TPostErrorForm() : TUpdateErrorForm(kPostForm, kPostCaption, kPostChoices, {}) {}
 
 TPostErrorForm::TPostErrorForm(TDataSet& DataSet, const EDatabaseError& Error)
-    : TUpdateErrorForm(kName, kCaption, kChoices,
+    : TUpdateErrorForm(kPostForm, kPostCaption, kPostChoices,
                        {&DataSet, TUpdateKind::ukModify, Error.Message(), Error.Message()}) {}
 
 TDataAction DoHandlePostError(TDataSet& DataSet, const EDatabaseError& E, TDataAction& /*Action*/) {

@@ -4,8 +4,8 @@ namespace kvshare {
 
 namespace {
 
-constexpr std::string_view kName = "ReconcileErrorForm";
-constexpr std::string_view kCaption = "Update Error";
+constexpr std::string_view kReconcileForm = "ReconcileErrorForm";
+constexpr std::string_view kReconcileCaption = "Update Error";
 
 using Shown = TErrorChoice::Shown;
 
@@ -16,7 +16,7 @@ constexpr TErrorChoice Choice(TReconcileAction action, Shown modified, bool orig
           originalIsServer, needsConflict};
 }
 
-constexpr TErrorChoice kChoices[] = {
+constexpr TErrorChoice kReconcileChoices[] = {
     Choice(TReconcileAction::raSkip, Shown::NewValue, false, false),
     Choice(TReconcileAction::raCancel, Shown::Unchanged, false, false),
     Choice(TReconcileAction::raCorrect, Shown::EditValue, false, false),
@@ -26,11 +26,12 @@ constexpr TErrorChoice kChoices[] = {
 
 }  // namespace
 
-TReconcileErrorForm::TReconcileErrorForm() : TUpdateErrorForm(kName, kCaption, kChoices, {}) {}
+TReconcileErrorForm::TReconcileErrorForm()
+    : TUpdateErrorForm(kReconcileForm, kReconcileCaption, kReconcileChoices, {}) {}
 
 TReconcileErrorForm::TReconcileErrorForm(TDataSet& DataSet, TUpdateKind UpdateKind,
                                          const EReconcileError& Error)
-    : TUpdateErrorForm(kName, kCaption, kChoices,
+    : TUpdateErrorForm(kReconcileForm, kReconcileCaption, kReconcileChoices,
                        {&DataSet, UpdateKind, Error.Message(), Error.Context()}) {}
 
 TReconcileAction HandleReconcileError(TDataSet& DataSet, TUpdateKind UpdateKind,

@@ -31,7 +31,7 @@ constexpr std::array<std::string_view, 7> kPlaceWords = {"",       "แสน"_t
                                                          "ร้อย"_th, "สิบ"_th,  ""};
 
 constexpr std::string_view kMillion = "ล้าน"_th;
-constexpr std::string_view kBaht = "บาท"_th;
+constexpr std::string_view kBahtWord = "บาท"_th;
 constexpr std::string_view kSatang = "สตางค์"_th;
 constexpr std::string_view kExactly = "ถ้วน"_th;
 constexpr std::string_view kZero = "(ศูนย์ถ้วน)"_th;
@@ -96,7 +96,7 @@ char* PutNote(char* out, Currency amount) {
   const auto units = static_cast<unsigned>(digits.whole % 1'000'000);
   *out++ = '(';
   if (millions != 0) out = PutText(PutGroup(out, millions), kMillion);
-  if (digits.whole != 0) out = PutText(PutGroup(out, units), kBaht);
+  if (digits.whole != 0) out = PutText(PutGroup(out, units), kBahtWord);
   if (digits.hundredths == 0) {
     out = PutText(out, kExactly);
   } else {

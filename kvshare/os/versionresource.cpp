@@ -42,9 +42,9 @@ struct Node {
   std::size_t end = 0;
 };
 
-class Parser {
+class ResourceReader {
  public:
-  explicit Parser(std::string_view block) : block_(block) {}
+  explicit ResourceReader(std::string_view block) : block_(block) {}
 
   std::optional<VersionResource> Parse() {
     const auto root = ReadNode(0, block_.size());
@@ -164,7 +164,7 @@ std::string_view VersionResource::Value(VersionLanguage table, std::string_view 
 }
 
 std::optional<VersionResource> ParseVersionResource(std::string_view block) {
-  return Parser(block).Parse();
+  return ResourceReader(block).Parse();
 }
 
 }  // namespace kvshare::os

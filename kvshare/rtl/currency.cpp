@@ -16,16 +16,16 @@ constexpr Int128 PowerOfTen(int exponent) {  // 0 .. 37
 }
 
 // A finite number as the shortest decimal text that stands for it: digits * 10^exponent.
-struct Decimal {
+struct ShortDecimal {
   std::int64_t digits = 0;  // at most 17 digits
   int exponent = 0;
 };
 
-Decimal ShortestDecimal(double value) {
+ShortDecimal ShortestDecimal(double value) {
   char text[32];
   const auto [end, error] =
       std::to_chars(std::begin(text), std::end(text), value, std::chars_format::scientific);
-  Decimal result;
+  ShortDecimal result;
   const char* c = text;
   const bool negative = *c == '-';
   if (negative) ++c;
@@ -48,7 +48,7 @@ Decimal ShortestDecimal(double value) {
 
 Currency FloatToCurrency(double value) {
   if (!(std::fabs(value) < 1e15)) throw EInvalidOp();  // NaN too
-  const Decimal decimal = ShortestDecimal(value);
+  const ShortDecimal decimal = ShortestDecimal(value);
   const int shift = decimal.exponent + 4;  // below 19 for a value below 10^15
   if (shift < -18) return {};              // at most 17 digits: below a tenth of the last place
   const Int128 raw = shift >= 0 ? decimal.digits * PowerOfTen(shift)

@@ -10,6 +10,9 @@
 
 namespace kvshare::inline rtl {
 
+// The first real number above every 64-bit integer.
+inline constexpr double kTwoTo63 = 9223372036854775808.0;
+
 // A number as 0.D1 D2 D3 ... * 10^Point() and a sign; D1 and the last digit are not 0. Zero has no
 // digit, Point() 1 and no sign. An amount has all its digits, up to 19; a real the 18 significant
 // digits of its exact binary value, a tie to the even one.

@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "kvshare/rtl/convert.h"
+#include "kvshare/rtl/decimal.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/strutils.h"
 
@@ -47,8 +48,6 @@ constexpr std::int64_t IntegerOf(std::int64_t value) {
 constexpr std::int64_t IntegerOf(bool value) {
   return value ? -1 : 0;
 }
-
-constexpr double kTwoTo63 = 9223372036854775808.0;
 
 std::int64_t RoundHalfEven(double value) {
   const double rounded = value - std::remainder(value, 1.0);

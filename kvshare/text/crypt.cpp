@@ -25,13 +25,13 @@ static_assert(kAlphabet.size() == 64);
 constexpr std::size_t kLeastKeyLength = 16;  // one letter for each nibble
 constexpr int kMostPadding = 100;
 
-using PlaceTable = std::array<std::uint8_t, 256>;
+using LetterPlaces = std::array<std::uint8_t, 256>;
 constexpr std::uint8_t kNoPlace = 255;
 
 // Where each byte stands in `letters`, or nothing when one stands there twice.
-constexpr std::optional<PlaceTable> PlacesIn(std::string_view letters) {
+constexpr std::optional<LetterPlaces> PlacesIn(std::string_view letters) {
   if (letters.size() > kAlphabet.size()) return std::nullopt;
-  PlaceTable places{};
+  LetterPlaces places{};
   places.fill(kNoPlace);
   for (std::size_t i = 0; i < letters.size(); ++i) {
     std::uint8_t& place = places[static_cast<unsigned char>(letters[i])];
@@ -41,9 +41,9 @@ constexpr std::optional<PlaceTable> PlacesIn(std::string_view letters) {
   return places;
 }
 
-constexpr PlaceTable kAlphabetPlaces = *PlacesIn(kAlphabet);
+constexpr LetterPlaces kAlphabetPlaces = *PlacesIn(kAlphabet);
 
-constexpr bool IsHeldBy(const PlaceTable& places, char letter) {
+constexpr bool IsHeldBy(const LetterPlaces& places, char letter) {
   return places[static_cast<unsigned char>(letter)] != kNoPlace;
 }
 
@@ -56,7 +56,7 @@ class KeyWheel {
     if (key.size() < kLeastKeyLength) return std::nullopt;
     const bool known =
         std::ranges::all_of(key, [](char c) { return IsHeldBy(kAlphabetPlaces, c); });
-    const std::optional<PlaceTable> places = PlacesIn(key);
+    const std::optional<LetterPlaces> places = PlacesIn(key);
     if (!known || !places) return std::nullopt;
     return KeyWheel(key, *places);
   }
@@ -79,7 +79,7 @@ class KeyWheel {
   }
 
  private:
-  KeyWheel(std::string_view key, const PlaceTable& places) : key_(key), places_(places) {}
+  KeyWheel(std::string_view key, const LetterPlaces& places) : key_(key), places_(places) {}
 
   // `position` is less than twice the key's length.
   std::size_t Wrap(std::size_t position) const {
@@ -88,7 +88,7 @@ class KeyWheel {
   void Turn() { turns_ = Wrap(turns_ + 1); }
 
   std::string_view key_;
-  PlaceTable places_;
+  LetterPlaces places_;
   std::size_t turns_ = 0;  // 0 .. key_.size() - 1
 };
 

@@ -4,13 +4,12 @@
 #include <string_view>
 
 #include "kvshare/rtl/exceptions.h"
+#include "kvshare/ui/bitmapformat.h"
 
 namespace kvshare {
 
 namespace {
 
-constexpr std::uint32_t kFileHeader = 14;
-constexpr std::uint32_t kInfoHeader = 40;
 constexpr std::uint32_t kBitsPerPixel = 24;
 static_assert(sizeof(TPixel) == kBitsPerPixel / 8, "a row of pixels is a row of the file");
 
@@ -24,13 +23,13 @@ std::uint64_t RowSize(const TPicture& picture) {
 }
 
 void AppendHeaders(std::string& out, const TPicture& picture, std::uint32_t size) {
-  constexpr std::uint32_t kBegin = kFileHeader + kInfoHeader;
+  constexpr std::uint32_t kBegin = kBitmapFileHeader + kBitmapInfoHeader;
   out += "BM";
   AppendLittleEndian(out, size, 4);
   AppendLittleEndian(out, 0, 4);
   AppendLittleEndian(out, kBegin, 4);
 
-  AppendLittleEndian(out, kInfoHeader, 4);
+  AppendLittleEndian(out, kBitmapInfoHeader, 4);
   AppendLittleEndian(out, static_cast<std::uint32_t>(picture.width), 4);
   AppendLittleEndian(out, static_cast<std::uint32_t>(picture.height), 4);  // positive: bottom first
   AppendLittleEndian(out, 1, 2);
@@ -46,7 +45,7 @@ std::string BitmapFileBytes(const TPicture& picture) {
   if (picture.width < 0 || picture.height < 0) throw ERangeError();
   const auto width = static_cast<std::size_t>(picture.width);
   const auto height = static_cast<std::size_t>(picture.height);
-  const std::uint64_t size = kFileHeader + kInfoHeader + RowSize(picture) * height;
+  const std::uint64_t size = kBitmapFileHeader + kBitmapInfoHeader + RowSize(picture) * height;
   if (picture.pixels.size() != width * height || size > UINT32_MAX) throw ERangeError();
 
   std::string bytes;

@@ -6,6 +6,7 @@
 #include <span>
 
 #include "kvshare/ui/bitmap.h"
+#include "kvshare/ui/bitmapformat.h"
 #include "kvshare/ui/bitmaprle.h"
 
 namespace kvshare {
@@ -14,9 +15,7 @@ EInvalidGraphic::~EInvalidGraphic() = default;
 
 namespace {
 
-constexpr std::uint64_t kFileHeader = 14;
 constexpr std::uint32_t kOldHeader = 12;
-constexpr std::uint32_t kInfoHeader = 40;
 constexpr std::uint64_t kMasksSize = 12;
 
 enum Compression : std::uint32_t { kPlain = 0, kRle8 = 1, kRle4 = 2, kMasked = 3 };
@@ -49,7 +48,7 @@ struct Header {
 };
 
 bool IsKnownSize(std::uint32_t size) {
-  constexpr std::uint32_t kSizes[] = {kInfoHeader, 52, 56, 64, 108, 124};
+  constexpr std::uint32_t kSizes[] = {kBitmapInfoHeader, 52, 56, 64, 108, 124};
   return std::ranges::find(kSizes, size) != std::end(kSizes);
 }
 
@@ -69,36 +68,36 @@ bool FitTogether(std::uint16_t bits, std::uint32_t compression) {
 }
 
 void ReadOldHeader(Header& header, std::string_view bytes) {
-  header.width = Load<std::uint16_t>(bytes, kFileHeader + 4);
-  header.height = Load<std::uint16_t>(bytes, kFileHeader + 6);
-  Require(Load<std::uint16_t>(bytes, kFileHeader + 8) == 1);
-  header.bits = Load<std::uint16_t>(bytes, kFileHeader + 10);
+  header.width = Load<std::uint16_t>(bytes, kBitmapFileHeader + 4);
+  header.height = Load<std::uint16_t>(bytes, kBitmapFileHeader + 6);
+  Require(Load<std::uint16_t>(bytes, kBitmapFileHeader + 8) == 1);
+  header.bits = Load<std::uint16_t>(bytes, kBitmapFileHeader + 10);
   Require(header.bits <= 8 || header.bits == 24);
 }
 
 void ReadInfoHeader(Header& header, std::string_view bytes) {
-  Require(bytes.size() >= kFileHeader + header.size);
-  header.width = Load<std::uint32_t>(bytes, kFileHeader + 4);
-  header.height = Load<std::uint32_t>(bytes, kFileHeader + 8);
+  Require(bytes.size() >= kBitmapFileHeader + header.size);
+  header.width = Load<std::uint32_t>(bytes, kBitmapFileHeader + 4);
+  header.height = Load<std::uint32_t>(bytes, kBitmapFileHeader + 8);
   header.topFirst = header.height > INT32_MAX;
   if (header.topFirst) header.height = 0 - header.height;
-  Require(Load<std::uint16_t>(bytes, kFileHeader + 12) == 1);
-  header.bits = Load<std::uint16_t>(bytes, kFileHeader + 14);
-  header.compression = Load<std::uint32_t>(bytes, kFileHeader + 16);
-  header.colours = Load<std::uint32_t>(bytes, kFileHeader + 32);
+  Require(Load<std::uint16_t>(bytes, kBitmapFileHeader + 12) == 1);
+  header.bits = Load<std::uint16_t>(bytes, kBitmapFileHeader + 14);
+  header.compression = Load<std::uint32_t>(bytes, kBitmapFileHeader + 16);
+  header.colours = Load<std::uint32_t>(bytes, kBitmapFileHeader + 32);
 }
 
 // Where the headers end: the masks behind a header that has no room for them are among them.
 std::uint64_t EndOfHeaders(const Header& header) {
-  const bool masksBehind = header.compression == kMasked && header.size == kInfoHeader;
-  return kFileHeader + header.size + (masksBehind ? kMasksSize : 0);
+  const bool masksBehind = header.compression == kMasked && header.size == kBitmapInfoHeader;
+  return kBitmapFileHeader + header.size + (masksBehind ? kMasksSize : 0);
 }
 
 Header ReadHeader(std::string_view bytes) {
   Require(bytes.starts_with("BM"));
   Header header;
   header.pixels = Load<std::uint32_t>(bytes, 10);
-  header.size = Load<std::uint32_t>(bytes, kFileHeader);
+  header.size = Load<std::uint32_t>(bytes, kBitmapFileHeader);
   Require(header.size == kOldHeader || IsKnownSize(header.size));
   header.size == kOldHeader ? ReadOldHeader(header, bytes) : ReadInfoHeader(header, bytes);
   Require(FitTogether(header.bits, header.compression));
@@ -153,7 +152,7 @@ Channels ReadChannels(const Header& header, std::string_view bytes) {
   if (header.bits == 32) masks = {0xFF0000, 0xFF00, 0xFF};
   if (header.compression == kMasked) {
     for (std::size_t i = 0; i < masks.size(); ++i) {
-      masks[i] = Load<std::uint32_t>(bytes, kFileHeader + kInfoHeader + 4 * i);
+      masks[i] = Load<std::uint32_t>(bytes, kBitmapFileHeader + kBitmapInfoHeader + 4 * i);
     }
   }
   const auto [red, green, blue] = masks;
