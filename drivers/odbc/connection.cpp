@@ -50,6 +50,10 @@ std::string ConnectionString(const Parameters& parameters) {
   return text;
 }
 
+// psqlodbc undoes a whole transaction where the first statement after BEGIN fails, and goes on as
+// if it were still there, unless it is told to leave failures to the server.
+constexpr std::string_view kLeavesFailuresAlone = ";Protocol=7.4-0";
+
 // Some drivers give all tables, and tell those of the system by their catalogue alone.
 bool IsSystemTable(const Rows& rows) {
   if (!rows.IsNull(3) && rows.Text(3).starts_with("SYSTEM")) return true;
@@ -150,6 +154,7 @@ class OdbcConnection final : public data::Connection {
   std::string Info(SQLUSMALLINT what);
   std::u16string Catalog();
   std::vector<std::string> ReadTableNames(bool system);
+  void Login(const std::string& connectionString);
   void StartSession();
   bool GivesUtf8Bytes();
   bool HasPlainBackslashes();
@@ -167,9 +172,23 @@ class OdbcConnection final : public data::Connection {
 };
 
 void OdbcConnection::Connect(const std::vector<std::pair<std::string, std::string>>& list) {
-  Disconnect();
   const Parameters parameters(list);
-  std::u16string text = ToUtf16(ConnectionString(parameters));
+  const std::string text = ConnectionString(parameters);
+  Login(text);
+  if (Info(SQL_DRIVER_NAME).starts_with("psqlodbc"))
+    Login(text + std::string(kLeavesFailuresAlone));
+  texts_.trimCharacters = parameters.IsTrue("Trim Char");
+  try {
+    StartSession();
+  } catch (...) {
+    Disconnect();
+    throw;
+  }
+}
+
+void OdbcConnection::Login(const std::string& connectionString) {
+  Disconnect();
+  std::u16string text = ToUtf16(connectionString);
   environment_ = Handle(SQL_HANDLE_ENV, nullptr);
   environment_.Check(
       SQLSetEnvAttr(environment_.Get(), SQL_ATTR_ODBC_VERSION, Number(SQL_OV_ODBC3), 0));
@@ -180,13 +199,6 @@ void OdbcConnection::Connect(const std::vector<std::pair<std::string, std::strin
                                              nullptr, SQL_DRIVER_NOPROMPT);
   connection_.Check(result);
   connected_ = true;
-  texts_.trimCharacters = parameters.IsTrue("Trim Char");
-  try {
-    StartSession();
-  } catch (...) {
-    Disconnect();
-    throw;
-  }
 }
 
 void OdbcConnection::StartSession() {

@@ -61,16 +61,16 @@ struct Dialect {
   const char* session = "";         // sent once; "" where nothing is needed
   const char* lockTimeout = "";     // sent with the number behind it; "" where there is none
   const char* lockTimeoutToo = "";  // a second one
-  std::int32_t leastTimeout = 0;    // where 0 would mean for ever
-  bool inSeconds = false;
-  bool failureEndsTransaction = false;
-  char quote = '"';  // around names
   drivers::ExactForms exactly = drivers::kPlainForms;
-  data::Lexis lexis = {};
-  bool sqlite = false;  // which has classes of values and no types
   // The type that a parameter is cast to, where its driver does not tell the server what it is.
   drivers::TypeOfValue typeOf = NoType;
+  std::int32_t leastTimeout = 0;  // where 0 would mean for ever
+  bool inSeconds = false;
+  bool failureEndsTransaction = false;
+  bool sqlite = false;  // which has classes of values and no types
+  char quote = '"';     // around names
   drivers::NullTests nullTests = drivers::NullTests::Plain;
+  data::Lexis lexis = {};
 };
 const Dialect& DialectOf(std::string_view dbmsName);
 

@@ -16,7 +16,7 @@ struct TransactionManners {
   bool savepointTells;    // where a statement has ended the transaction
   const char* beginAnew;  // sent after that; "" where the ODBC driver does so itself
   // Asks a server that the ODBC driver does not speak to at the end of a transaction in which
-  // nothing was done; "" where it does.
+  // nothing was done, or whose refusal of a commit it swallows; "" where it does neither.
   const char* question;
 };
 
@@ -187,6 +187,7 @@ bool Transaction::MayCommit(Ending ending) const {
 
 void Transaction::Fail(const DriverError& error) {
   const Kind kind = NoteFailure(error);
+  worked_ = false;  // Commit asks whether there still is a transaction
   if (state_.Active()) LookAfterFailure(kind);
   throw DriverError(error.what(), kind, error.Code());
 }

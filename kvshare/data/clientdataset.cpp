@@ -69,8 +69,9 @@ void TClientDataSet::CreateDataSet() {
 
 void TClientDataSet::InternalOpen() {
   const bool fetches = provider_ != nullptr && !loaded_;
+  // What was in memory alone went with Close: an empty set would look as if there were no records.
+  if (!fetches && !loaded_) DatabaseError("Missing data provider or data packet", this);
   if (fetches) DescribeByProvider();
-  if (fieldDefs_.Count() == 0) DatabaseError("Missing data provider or data packet", this);
   MakeRecords();
   if (fetches) FetchFromProvider();
 }
@@ -116,8 +117,8 @@ void TClientDataSet::InternalClose() noexcept {
 
 void TClientDataSet::EmptyDataSet() {
   CheckBrowseMode();
-  ForgetFields();
-  MakeRecords();
+  if (shape_) shape_->rows.clear();
+  records_->Empty();
   SetPlace(true, true, true);
 }
 
@@ -147,6 +148,13 @@ bool TClientDataSet::InternalLast() {
 
 // --- Editing
 
+void TClientDataSet::CheckRecordEditable() const {
+  const RowId row = records_->Row();
+  if (row != kNoRow && !records_->Table().IsThere(row)) {
+    DatabaseError("Cannot modify a deleted record", this);
+  }
+}
+
 void TClientDataSet::InternalEdit() {
   records_->BeginEdit();
 }
@@ -164,11 +172,12 @@ void TClientDataSet::CheckRequiredInPacket() const {
   }
 }
 
+bool TClientDataSet::KeepsCalculations() const {
+  return std::ranges::find(stored_, TFieldKind::fkInternalCalc, &TFieldDef::Kind) != stored_.end();
+}
+
 void TClientDataSet::InternalPost() {
-  const bool calculates = std::ranges::any_of(
-      stored_, [](TFieldKind kind) { return kind == TFieldKind::fkInternalCalc; },
-      &TFieldDef::Kind);
-  if (calculates) records_->Calculate();
+  if (KeepsCalculations()) records_->Calculate();
   CheckRequiredInPacket();
   records_->Post(LogChanges);
   if (!statusFilter_.IsEmpty()) Restand();

@@ -20,6 +20,7 @@ class ClientRecords;
 struct PacketShape;
 class Record;
 struct Refusal;
+class Resolver;
 struct UpdateTarget;
 }  // namespace data
 
@@ -81,7 +82,7 @@ class KVSHARE_API TClientDataSet : public TDataSet {
   // a size that HasValidSize refuses, and `Field '%s' is not kept with the record` for one of the
   // kinds fkCalculated and fkLookup.
   void CreateDataSet();
-  // Drops all records and the log.
+  // Drops all records and the log. The fields stay, with their handlers and masks.
   void EmptyDataSet();
 
   // --- Files (docs/datasets.md)
@@ -153,7 +154,10 @@ class KVSHARE_API TClientDataSet : public TDataSet {
   //
   // Then OnReconcileError decides about each refused change. The set stands on its record,
   // NewValues may be stored, and moves, Post, Cancel and Close throw
-  // `Changes are being reconciled`. Without a handler all stays as it is.
+  // `Changes are being reconciled`. Without a handler all stays as it is. An action that cannot be
+  // done, as the key of its record is another one's by now (`Key violation.`), leaves the change as
+  // raSkip does, and the handler is asked once more, with the reason as the message. A record of
+  // the server that cannot be read has no CurValues; Context tells why.
   //
   // A lost connection and a failed commit throw EServerError; the log is as it was. Throws
   // EDatabaseError `Missing data provider or data packet`, and what the provider's table and key
@@ -168,6 +172,7 @@ class KVSHARE_API TClientDataSet : public TDataSet {
   bool InternalNext() override;
   bool InternalPrior() override;
   bool InternalLast() override;
+  void CheckRecordEditable() const override;
   void InternalEdit() override;
   void InternalInsert(bool append) override;
   void InternalPost() override;
@@ -198,10 +203,13 @@ class KVSHARE_API TClientDataSet : public TDataSet {
   data::UpdateTarget TargetOf(const TDataSetProvider& provider) const;
   data::Record RecordOf(const TDataSet& server, std::uint32_t row) const;
   void Reconcile(std::vector<data::Refusal>& refusals);
+  void FetchRefused(data::Resolver& resolver, data::Refusal& refusal) const;
   void DecideAboutAll(std::vector<data::Refusal>& refusals);
-  TReconcileAction Decide(data::Refusal& refusal, TReconcileAction action, int previousError);
+  TReconcileAction Decide(data::Refusal& refusal, int previousError);
   void ActOn(data::Refusal& refusal, TReconcileAction action);
   data::Record Merged(const data::Refusal& refusal) const;
+  bool KeepsCalculations() const;
+  data::Record Recalculated(data::Record record);
 
   TFieldDefs fieldDefs_;
   struct Derived {

@@ -87,7 +87,9 @@ std::size_t FindOneByOne(const data::ClientRecords& records, const Search& searc
 
 std::size_t Find(const data::ClientRecords& records, const Search& search) {
   if (search.IsPlain()) {
-    if (std::ranges::equal(search.columns, records.Table().Key())) {
+    // The index of the key knows the records that are there.
+    if (!records.Order().ShowsDeleted() &&
+        std::ranges::equal(search.columns, records.Table().Key())) {
       return FindByKey(records, search);
     }
     const std::vector<int>& sorted = records.Order().Columns();

@@ -44,6 +44,32 @@ void ClientRecords::Show() {
   }
 }
 
+void ClientRecords::Empty() {
+  table_.Clear();
+  order_.Rebuild();
+  editing_ = false;
+  StandAt(RowOrder::kNowhere);
+}
+
+Record ClientRecords::Recalculated(const Record& record) {
+  struct EditingAgain {
+    ClientRecords& records;
+    RecordBuffer buffer = records.buffer_;
+    bool editing = records.editing_;
+    ~EditingAgain() {
+      records.buffer_ = std::move(buffer);
+      records.editing_ = editing;
+      records.Show();
+    }
+  };
+  const EditingAgain afterwards{*this};
+  buffer_.Load(Layout(), record);
+  editing_ = true;
+  Show();
+  Calculate();
+  return {Layout(), buffer_};
+}
+
 bool ClientRecords::StandAt(std::size_t position) {
   position_ = position;
   Show();

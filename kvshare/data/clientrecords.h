@@ -31,6 +31,8 @@ class ClientRecords {
   const TRecordReader& Current() const { return current_; }
   const TRecordReader& Calculated() const { return calculated_; }
 
+  void Empty();  // no record, no log, nothing edited
+
   // --- The place. Each tells whether there is a record at it.
 
   bool StandAt(std::size_t position);
@@ -64,6 +66,8 @@ class ClientRecords {
     calculated_.Outdate();
     calculated_.Refresh();
   }
+  // The record with its kept calculations made anew; what is being edited stays as it is.
+  Record Recalculated(const Record& record);
   void PutCalculated(int column, const Cell& cell) { calculated_.Put(column, cell); }
 
   // --- The images of the current record; nullptr where a column has no value in them

@@ -121,13 +121,22 @@ int TClientDataSet::ApplyUpdates(int maxErrors) {
     Restand();
   }
   if (OnReconcileError && !applied.refusals.empty()) {
-    for (Refusal& refusal : applied.refusals) {
-      if (const auto query = resolver.Fetch(refusal.row))
-        refusal.server = RecordOf(*query, refusal.row);
-    }
+    for (Refusal& refusal : applied.refusals) FetchRefused(resolver, refusal);
     Reconcile(applied.refusals);
   }
   return static_cast<int>(applied.refusals.size());
+}
+
+// A record that cannot be read, for a letter outside the code page say, is no reason to leave the
+// others undecided: what was written is written.
+void TClientDataSet::FetchRefused(data::Resolver& resolver, Refusal& refusal) const {
+  try {
+    if (const auto query = resolver.Fetch(refusal.row)) {
+      refusal.server = RecordOf(*query, refusal.row);
+    }
+  } catch (const Exception& e) {
+    refusal.context = e.Message();
+  }
 }
 
 // What the server has of a record, and of columns that are none of its table what the record has.
@@ -168,11 +177,8 @@ void TClientDataSet::Reconcile(std::vector<Refusal>& refusals) {
 void TClientDataSet::DecideAboutAll(std::vector<Refusal>& refusals) {
   int previous = 0;
   for (Refusal& refusal : refusals) {
-    const auto first = refusal.last ? TReconcileAction::raAbort : TReconcileAction::raSkip;
-    const TReconcileAction action = Decide(refusal, first, previous);
-    if (action == TReconcileAction::raAbort) return;
+    if (Decide(refusal, previous) == TReconcileAction::raAbort) return;
     previous = refusal.code;
-    ActOn(refusal, action);
   }
 }
 
@@ -197,36 +203,56 @@ class TClientDataSet::RefusedRecord {
   TClientDataSet& set_;
 };
 
-TReconcileAction TClientDataSet::Decide(Refusal& refusal, TReconcileAction action,
-                                        int previousError) {
+// What cannot be done is asked about once more, with the reason. An answer that has failed already
+// leaves the change as it is.
+TReconcileAction TClientDataSet::Decide(Refusal& refusal, int previousError) {
   const RefusedRecord shown(*this, refusal);
-  EReconcileError error(refusal.message, "", refusal.code, previousError);
-  OnReconcileError(*this, error, refusal.kind, action);
-  if (action == TReconcileAction::raCorrect && records_->IsEditing()) {
-    records_->Table().Modify(refusal.row, Record(records_->Layout(), records_->Buffer()), true);
+  std::vector<TReconcileAction> failed;
+  EReconcileError error(refusal.message, refusal.context, refusal.code, previousError);
+  for (;;) {
+    TReconcileAction action = refusal.last ? TReconcileAction::raAbort : TReconcileAction::raSkip;
+    OnReconcileError(*this, error, refusal.kind, action);
+    if (std::ranges::find(failed, action) != failed.end()) return TReconcileAction::raSkip;
+    try {
+      ActOn(refusal, action);
+      return action;
+    } catch (const EDBClient& e) {
+      failed.push_back(action);
+      error = EReconcileError(e.Message(), refusal.message, e.ErrorCode(), refusal.code);
+    }
   }
-  return action;
 }
 
+// Does all of the action or nothing.
 void TClientDataSet::ActOn(Refusal& refusal, TReconcileAction action) {
   data::RecordTable& table = records_->Table();
   switch (action) {
     case TReconcileAction::raCancel:
       table.Revert(refusal.row);
       return;
+    case TReconcileAction::raCorrect:
+      if (!records_->IsEditing()) return;
+      table.Modify(refusal.row, Recalculated(Record(records_->Layout(), records_->Buffer())), true);
+      return;
     case TReconcileAction::raMerge:
       if (!refusal.server) return;
-      if (refusal.kind != TUpdateKind::ukDelete) table.Modify(refusal.row, Merged(refusal), true);
+      if (refusal.kind != TUpdateKind::ukDelete) {
+        table.Modify(refusal.row, Recalculated(Merged(refusal)), true);
+      }
       table.SetOriginal(refusal.row, std::move(refusal.server));
       return;
     case TReconcileAction::raRefresh:
       if (!refusal.server) return;
-      table.SetOriginal(refusal.row, std::move(refusal.server));
-      table.Revert(refusal.row);
+      table.Rebase(refusal.row, Recalculated(refusal.server.Copy(records_->Layout())));
       return;
-    default:
+    case TReconcileAction::raSkip:
+    case TReconcileAction::raAbort:
       return;
   }
+}
+
+Record TClientDataSet::Recalculated(Record record) {
+  return KeepsCalculations() ? records_->Recalculated(record) : std::move(record);
 }
 
 // The server's values, and on top of them those that the user has changed or typed.

@@ -130,6 +130,7 @@ void TDataSet::Edit() {
   if (IsEditing()) return;
   CheckEditable();
   if (empty_) return Insert();
+  CheckRecordEditable();
   Tell(BeforeEdit);
   InternalEdit();
   modified_ = false;
@@ -162,6 +163,7 @@ void TDataSet::Delete() {
   if (state_ == TDataSetState::dsInsert) return Cancel();
   CheckBrowseMode();
   if (empty_) DatabaseError("Cannot perform this operation on an empty dataset", this);
+  CheckRecordEditable();
   Tell(BeforeDelete);
   const bool any = InternalDelete();
   SetPlace(!any, !any, !any);

@@ -127,6 +127,8 @@ class KVSHARE_API TDataSet : public TComponent {
   virtual bool InternalPrior();
   virtual bool InternalLast();
 
+  // Throws for a current record that can be neither edited nor deleted.
+  virtual void CheckRecordEditable() const {}
   // Of sets that can be modified. InternalPost and InternalDelete do all or nothing; the latter
   // goes to the record behind, else to the one before, and tells whether there is one, as
   // InternalCancel does.
@@ -145,7 +147,6 @@ class KVSHARE_API TDataSet : public TComponent {
   // its own index unless another is given.
   TField& AddField(const TRecordReader& record, TFieldDef def);
   TField& AddField(const TRecordReader& record, int column, TFieldDef def);
-  void ForgetFields() { fields_.clear(); }
 
   void CheckActive() const;
   void CheckNotHeld() const;

@@ -66,6 +66,13 @@ UniqueIndex RecordTable::IndexOf(Image image) const {
   return index;
 }
 
+void RecordTable::Clear() {
+  rows_.clear();
+  log_.clear();
+  changes_ = 0;
+  index_.Clear();
+}
+
 void RecordTable::SetKey(std::vector<int> key) {
   key_.swap(key);
   try {
@@ -193,6 +200,14 @@ void RecordTable::AcceptAll() {
   }
   log_.clear();
   changes_ = 0;
+}
+
+void RecordTable::Rebase(RowId row, Record base) {
+  Row& changed = rows_[row];
+  Reindex(row, changed.deleted ? nullptr : &changed.record, &base);
+  changed.record = std::move(base);
+  changed.deleted = false;
+  if (changed.entry != 0) Forget(row);
 }
 
 void RecordTable::SetOriginal(RowId row, Record original) {

@@ -24,6 +24,7 @@ class RecordTable {
 
   const RecordLayout& Layout() const { return layout_; }
   std::span<const int> Key() const { return key_; }
+  void Clear();  // all rows and the log
   // Another key. Throws EDBClient `Key violation.` where two records have it in common already.
   void SetKey(std::vector<int> key);
 
@@ -66,6 +67,9 @@ class RecordTable {
   // The present record becomes the base; the entry leaves.
   void Accept(RowId row);
   void AcceptAll();
+  // The row becomes this record, without a change, also where it is deleted. Throws EDBClient
+  // `Key violation.` when another row has the key; nothing is done then.
+  void Rebase(RowId row, Record base);
   // What the row is taken to have been; an inserted row becomes a modified one.
   void SetOriginal(RowId row, Record original);
   // An entry as a file has it, for a row of the base.

@@ -167,7 +167,7 @@ bool Resolver::TryChange(RowId row, Attempt& attempt) {
 Refusal Resolver::RefusalOf(RowId row, const Exception& error) const {
   const auto* server = dynamic_cast<const EServerError*>(&error);
   const int code = server != nullptr && server->Code() != 0 ? server->Code() : 1;
-  return {row, KindOf(table_.Status(row)), error.Message(), code, false, {}};
+  return {row, KindOf(table_.Status(row)), error.Message(), code, false, {}, {}};
 }
 
 void Resolver::Write(RowId row) {

@@ -22,9 +22,10 @@ struct Refusal {
   RowId row = kNoRow;
   TUpdateKind kind = TUpdateKind::ukModify;
   std::string message;
-  int code = 1;       // the server's, else 1
-  bool last = false;  // the one that the work was stopped at
-  Record server;      // what the server has now; empty where that is nothing, or not known
+  int code = 1;         // the server's, else 1
+  bool last = false;    // the one that the work was stopped at
+  std::string context;  // why the server's record cannot be read
+  Record server;        // what the server has now; empty where that is nothing, or not known
 };
 
 struct Applied {

@@ -28,6 +28,7 @@ class RowOrder {
   void Filter(TUpdateStatusSet statuses);
   void Rebuild();  // after the table has changed by itself
   const std::vector<int>& Columns() const { return columns_; }
+  bool ShowsDeleted() const { return statuses_.usDeleted; }
 
   int Count() const { return count_; }  // in view
   RowId At(std::size_t position) const { return rows_[position]; }

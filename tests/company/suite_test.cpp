@@ -50,6 +50,7 @@ DriverCase OnServer() {
     test.money = "DECIMAL_REAL(19,4)";
     test.foreignLetter = "char(20013)";
     test.wholeCurrency = false;
+    test.tellsDecimals = false;
     test.exactSums = false;
     test.comparesDays = false;
   }

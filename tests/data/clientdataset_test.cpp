@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <random>
 
@@ -465,6 +466,47 @@ TEST_F(ClientDataSet, AFilterOfTheClosedSetCountsWhenItIsOpened) {
   EXPECT_EQ(set.RecordCount(), 0);
   set.SetStatusFilter({});
   EXPECT_EQ(Codes(), "A ");
+}
+
+TEST_F(ClientDataSet, DeletedRecordsInViewAreFoundAndCanOnlyBeTakenBack) {
+  AddBase({"A", "B"});
+  Remove("B");
+  set.SetStatusFilter({.usDeleted = true});
+  bool asked = false;
+  set.BeforeDelete = set.BeforeEdit = [&](TDataSet&) { asked = true; };
+  ASSERT_TRUE(set.Locate("CODE", "B"));
+  EXPECT_EQ(set.Lookup("CODE", std::array<Variant, 1>{"B"}, "NAME"), Variant("x"));
+  EXPECT_EQ(MessageOf<EDatabaseError>([&] { set.Delete(); }), "Cannot modify a deleted record");
+  EXPECT_EQ(MessageOf<EDatabaseError>([&] { set.Edit(); }), "Cannot modify a deleted record");
+  EXPECT_FALSE(asked);
+  EXPECT_EQ(set.ChangeCount(), 1);
+  set.RevertRecord();
+  set.SetStatusFilter({});
+  EXPECT_EQ(Codes(), "A B ");
+}
+
+TEST_F(ClientDataSet, WhatWasInMemoryAloneIsNotOpenedAgainAsNothing) {
+  AddBase({"A"});
+  set.Close();
+  EXPECT_EQ(MessageOf<EDatabaseError>([&] { set.Open(); }), "Missing data provider or data packet");
+  EXPECT_FALSE(set.Active());
+  set.CreateDataSet();
+  EXPECT_TRUE(set.IsEmpty());
+}
+
+TEST_F(ClientDataSet, EmptyingKeepsTheFields) {
+  AddBase({"A"});
+  Add("B");
+  TField& name = set.FieldByName("NAME");
+  name.EditMask = "LLL;1;_";
+  set.EmptyDataSet();
+  EXPECT_TRUE(set.IsEmpty() && set.Bof() && set.Eof());
+  EXPECT_EQ(set.ChangeCount(), 0);
+  EXPECT_TRUE(name.IsNull());
+  EXPECT_EQ(&set.FieldByName("NAME"), &name);
+  EXPECT_EQ(name.EditMask, "LLL;1;_");
+  Add("A", "new");
+  EXPECT_EQ(Codes("NAME"), "new ");
 }
 
 TEST_F(ClientDataSet, AmountsKeepAllDigits) {

@@ -44,6 +44,7 @@ struct DriverCase {
   bool keepsMilliseconds = true;
   // The greatest amount that a column of `money` can hold is Currency's own.
   bool wholeCurrency = true;
+  bool tellsDecimals = true;  // of a declared decimal; else its values have as many as they have
   // Around an expression: at four decimals, a tie away from zero.
   std::string round = "ROUND(";
   std::string toFour = ", 4)";

@@ -1,8 +1,12 @@
 // Two people at one table, on every server: what one of them applies, the other one finds.
 #include "tests/data/updates_suite.h"
 
+#include <algorithm>
 #include <functional>
+#include <map>
 #include <optional>
+#include <random>
+#include <set>
 
 #include "kvshare/data/clientdataset.h"
 #include "kvshare/data/errors.h"
@@ -164,9 +168,9 @@ TEST_P(UpdatesSuite, AmountsAreStoredAsTheServerHasThem) {
     EXPECT_EQ(me.Rows(), rows);
     EXPECT_EQ(OnServer(), rows);
   };
-  for (const char* sign : {"", "-"}) {
-    me.Change(1, "PRICE", std::string(sign) + "2.34565");
-    apply(std::string(sign) + "2.3457");
+  for (const std::string sign : {"", "-"}) {
+    me.Change(1, "PRICE", sign + "2.34565");
+    apply(sign + (GetParam().tellsDecimals ? "2.3457" : "2.34565"));
   }
   me.Find(1);
   me.set.Edit();
@@ -420,6 +424,57 @@ TEST_P(UpdatesSuite, AsManyErrorsAsAreAllowed) {
   }
 }
 
+// A record of mine has the key of the server's record by now: what cannot be done is asked about
+// again, nothing changes, and later refusals are asked about too.
+TEST_P(UpdatesSuite, AnEndingThatTheKeysForbid) {
+  for (const TReconcileAction action : {raRefresh, raCancel, raCorrect}) {
+    Run("DELETE FROM KV_TEST");
+    Run("INSERT INTO KV_TEST (ID, NAME, PRICE) VALUES (1, 'pen', 12.5)");
+    Screen& me = MakeScreen();
+    me.set.SetPrimaryKey("ID");
+    me.Change(1, "ID", "10");
+    me.Add(1, "mine");
+    Run("UPDATE KV_TEST SET NAME = 'theirs'");
+    me.decide = [&](TClientDataSet& set) {
+      const bool first = set.FieldByName("ID").OldValue() == Variant(1);
+      me.answer = first ? action : raSkip;
+      if (first && action == raCorrect) set.FieldByName("ID").SetNewValue(1);
+    };
+    EXPECT_EQ(me.set.ApplyUpdates(-1), 2);
+    ASSERT_THAT(me.told, SizeIs(3));
+    EXPECT_EQ(me.told[0], "M 10 pen/-/theirs: " + std::string(kChanged));
+    EXPECT_THAT(me.told[1], testing::EndsWith("/theirs: Key violation."));
+    EXPECT_THAT(me.told[2], HasSubstr("I 1 null/mine/-: SQL Server Error: "));
+    EXPECT_EQ(me.Rows(), "10 pen 12.5;1 mine ;") << static_cast<int>(action);
+    me.decide = nullptr;
+    me.answer = raSkip;
+    EXPECT_EQ(me.set.ApplyUpdates(-1), 2) << "my change is still one of the earlier record";
+    EXPECT_EQ(OnServer(), "1 theirs 12.5;");
+  }
+}
+
+TEST_P(UpdatesSuite, ARecordThatCannotBeReadIsNoReasonToForgetTheOthers) {
+  Screen& me = MakeScreen();
+  Run("UPDATE KV_TEST SET NAME = " + GetParam().foreignLetter + " WHERE ID = 1");
+  Run("UPDATE KV_TEST SET NAME = 'theirs' WHERE ID = 2");
+  me.Change(1, "NAME", "A");
+  me.Change(2, "NAME", "B");
+  me.Change(3, "NAME", "C");
+  std::vector<std::string> contexts;
+  const auto ask = me.set.OnReconcileError;
+  me.set.OnReconcileError = [&](TClientDataSet& set, EReconcileError& e, TUpdateKind kind,
+                                TReconcileAction& action) {
+    contexts.push_back(e.Context());
+    ask(set, e, kind, action);
+  };
+  me.answer = raRefresh;
+  EXPECT_EQ(me.set.ApplyUpdates(-1), 2);
+  EXPECT_THAT(me.told, ElementsAre(std::string("M 1 pen/A/-: ") + kChanged,
+                                   std::string("M 2 book/B/theirs: ") + kChanged));
+  EXPECT_THAT(contexts, ElementsAre(HasSubstr("U+4E2D"), ""));
+  EXPECT_EQ(me.Rows(), "1 A 12.5;2 theirs 99.9975;3 C 7;");
+}
+
 // An error of the server itself, in the middle: what was written before and after it counts.
 TEST_P(UpdatesSuite, ARefusedStatementLeavesTheOthers) {
   Screen& me = MakeScreen();
@@ -503,6 +558,168 @@ TEST_P(UpdatesSuite, ErrorsOfTheHandlerLoseNothing) {
   EXPECT_EQ(me.set.ChangeCount(), 2) << "the third one is written";
   EXPECT_EQ(me.Rows(), "1 A 12.5;2 B 99.9975;3 C 7;");
   EXPECT_EQ(OnServer(), "3 C 7;");
+}
+
+// --- Two people at random
+
+// A change as the log has it: kind, the record before, the record now.
+using LogLine = std::string;
+
+LogLine LineOf(const TClientDataSet& set, TUpdateKind kind) {
+  std::string line(1, "MID"[static_cast<int>(kind)]);
+  for (const char* name : {"ID", "NAME", "PRICE"}) {
+    line += " " + VarToStr(set.FieldByName(name).OldValue());
+  }
+  line += " ->";
+  for (const char* name : {"ID", "NAME", "PRICE"}) line += " " + set.FieldByName(name).AsString();
+  return line;
+}
+
+// What a change was made of, `1 pen 12.5`.
+std::string Before(const LogLine& line) {
+  return line.substr(2, line.find(" ->") - 2);
+}
+std::string After(const LogLine& line) {
+  return line.substr(line.find("-> ") + 3);
+}
+
+class RandomUser {
+ public:
+  RandomUser(Screen& screen, std::mt19937& random, int& tokens)
+      : screen_(screen), random_(random), tokens_(tokens) {
+    Set().SetPrimaryKey("ID");
+    Set().OnReconcileError = [this](TClientDataSet& set, EReconcileError& e, TUpdateKind kind,
+                                    TReconcileAction& action) { Decide(set, e, kind, action); };
+  }
+
+  void ChangeSomething() {
+    try {
+      if (Any(4) == 0 || Set().IsEmpty()) {
+        Set().Append();
+        Put("ID", Any(6));
+        Put("PRICE", ++tokens_);
+      } else {
+        Set().First();
+        for (int i = Any(Set().RecordCount()); i > 0; --i) Set().Next();
+        if (Any(4) == 0) return Set().Delete();
+        Set().Edit();
+        if (Any(3) == 0) Put("ID", Any(6));
+      }
+      Put("NAME", ++tokens_);
+      Set().Post();
+    } catch (const EDBClient&) {  // the key is there already
+      Set().Cancel();
+    }
+  }
+
+  // Applies, and follows in `server` what was acknowledged. Nothing may have been overwritten that
+  // this user has not seen.
+  void Apply(std::multiset<std::string>& server) {
+    decided_.clear();
+    const std::multiset<LogLine> before = Log();
+    Set().ApplyUpdates(Any(3) - 1);
+    std::multiset<LogLine> after = Log();
+    std::vector<LogLine> written;
+    for (const LogLine& line : before) {
+      if (decided_.contains(line)) continue;
+      if (const auto left = after.find(line); left != after.end()) {
+        after.erase(left);
+      } else {
+        written.push_back(line);
+      }
+    }
+    for (const LogLine& line : written) {
+      if (line[0] == 'I') continue;
+      EXPECT_EQ(server.erase(Before(line)), 1U) << line << ": written over something else";
+    }
+    for (const LogLine& line : written) {
+      if (line[0] != 'D') server.insert(After(line));
+    }
+    for (const auto& decided : decided_) Follow(decided, after, server);
+    EXPECT_THAT(after, IsEmpty()) << "changes that nobody has made";
+  }
+
+  void FetchAgain() {
+    Set().Close();
+    Set().Open();
+  }
+
+ private:
+  TClientDataSet& Set() { return screen_.set; }
+  int Any(int count) { return static_cast<int>(random_() % static_cast<unsigned>(count)); }
+  void Put(const char* name, int value) { Set().FieldByName(name).SetAsInteger(value); }
+
+  std::multiset<LogLine> Log() {
+    std::multiset<LogLine> log;
+    Set().SetStatusFilter({.usModified = true, .usInserted = true, .usDeleted = true});
+    for (Set().First(); !Set().Eof(); Set().Next()) {
+      using enum TUpdateStatus;
+      const TUpdateStatus status = Set().UpdateStatus();
+      log.insert(LineOf(Set(), status == usInserted  ? ukInsert
+                               : status == usDeleted ? ukDelete
+                                                     : ukModify));
+    }
+    Set().SetStatusFilter({});
+    return log;
+  }
+
+  void Decide(TClientDataSet& set, const EReconcileError& e, TUpdateKind kind,
+              TReconcileAction& action) {
+    if (e.Message() != "Key violation.") asked_ = LineOf(set, kind);
+    if (action != raAbort) action = static_cast<TReconcileAction>(Any(6));
+    decided_[asked_] = action;
+    if (action == raCorrect && kind != ukDelete) {
+      set.FieldByName("ID").SetNewValue(Any(6));
+      set.FieldByName("NAME").SetNewValue(++tokens_);
+    }
+  }
+
+  // A change that was decided about is left in one of the ways that the decision allows.
+  static void Follow(const std::pair<const LogLine, TReconcileAction>& decided,
+                     std::multiset<LogLine>& after, const std::multiset<std::string>& server) {
+    const auto& [line, action] = decided;
+    if (const auto left = after.find(line); left != after.end()) {
+      after.erase(left);
+      return;
+    }
+    if (action == raCancel || action == raRefresh) return;
+    const auto changed = std::ranges::find_if(after, [&](const LogLine& now) {
+      if (action == raCorrect) return Before(now) == Before(line) && now[0] == line[0];
+      return action == raMerge && server.contains(Before(now));
+    });
+    EXPECT_NE(changed, after.end()) << line << " is lost by " << static_cast<int>(action);
+    if (changed != after.end()) after.erase(changed);
+  }
+
+  Screen& screen_;
+  std::mt19937& random_;
+  int& tokens_;  // each value is written only once
+  LogLine asked_;
+  std::map<LogLine, TReconcileAction> decided_;
+};
+
+TEST_P(UpdatesSuite, NobodysAcknowledgedChangeIsLost) {
+  for (unsigned seed = 1; seed <= 4; ++seed) {
+    std::mt19937 random(seed);
+    Run("DELETE FROM KV_TEST");
+    int tokens = 100;
+    std::multiset<std::string> server;
+    RandomUser users[] = {{MakeScreen(), random, tokens}, {MakeScreen(), random, tokens}};
+    for (int step = 0; step < 120; ++step) {
+      RandomUser& user = users[random() % 2];
+      if (random() % 12 == 0) user.FetchAgain();
+      user.ChangeSomething();
+      if (random() % 3 == 0) user.Apply(server);
+      std::multiset<std::string> there;
+      const auto rows = Rows("SELECT ID, NAME, PRICE FROM KV_TEST");
+      for (; !rows->Eof(); rows->Next()) {
+        there.insert(rows->Fields(0).AsString() + " " + rows->Fields(1).AsString() + " " +
+                     rows->Fields(2).AsString());
+      }
+      ASSERT_EQ(there, server) << "seed " << seed << ", step " << step;
+      ASSERT_FALSE(HasFailure());
+    }
+  }
 }
 
 }  // namespace
