@@ -351,7 +351,7 @@ TEST_F(DbDate, Attaches) {
   };
   for (const Case& c : cases) {
     set.Close();
-    set.Open();  // the fields anew, nothing attached
+    set.CreateDataSet();  // the fields anew, nothing attached
     c.attach(set, "f" + NameOf(c.type).substr(1));
     EXPECT_EQ(looks(Of(c.type)), c.looks);
     const std::string error = MessageOf<EDatabaseError>([&] { c.attach(set, "NONE"); });
