@@ -155,5 +155,59 @@ void BM_EditAndPost(benchmark::State& state) {
 }
 BENCHMARK(BM_EditAndPost);
 
+// A set whose every record has been changed since it was fetched.
+TClientDataSet& FillChanged(TClientDataSet& set, std::int64_t records) {
+  set.FieldDefs().Add("ID", TFieldType::ftInteger, 0, true);
+  set.FieldDefs().Add("QTY", TFieldType::ftInteger);
+  set.SetPrimaryKey("ID");
+  set.LogChanges = false;
+  set.CreateDataSet();
+  for (std::int64_t i = 0; i < records; ++i) {
+    set.Append();
+    set.Fields(0).SetAsInteger(static_cast<std::int32_t>(i));
+    set.Fields(1).SetAsInteger(0);
+    set.Post();
+  }
+  set.LogChanges = true;
+  for (set.First(); !set.Eof(); set.Next()) {
+    set.Edit();
+    set.Fields(1).SetAsInteger(1);
+    set.Post();
+  }
+  return set;
+}
+
+// The time of one record stays the same however many there are.
+void BM_UndoEveryChange(benchmark::State& state) {
+  for (auto _ : state) {
+    state.PauseTiming();
+    auto set = std::make_unique<TClientDataSet>();
+    FillChanged(*set, state.range(0));
+    state.ResumeTiming();
+    while (set->UndoLastChange(true)) {
+    }
+    state.PauseTiming();
+    set.reset();
+    state.ResumeTiming();
+  }
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(BM_UndoEveryChange)->Range(1 << 12, 1 << 18)->Unit(benchmark::kMillisecond);
+
+void BM_PostUnderStatusFilter(benchmark::State& state) {
+  TClientDataSet set;
+  FillChanged(set, state.range(0)).SetStatusFilter({.usModified = true});
+  int value = 1;
+  for (auto _ : state) {
+    set.Edit();
+    set.Fields(1).SetAsInteger(++value);
+    set.Post();
+    set.Next();
+    if (set.Eof()) set.First();
+  }
+  state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK(BM_PostUnderStatusFilter)->Range(1 << 12, 1 << 18);
+
 }  // namespace
 }  // namespace kvshare

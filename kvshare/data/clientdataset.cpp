@@ -54,6 +54,7 @@ void TClientDataSet::CreateDataSet() {
   if (fieldDefs_.Count() == 0) {
     DatabaseError("No fields defined.  Cannot create dataset", this);
   }
+  CheckNames(fieldDefs_.All());
   for (const TFieldDef& def : fieldDefs_.All()) {
     if (!HasValidSize(def)) DatabaseError("Invalid field size", this);
     if (def.Kind == TFieldKind::fkCalculated || def.Kind == TFieldKind::fkLookup) {
@@ -65,6 +66,17 @@ void TClientDataSet::CreateDataSet() {
   loaded_ = NewRecords(fieldDefs_.All());
   Arrange(*loaded_, fieldDefs_.All(), primaryKey_, defaultOrder_);
   Open();
+}
+
+// A query may have columns without a name and several of one; in a packet they would be lost.
+void TClientDataSet::CheckNames(const std::vector<TFieldDef>& fields) const {
+  for (auto field = fields.begin(); field != fields.end(); ++field) {
+    if (field->Name.empty()) DatabaseError("Field name missing", this);
+    const auto same = [&](const TFieldDef& other) { return SameText(other.Name, field->Name); };
+    if (std::any_of(fields.begin(), field, same)) {
+      DatabaseError(Format("Duplicate field name '%s'", {field->Name}), this);
+    }
+  }
 }
 
 void TClientDataSet::InternalOpen() {
@@ -176,11 +188,10 @@ bool TClientDataSet::KeepsCalculations() const {
   return std::ranges::find(stored_, TFieldKind::fkInternalCalc, &TFieldDef::Kind) != stored_.end();
 }
 
-void TClientDataSet::InternalPost() {
+bool TClientDataSet::InternalPost() {
   if (KeepsCalculations()) records_->Calculate();
   CheckRequiredInPacket();
-  records_->Post(LogChanges);
-  if (!statusFilter_.IsEmpty()) Restand();
+  return records_->Post(LogChanges);
 }
 
 bool TClientDataSet::InternalCancel() {
@@ -321,11 +332,9 @@ TUpdateStatus TClientDataSet::UpdateStatus() const {
 void TClientDataSet::RevertRecord() {
   CheckActive();
   CheckNotHeld();
+  const bool inserting = State() == TDataSetState::dsInsert;
   Cancel();
-  const RowId row = records_->Row();
-  if (row == kNoRow) return;
-  records_->Table().Revert(row);
-  Restand();
+  if (!inserting && records_->Row() != kNoRow) Revert(records_->Row());
 }
 
 bool TClientDataSet::UndoLastChange(bool followChange) {
@@ -334,13 +343,18 @@ bool TClientDataSet::UndoLastChange(bool followChange) {
   Cancel();
   const RowId newest = records_->Table().NewestChange();
   if (newest == kNoRow) return false;
-  records_->Table().Revert(newest);
-  Restand();
+  Revert(newest);
   if (followChange && records_->Order().IsInView(newest)) {
     records_->StandOn(newest);
     SetPlace(false, false, false);
   }
   return true;
+}
+
+void TClientDataSet::Revert(RowId row) {
+  records_->Revert(row);
+  const bool any = records_->Row() != kNoRow;
+  SetPlace(!any, !any, !any);
 }
 
 void TClientDataSet::CancelUpdates() {

@@ -78,9 +78,9 @@ class KVSHARE_API TClientDataSet : public TDataSet {
   void AddCalculated(std::string_view name, TFieldType type, int size = 0);
   void AddLookup(std::string_view name, TFieldType type, int size, TLookup lookup);
 
-  // Opens, empty and logging, with the fields of FieldDefs. EDatabaseError `Invalid field size` for
-  // a size that HasValidSize refuses, and `Field '%s' is not kept with the record` for one of the
-  // kinds fkCalculated and fkLookup.
+  // Opens, empty and logging, with the fields of FieldDefs. EDatabaseError `Field name missing`,
+  // `Duplicate field name '%s'`, `Invalid field size` for a size that HasValidSize refuses, and
+  // `Field '%s' is not kept with the record` for one of the kinds fkCalculated and fkLookup.
   void CreateDataSet();
   // Drops all records and the log. The fields stay, with their handlers and masks.
   void EmptyDataSet();
@@ -96,7 +96,7 @@ class KVSHARE_API TClientDataSet : public TDataSet {
   // The records as they were posted, with the log; without calculated and lookup fields. The file
   // is there whole, or the earlier one stays: EInOutError. EDBClient for a value that a packet
   // cannot hold: what a server has that is no value of its type, a moment past the year 9999, NaN;
-  // a field of a type without values.
+  // a field of a type without values. EDatabaseError for fields as CreateDataSet refuses them.
   void SaveToFile(std::string_view fileName) const;
   std::string XMLData() const;
 
@@ -134,8 +134,9 @@ class KVSHARE_API TClientDataSet : public TDataSet {
   const TUpdateStatusSet& StatusFilter() const { return statusFilter_; }
   void SetStatusFilter(const TUpdateStatusSet& filter);
 
-  // The current record, or the newest change, as before its change. The latter is false without a
-  // change; with `followChange` the set goes to the record.
+  // The current record, or the newest change, as before its change; a record that is being inserted
+  // is given up. The latter is false without a change; with `followChange` the set goes to the
+  // record.
   void RevertRecord();
   bool UndoLastChange(bool followChange);
   void CancelUpdates();   // all back
@@ -175,7 +176,7 @@ class KVSHARE_API TClientDataSet : public TDataSet {
   void CheckRecordEditable() const override;
   void InternalEdit() override;
   void InternalInsert(bool append) override;
-  void InternalPost() override;
+  bool InternalPost() override;
   bool InternalCancel() override;
   bool InternalDelete() override;
   void StoreCell(TField& field, int column, const data::Cell& value) override;
@@ -187,6 +188,7 @@ class KVSHARE_API TClientDataSet : public TDataSet {
   std::unique_ptr<data::ClientRecords> NewRecords(const std::vector<TFieldDef>& fields);
   void Arrange(data::ClientRecords& records, const std::vector<TFieldDef>& fields,
                std::string_view primaryKey, std::string_view defaultOrder) const;
+  void CheckNames(const std::vector<TFieldDef>& fields) const;
   void MakeRecords();
   void CheckRequiredInPacket() const;
   std::vector<int> ColumnsOf(std::string_view names) const { return ColumnsIn(stored_, names); }
@@ -194,6 +196,7 @@ class KVSHARE_API TClientDataSet : public TDataSet {
   std::size_t Find(std::string_view keyFields, std::span<const Variant> values,
                    TLocateOptions options) const;
   void Restand();
+  void Revert(std::uint32_t row);
   void Calculate();
   void FillLookups();
 

@@ -38,6 +38,7 @@ void TClientDataSet::SaveToFile(std::string_view fileName) const {
 
 std::string TClientDataSet::XMLData() const {
   CheckActive();
+  CheckNames(stored_);
   const data::PacketShape none;
   return data::WritePacket({.fields = stored_,
                             .table = records_->Table(),

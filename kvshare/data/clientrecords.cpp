@@ -98,27 +98,38 @@ void ClientRecords::BeginInsert(bool append) {
   Show();
 }
 
-bool ClientRecords::HasChanged(const Record& record) const {
+// A null that a new record is given is one of its values: the server is to put no default there.
+bool ClientRecords::HasChanged(RowId row) const {
+  const Record& record = table_.At(row);
+  const bool inserted = table_.Status(row) == TUpdateStatus::usInserted;
   for (int i = 0; i < Layout().Columns(); ++i) {
-    if (buffer_.Assigned(i) && buffer_.At(i) != record.At(Layout(), i)) return true;
+    if (!buffer_.Assigned(i)) continue;
+    if (buffer_.At(i) != record.At(Layout(), i)) return true;
+    if (inserted && !record.IsGiven(Layout(), i)) return true;
   }
   return false;
 }
 
-void ClientRecords::Post(bool logged) {
+bool ClientRecords::Post(bool logged) {
   RowId row = editedRow_;
   if (row == kNoRow) {
     row = table_.Insert(Record(Layout(), buffer_), logged);
-    editing_ = false;
-    StandAt(order_.Insert(row, insertAt_));
-    return;
-  }
-  if (HasChanged(table_.At(row))) {
+    if (order_.IsInView(row)) position_ = order_.Insert(row, insertAt_);
+  } else if (HasChanged(row)) {
+    const RowOrder::Standing before = order_.StandingOf(row);
     table_.Modify(row, Record(Layout(), buffer_), logged);
-    position_ = order_.Move(position_);
+    order_.Renew(row, before);
   }
   editing_ = false;
-  StandNear(row, position_);
+  return StandNear(row, position_ == RowOrder::kNowhere ? 0 : position_);
+}
+
+void ClientRecords::Revert(RowId row) {
+  const RowId current = Row();
+  const RowOrder::Standing before = order_.StandingOf(row);
+  table_.Revert(row);
+  order_.Renew(row, before);
+  StandNear(current, position_ == RowOrder::kNowhere ? 0 : position_);
 }
 
 bool ClientRecords::Cancel() {

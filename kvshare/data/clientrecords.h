@@ -56,9 +56,11 @@ class ClientRecords {
   const RecordBuffer& Buffer() const { return buffer_; }
   bool IsEditing() const { return editing_; }
   // Stores what is edited; does all or nothing. A record without a change is not logged.
-  void Post(bool logged);
+  bool Post(bool logged);
   bool Cancel();
   bool Delete(bool logged);
+  // As RecordTable::Revert. The place stays on its record, or near it.
+  void Revert(RowId row);
 
   // The calculated values have to be made again.
   void Outdate() { calculated_.Outdate(); }
@@ -105,7 +107,7 @@ class ClientRecords {
     std::function<void()> calculate_;
   };
 
-  bool HasChanged(const Record& record) const;
+  bool HasChanged(RowId row) const;
   void Show();
 
   RecordTable table_;

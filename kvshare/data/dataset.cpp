@@ -97,7 +97,9 @@ bool TDataSet::Locate(std::string_view /*keyFields*/, std::span<const Variant> /
 // Sets that cannot be modified never come here: CanModify is asked before.
 void TDataSet::InternalEdit() {}
 void TDataSet::InternalInsert(bool /*append*/) {}
-void TDataSet::InternalPost() {}
+bool TDataSet::InternalPost() {
+  return false;
+}
 bool TDataSet::InternalCancel() {
   return false;
 }
@@ -181,9 +183,9 @@ void TDataSet::CheckRequired() const {
   }
 }
 
-void TDataSet::PostRecord() {
+bool TDataSet::PostRecord() {
   CheckRequired();
-  InternalPost();
+  return InternalPost();
 }
 
 void TDataSet::Post() {
@@ -191,9 +193,10 @@ void TDataSet::Post() {
   CheckNotHeld();
   if (!IsEditing()) DatabaseError("Dataset not in edit or insert mode", this);
   Tell(BeforePost);
+  bool any = false;
   for (TDataAction action = TDataAction::daRetry; action == TDataAction::daRetry;) {
     try {
-      PostRecord();
+      any = PostRecord();
       break;
     } catch (EDatabaseError& e) {
       action = TDataAction::daFail;
@@ -204,7 +207,7 @@ void TDataSet::Post() {
   }
   modified_ = false;
   state_ = TDataSetState::dsBrowse;
-  SetPlace(false, false, false);
+  SetPlace(!any, !any, !any);
   Tell(AfterPost);
 }
 

@@ -130,11 +130,11 @@ class KVSHARE_API TDataSet : public TComponent {
   // Throws for a current record that can be neither edited nor deleted.
   virtual void CheckRecordEditable() const {}
   // Of sets that can be modified. InternalPost and InternalDelete do all or nothing; the latter
-  // goes to the record behind, else to the one before, and tells whether there is one, as
-  // InternalCancel does.
+  // goes to the record behind, else to the one before. Both, and InternalCancel, tell whether there
+  // is a record in view.
   virtual void InternalEdit();
   virtual void InternalInsert(bool append);
-  virtual void InternalPost();
+  virtual bool InternalPost();
   virtual bool InternalCancel();
   virtual bool InternalDelete();
 
@@ -172,7 +172,7 @@ class KVSHARE_API TDataSet : public TComponent {
   void CheckRequired() const;
   void RefuseUniDirectional() const;
   void Begin(bool append);
-  void PostRecord();
+  bool PostRecord();
   void Tell(const TDataSetNotifyEvent& event) {
     if (event) event(*this);
   }

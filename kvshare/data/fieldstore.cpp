@@ -30,23 +30,10 @@ struct Range {
   double most;
 };
 
-Range RangeOf(TFieldType type) {
-  switch (type) {
-    case TFieldType::ftSmallint:
-      return {std::numeric_limits<std::int16_t>::min(), std::numeric_limits<std::int16_t>::max()};
-    case TFieldType::ftWord:
-      return {0, std::numeric_limits<std::uint16_t>::max()};
-    case TFieldType::ftInteger:
-    case TFieldType::ftAutoInc:
-      return {std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()};
-    default:
-      return {-kTwoTo63, kTwoTo63};
-  }
-}
-
 // Of whole numbers: what their type holds, and of that what the field allows.
 Range RangeOf(const TField& field) {
-  Range range = RangeOf(field.DataType());
+  const TWholeRange whole = WholeRangeOf(field.DataType());
+  Range range{static_cast<double>(whole.Least), static_cast<double>(whole.Most)};
   if (field.MinValue == 0 && field.MaxValue == 0) return range;
   range.least = std::max(range.least, field.MinValue);
   range.most = std::min(range.most, field.MaxValue);

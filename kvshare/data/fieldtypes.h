@@ -107,6 +107,27 @@ constexpr TFieldForm FormOf(TFieldType type) {
   }
 }
 
+// The whole numbers that a type of the form Integer holds.
+struct TWholeRange {
+  std::int64_t Least;
+  std::int64_t Most;
+  constexpr bool Has(std::int64_t value) const { return value >= Least && value <= Most; }
+};
+
+constexpr TWholeRange WholeRangeOf(TFieldType type) {
+  switch (type) {
+    case TFieldType::ftSmallint:
+      return {INT16_MIN, INT16_MAX};
+    case TFieldType::ftWord:
+      return {0, UINT16_MAX};
+    case TFieldType::ftInteger:
+    case TFieldType::ftAutoInc:
+      return {INT32_MIN, INT32_MAX};
+    default:
+      return {INT64_MIN, INT64_MAX};
+  }
+}
+
 constexpr bool IsNumeric(TFieldType type) {
   const TFieldForm form = FormOf(type);
   return form == TFieldForm::Integer || form == TFieldForm::Real || form == TFieldForm::Decimal;

@@ -96,6 +96,7 @@ inline constexpr std::string_view kRowState = "RowState";
 inline constexpr std::string_view kRowData = "ROWDATA";
 // Attributes of PARAMS.
 inline constexpr std::string_view kChangeLog = "CHANGE_LOG";
+inline constexpr std::string_view kLastChanges = "LAST_CHANGES";  // ours
 inline constexpr std::string_view kDelta = "DATASET_DELTA";
 inline constexpr std::string_view kPrimaryKey = "PRIMARY_KEY";
 inline constexpr std::string_view kDefaultOrder = "DEFAULT_ORDER";

@@ -29,6 +29,8 @@ class LogReader {
   std::size_t OldestOf(std::size_t row) const;
   // The newest rows of what the log tells of, in its order, each once.
   std::vector<std::size_t> Changed();
+  // The rows in the order of their last changes, where the packet tells it.
+  const std::vector<std::size_t>& LastChanges() const { return lastChanges_; }
 
  private:
   [[noreturn]] void Refuse(std::size_t row, std::string_view why) const;
@@ -38,6 +40,7 @@ class LogReader {
   std::size_t line_;
   const std::vector<unsigned char>& states_;
   std::vector<std::size_t> numbers_;
+  std::vector<std::size_t> lastChanges_;
   std::vector<Link> links_;
 };
 
@@ -71,6 +74,12 @@ LogReader::LogReader(const PacketNode& params, const PacketRows& rows)
   }
   for (std::size_t row = 1; row < links_.size(); ++row) {
     if (links_[row].later == 0) FindNewest(row);
+  }
+  // Another program may have changed the log and left this behind: what it names is there or not.
+  if (const std::string* last = params.Attribute(kLastChanges)) {
+    lastChanges_ = NumbersOf(*last, line_);
+    std::erase_if(lastChanges_,
+                  [this](std::size_t row) { return row < 1 || row > states_.size(); });
   }
 }
 
@@ -140,6 +149,9 @@ class TableBuilder {
       if (IsRow(i)) ids_[i] = packet_.table.Insert(std::move(rows_.records[i]), false);
     }
     for (const std::size_t row : changed) Log(row);
+    for (const std::size_t row : log_.LastChanges()) {
+      if (const std::size_t newest = log_.Of(row).newest; newest != 0) LogLast(ids_[newest - 1]);
+    }
     for (auto& [row, attributes] : rows_.extras) KeepExtras(row, std::move(attributes));
   }
 
@@ -162,6 +174,10 @@ class TableBuilder {
     const std::size_t oldest = log_.OldestOf(row);
     if (oldest != row) packet_.table.LogModified(id, std::move(rows_.records[oldest - 1]));
     if (link.deleted) packet_.table.LogDeleted(id);
+  }
+
+  void LogLast(RowId id) {
+    if (id != kNoRow) packet_.table.LogLast(id);
   }
 
   void KeepExtras(std::size_t at, PacketAttributes attributes) {
@@ -194,9 +210,12 @@ void BuildTable(Packet& packet, const RecordLayout& layout, PacketRows rows) {
   TableBuilder(packet, rows, log).Build();
 }
 
-std::string ChangeLogOf(const RecordTable& table) {
-  if (table.ChangeCount() == 0) return {};
-  std::unordered_map<RowId, std::size_t> places;
+namespace {
+
+using Places = std::unordered_map<RowId, std::size_t>;
+
+Places PlacesOfChanges(const RecordTable& table) {
+  Places places;
   places.reserve(static_cast<std::size_t>(table.ChangeCount()));
   std::size_t rows = 0;
   for (RowId row = 0; row < table.Rows(); ++row) {
@@ -205,6 +224,28 @@ std::string ChangeLogOf(const RecordTable& table) {
     rows += status == TUpdateStatus::usModified ? 2 : 1;
     if (status != TUpdateStatus::usUnmodified) places.emplace(row, rows);
   }
+  return places;
+}
+
+}  // namespace
+
+std::string LastChangesOf(const RecordTable& table) {
+  const std::vector<RowId> last = table.ByLastChange();
+  std::vector<RowId> first;
+  table.ForEachChange([&first](RowId row) { first.push_back(row); });
+  if (last == first) return {};
+  const Places places = PlacesOfChanges(table);
+  std::string numbers;
+  for (const RowId row : last) {
+    if (!numbers.empty()) numbers += ' ';
+    numbers += std::to_string(places.at(row));
+  }
+  return numbers;
+}
+
+std::string ChangeLogOf(const RecordTable& table) {
+  if (table.ChangeCount() == 0) return {};
+  const Places places = PlacesOfChanges(table);
   std::string log;
   const auto append = [&log](std::size_t row, std::size_t before, unsigned kind) {
     if (!log.empty()) log += ' ';

@@ -1,7 +1,9 @@
 // The log of changes as a data packet has it. Internal.
 //
 // CHANGE_LOG has three numbers a change: a row, the row that it takes the place of (0: none), and
-// what happened to it, as a bit of RowState. Rows count from 1 in the order of the packet.
+// what happened to it, as a bit of RowState. Rows count from 1 in the order of the packet. Changes
+// stand in the order of the rows' first changes, as they are applied; LAST_CHANGES has the rows in
+// the order of their last ones, as they are taken back.
 #pragma once
 
 #include <cstddef>
@@ -28,5 +30,7 @@ void BuildTable(Packet& packet, const RecordLayout& layout, PacketRows rows);
 
 // The numbers of a table's log, and where its rows stand: a changed row behind its original one.
 std::string ChangeLogOf(const RecordTable& table);
+// The changed rows in the order of their last changes; "" where that is the order of the log.
+std::string LastChangesOf(const RecordTable& table);
 
 }  // namespace kvshare::data

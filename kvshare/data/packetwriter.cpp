@@ -67,7 +67,9 @@ class RowWriter {
       if (record.IsNull(i)) continue;
       out_ += openings_[static_cast<std::size_t>(i)];
       const Cell value = record.At(layout_, i);
-      if (!AppendPacketValue(out_, layout_.Form(i), value)) RefuseValue(i, value);
+      if (!IsInRange(i, value) || !AppendPacketValue(out_, layout_.Form(i), value)) {
+        RefuseValue(i, value);
+      }
       out_.push_back('"');
     }
     if (!source_.shape.rows.empty()) WriteExtras(row, state);
@@ -84,10 +86,19 @@ class RowWriter {
     }
   }
 
+  // A server may have greater numbers than the type that a program has declared.
+  bool IsInRange(int column, const Cell& value) const {
+    const bool whole = layout_.Form(column) == TFieldForm::Integer;
+    const auto at = static_cast<std::size_t>(column);
+    return !whole || WholeRangeOf(source_.fields[at].DataType).Has(value.integer);
+  }
+
   [[noreturn]] void RefuseValue(int column, const Cell& value) const {
     const std::string& name = source_.fields[static_cast<std::size_t>(column)].Name;
     const bool real = value.kind == CellKind::Real;
-    const std::string text = real ? FloatToStr(value.real) : Shown(value.text);
+    const std::string text = real                              ? FloatToStr(value.real)
+                             : value.kind == CellKind::Integer ? IntToStr(value.integer)
+                                                               : Shown(value.text);
     throw EDBClient(Format("Field '%s': %s is no value that a data packet can hold", {name, text}),
                     0);
   }
@@ -127,6 +138,7 @@ PacketNode TreeOf(const PacketSource& source) {
   fields.children = FieldNodes(source.fields, &fields);
   PacketNode& params = metadata.ChildOrNew("PARAMS");
   SetOrRemove(params, kChangeLog, ChangeLogOf(source.table));
+  SetOrRemove(params, kLastChanges, LastChangesOf(source.table));
   SetOrRemove(params, kPrimaryKey, NumbersOfFields(source.primaryKey));
   SetOrRemove(params, kDefaultOrder, NumbersOfFields(source.defaultOrder));
   params.Remove(kDelta);  // every row is written whole

@@ -108,7 +108,7 @@ ParameterValue WireValueOf(const Cell& cell, TFieldForm form) {
 RecordLayout::RecordLayout(std::vector<TFieldForm> forms) : forms_(std::move(forms)) {
   kinds_.reserve(forms_.size());
   for (const TFieldForm form : forms_) kinds_.push_back(CellKindOf(form));
-  const std::size_t bits = (forms_.size() + 7) / 8;
+  const std::size_t bits = 2 * GivenAt();
   slotsAt_ = (bits + kSlot - 1) / kSlot * kSlot;
 }
 
@@ -119,13 +119,17 @@ Record::Record(const RecordLayout& layout, const RecordBuffer& buffer) {
   block_ = std::make_unique_for_overwrite<std::byte[]>(size);
   std::byte* block = block_.get();
   std::memset(block, 0, layout.SlotsAt());
+  const auto set = [block](std::size_t bit) {
+    block[bit / 8] |= static_cast<std::byte>(1U << (bit % 8));
+  };
   for (int i = 0; i < layout.Columns(); ++i) {
     const auto at = static_cast<std::size_t>(i);
+    if (buffer.Given(i)) set(layout.GivenAt() * 8 + at);
     std::byte* slot = block + layout.SlotsAt() + at * RecordLayout::kSlot;
     const Cell cell = buffer.At(i);
     switch (cell.kind) {
       case CellKind::Null:
-        block[at / 8] |= static_cast<std::byte>(1U << (at % 8));
+        set(at);
         std::memset(slot, 0, RecordLayout::kSlot);
         break;
       case CellKind::Integer:
@@ -182,13 +186,16 @@ void RecordBuffer::Clear() {
   for (Slot& slot : values_) {
     slot.kind = CellKind::Null;
     slot.assigned = false;
+    slot.given = false;
   }
 }
 
 void RecordBuffer::Load(const RecordLayout& layout, const Record& record) {
   for (int i = 0; i < layout.Columns(); ++i) {
     Put(i, record.At(layout, i));
-    values_[static_cast<std::size_t>(i)].assigned = false;
+    Slot& slot = values_[static_cast<std::size_t>(i)];
+    slot.assigned = false;
+    slot.given = record.IsGiven(layout, i);
   }
 }
 
@@ -196,6 +203,7 @@ void RecordBuffer::Put(int column, const Cell& cell) {
   Slot& slot = values_[static_cast<std::size_t>(column)];
   slot.kind = cell.kind;
   slot.assigned = true;
+  slot.given = true;
   slot.integer = cell.integer;
   slot.real = cell.real;
   if (cell.kind == CellKind::Text) slot.text = cell.text;

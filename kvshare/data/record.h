@@ -76,8 +76,8 @@ void PutCell(RecordBuffer& out, int at, const TRecordReader& reader, int column,
 // A value as it crosses the driver contract. Throws EConvertError for a byte that is no letter.
 ParameterValue WireValueOf(const Cell& cell, TFieldForm form);
 
-// Where the columns lie in a block: bits that tell what is null, eight bytes a column (a number, or
-// place and length of a text), the texts.
+// Where the columns lie in a block: bits that tell what is null, bits that tell what was given a
+// value, eight bytes a column (a number, or place and length of a text), the texts.
 class RecordLayout {
  public:
   RecordLayout() = default;
@@ -86,6 +86,7 @@ class RecordLayout {
   int Columns() const { return static_cast<int>(forms_.size()); }
   TFieldForm Form(int column) const { return forms_[static_cast<std::size_t>(column)]; }
   CellKind Kind(int column) const { return kinds_[static_cast<std::size_t>(column)]; }
+  std::size_t GivenAt() const { return (forms_.size() + 7) / 8; }
   std::size_t SlotsAt() const { return slotsAt_; }
   std::size_t TextsAt() const { return slotsAt_ + forms_.size() * kSlot; }
 
@@ -107,9 +108,10 @@ class Record {
   explicit operator bool() const { return block_ != nullptr; }
   Record Copy(const RecordLayout& layout) const;
 
-  bool IsNull(int column) const {
-    const auto at = static_cast<std::size_t>(column);
-    return (std::to_integer<unsigned>(block_[at / 8]) >> (at % 8) & 1U) != 0;
+  bool IsNull(int column) const { return Bit(static_cast<std::size_t>(column)); }
+  // Whether the column was given a value, a null too, since the record was made.
+  bool IsGiven(const RecordLayout& layout, int column) const {
+    return Bit(layout.GivenAt() * 8 + static_cast<std::size_t>(column));
   }
   std::int64_t Integer(const RecordLayout& layout, int column) const {
     return Slot<std::int64_t>(layout, column);
@@ -127,6 +129,9 @@ class Record {
     std::uint32_t size;
   };
 
+  bool Bit(std::size_t at) const {
+    return (std::to_integer<unsigned>(block_[at / 8]) >> (at % 8) & 1U) != 0;
+  }
   template <typename T>
   T Slot(const RecordLayout& layout, int column) const {
     static_assert(sizeof(T) == RecordLayout::kSlot);
@@ -146,7 +151,7 @@ class Record {
 class RecordBuffer {
  public:
   void Resize(int columns) { values_.resize(static_cast<std::size_t>(columns)); }
-  void Clear();  // all null, nothing assigned
+  void Clear();  // all null, nothing assigned or given
   void Load(const RecordLayout& layout, const Record& record);
 
   void Put(int column, const Cell& cell);
@@ -156,11 +161,14 @@ class RecordBuffer {
 
   // Whether a value, a null too, was put since Clear or Load.
   bool Assigned(int column) const { return Value(column).assigned; }
+  // The same, or in a record that was loaded when that was made.
+  bool Given(int column) const { return Value(column).given; }
 
  private:
   struct Slot {
     CellKind kind = CellKind::Null;
     bool assigned = false;
+    bool given = false;
     std::int64_t integer = 0;
     double real = 0;
     std::string text;

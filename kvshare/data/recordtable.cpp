@@ -69,6 +69,7 @@ UniqueIndex RecordTable::IndexOf(Image image) const {
 void RecordTable::Clear() {
   rows_.clear();
   log_.clear();
+  history_.clear();
   changes_ = 0;
   index_.Clear();
 }
@@ -104,6 +105,19 @@ void RecordTable::Touch(RowId row, Record before) {
     ++changes_;
   }
   log_[entry - 1].touched = ++touches_;
+  history_.push_back({row, touches_});
+  constexpr std::size_t kFew = 64;
+  if (history_.size() <= 2 * static_cast<std::size_t>(changes_) + kFew) return;
+  std::erase_if(history_, [this](const Touched& change) { return !IsLatest(change); });
+}
+
+bool RecordTable::IsLatest(const Touched& change) const {
+  const std::uint32_t entry = rows_[change.row].entry;
+  return entry != 0 && log_[entry - 1].touched == change.touched;
+}
+
+void RecordTable::LogLast(RowId row) {
+  if (rows_[row].entry != 0) Touch(row, Record());
 }
 
 // Takes the row's entry out, and closes the gaps of the log when they are the most of it.
@@ -151,9 +165,17 @@ void RecordTable::Delete(RowId row, bool logged) {
   Remove(row);
 }
 
-RowId RecordTable::NewestChange() const {
-  const auto newest = std::ranges::max_element(log_, {}, &Entry::touched);
-  return newest == log_.end() ? kNoRow : newest->row;
+RowId RecordTable::NewestChange() {
+  while (!history_.empty() && !IsLatest(history_.back())) history_.pop_back();
+  return history_.empty() ? kNoRow : history_.back().row;
+}
+
+std::vector<RowId> RecordTable::ByLastChange() const {
+  std::vector<RowId> rows;
+  for (const Touched& change : history_) {
+    if (IsLatest(change)) rows.push_back(change.row);
+  }
+  return rows;
 }
 
 void RecordTable::Revert(RowId row) {
@@ -183,6 +205,7 @@ void RecordTable::RevertAll() {
     row.record = std::move(entry.before);
   }
   log_.clear();
+  history_.clear();
   changes_ = 0;
 }
 
@@ -199,6 +222,7 @@ void RecordTable::AcceptAll() {
     if (rows_[entry.row].deleted) Remove(entry.row);
   }
   log_.clear();
+  history_.clear();
   changes_ = 0;
 }
 

@@ -58,7 +58,9 @@ class RecordTable {
     }
   }
   // The row that was changed last; kNoRow.
-  RowId NewestChange() const;
+  RowId NewestChange();
+  // The changed rows, the one that was changed last at the end.
+  std::vector<RowId> ByLastChange() const;
 
   // As before the first change. Throws EDBClient `Key violation.` when another row has taken the
   // key meanwhile, or when the key came after the changes; nothing is done then.
@@ -74,6 +76,8 @@ class RecordTable {
   void SetOriginal(RowId row, Record original);
   // An entry as a file has it, for a row of the base.
   void LogInserted(RowId row);
+  // The row becomes the one that was changed last, where it has an entry.
+  void LogLast(RowId row);
   void LogDeleted(RowId row) { Delete(row, true); }
   void LogModified(RowId row, Record original) { SetOriginal(row, std::move(original)); }
 
@@ -95,6 +99,11 @@ class RecordTable {
   UniqueIndex IndexOf(Image image) const;
   // Takes a key over from `before`, each of them null for none.
   void Reindex(RowId row, const Record* before, const Record* after);
+  struct Touched {
+    RowId row = kNoRow;
+    std::uint64_t touched = 0;
+  };
+  bool IsLatest(const Touched& change) const;
   void Touch(RowId row, Record before);
   void Forget(RowId row);
   void Remove(RowId row);
@@ -105,6 +114,8 @@ class RecordTable {
   std::vector<Entry> log_;
   int changes_ = 0;
   std::uint64_t touches_ = 0;
+  // Ascending; what an entry says no more has been changed again, or taken back.
+  std::vector<Touched> history_;
   UniqueIndex index_;
 };
 

@@ -93,12 +93,44 @@ std::size_t RowOrder::Backward(std::size_t position) const {
 }
 
 std::size_t RowOrder::PositionOf(RowId row) const {
-  if (!IsInView(row)) return kNowhere;
+  return IsInView(row) ? PlaceOf(row) : kNowhere;
+}
+
+// Of a row that may be out of view; a sorted order has only rows in view.
+std::size_t RowOrder::PlaceOf(RowId row) const {
   if (row < rows_.size() && rows_[row] == row) return row;  // nothing was ever moved
-  const auto found =
-      ascending_ ? std::ranges::lower_bound(rows_, row) : std::ranges::find(rows_, row);
+  auto found = rows_.end();
+  if (!columns_.empty()) {
+    found = std::ranges::lower_bound(rows_, row, [this](RowId a, RowId b) { return Less(a, b); });
+  } else {
+    found = ascending_ ? std::ranges::lower_bound(rows_, row) : std::ranges::find(rows_, row);
+  }
   if (found == rows_.end() || *found != row) return kNowhere;
   return static_cast<std::size_t>(found - rows_.begin());
+}
+
+RowOrder::Standing RowOrder::StandingOf(RowId row) const {
+  const bool inView = IsInView(row);
+  return {inView || columns_.empty() ? PlaceOf(row) : kNowhere, inView};
+}
+
+void RowOrder::Renew(RowId row, Standing before) {
+  const bool sorted = !columns_.empty();
+  const bool inView = IsInView(row);
+  if (before.inView) --count_;
+  if (before.place != kNowhere && sorted) {
+    rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(before.place));
+    before.place = kNowhere;
+  }
+  if (!inView) return;
+  if (before.place != kNowhere) {
+    ++count_;
+  } else if (sorted) {
+    InsertAt(PlaceFor(row), row);
+  } else {
+    const auto place = ascending_ ? std::ranges::lower_bound(rows_, row) : rows_.end();
+    InsertAt(static_cast<std::size_t>(place - rows_.begin()), row);
+  }
 }
 
 std::size_t RowOrder::PlaceFor(RowId row) const {
@@ -115,17 +147,13 @@ std::size_t RowOrder::Insert(RowId row, std::size_t position) {
     position = rows_.size();
   }
   ascending_ = ascending_ && position == rows_.size();
-  rows_.insert(rows_.begin() + static_cast<std::ptrdiff_t>(position), row);
-  ++count_;
+  InsertAt(position, row);
   return position;
 }
 
-std::size_t RowOrder::Move(std::size_t position) {
-  if (columns_.empty()) return position;
-  const RowId row = rows_[position];
-  rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(position));
-  --count_;
-  return Insert(row, kNowhere);
+void RowOrder::InsertAt(std::size_t position, RowId row) {
+  rows_.insert(rows_.begin() + static_cast<std::ptrdiff_t>(position), row);
+  ++count_;
 }
 
 std::size_t RowOrder::Drop(std::size_t position) {

@@ -46,16 +46,23 @@ class RowOrder {
     return place == rows_.end() ? kNowhere : static_cast<std::size_t>(place - rows_.begin());
   }
 
-  // A new row: before `position` (kNowhere: at the end), or where its values belong.
+  // A new row, in view: before `position` (kNowhere: at the end), or where its values belong.
   std::size_t Insert(RowId row, std::size_t position);
-  // A row whose values have changed; `before` are its earlier ones.
-  std::size_t Move(std::size_t position);
+  // Where a row stands before its record changes, and where it belongs afterwards.
+  struct Standing {
+    std::size_t place = kNowhere;
+    bool inView = false;
+  };
+  Standing StandingOf(RowId row) const;
+  void Renew(RowId row, Standing before);
   // A row at `position` has left the table; gives the position that follows, as Forward.
   std::size_t Drop(std::size_t position);
 
  private:
   bool Less(RowId a, RowId b) const;
   std::size_t PlaceFor(RowId row) const;
+  std::size_t PlaceOf(RowId row) const;
+  void InsertAt(std::size_t position, RowId row);
 
   const RecordTable& table_;
   TUpdateStatusSet statuses_;

@@ -55,14 +55,14 @@ void UpdateSql::Insert(const Record& record) {
   Begin("insert into ");
   Add(target_.table);
   std::vector<int> written;
-  const auto take = [&](bool nulls) {
+  const auto take = [&](bool given) {
     for (int i = 0; i < layout_.Columns(); ++i) {
       const UpdateColumn& column = target_.columns[static_cast<std::size_t>(i)];
-      if (column.flags.pfInUpdate && record.IsNull(i) == nulls) written.push_back(i);
+      if (column.flags.pfInUpdate && record.IsGiven(layout_, i) == given) written.push_back(i);
     }
   };
-  take(false);
-  if (written.empty()) take(true);  // a record without any value is one all the same
+  take(true);
+  if (written.empty()) take(false);  // a record without any value is one all the same
   std::string_view joint = " (";
   for (const int i : written) {
     Add(joint);

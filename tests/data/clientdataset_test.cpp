@@ -56,11 +56,12 @@ class ClientDataSet : public testing::Test {
     set.Delete();
   }
   std::string Here() const { return set.FieldByName("CODE").AsString(); }
-  std::string Codes(std::string_view field = "CODE") {
+  static std::string CodesOf(TClientDataSet& set, std::string_view field = "CODE") {
     std::string codes;
     for (set.First(); !set.Eof(); set.Next()) codes += set.FieldByName(field).AsString() + " ";
     return codes;
   }
+  std::string Codes(std::string_view field = "CODE") { return CodesOf(set, field); }
 
   TClientDataSet set;
 };
@@ -437,12 +438,97 @@ TEST_F(ClientDataSet, KeepsEveryRecordUnderRandomWork) {
         }
     }
     if (any(20) == 0) set.SetIndexFieldNames(any(2) == 0 ? "" : "NAME");
+    if (any(25) == 0) set.SetXMLData(set.XMLData());
     ASSERT_EQ(set.RecordCount(), static_cast<int>(now.size()));
   }
   std::map<std::string, std::string> found;
   for (set.First(); !set.Eof(); set.Next()) found[Here()] = set.FieldByName("NAME").AsString();
   EXPECT_EQ(found, now);
   EXPECT_GT(set.ChangeCount(), 0);
+}
+
+// Rows and log of a packet, whatever the order of its attributes.
+std::string LogOf(const std::string& packet) {
+  std::string log = packet.substr(packet.find("<ROWDATA>"));
+  for (const char* name : {" CHANGE_LOG=\"", " LAST_CHANGES=\""}) {
+    const std::size_t at = packet.find(name);
+    if (at != std::string::npos) log += packet.substr(at, packet.find('"', at + 16) - at);
+  }
+  return log;
+}
+
+// A log beside its copy that is saved and loaded again and again: whatever is taken back in one is
+// taken back in the other.
+TEST_F(ClientDataSet, ALogIsTheSameBeforeAndAfterItIsSaved) {
+  std::mt19937 random(11);
+  const auto any = [&](int limit) {
+    return static_cast<int>(random() % static_cast<unsigned>(limit));
+  };
+  AddBase({"1", "2", "3", "4", "5"});
+  TClientDataSet copy;
+  copy.SetXMLData(set.XMLData());
+  for (int step = 0; step < 3000; ++step) {
+    const std::string code = std::to_string(any(12));
+    const int what = any(5);
+    const std::string order = any(2) == 0 ? "" : "NAME";
+    const TUpdateStatusSet filter{
+        .usModified = any(3) == 0, .usInserted = any(6) == 0, .usDeleted = any(6) == 0};
+    for (TClientDataSet* one : {&set, &copy}) {
+      if (what == 0) one->SetIndexFieldNames(order);
+      if (what == 1) one->UndoLastChange(step % 2 == 0);
+      one->SetStatusFilter(filter);
+      const bool found = one->Locate("CODE", code);
+      const bool there = found && one->UpdateStatus() != usDeleted;
+      if (what == 2 && there) one->Delete();
+      if (what == 3 && found) one->RevertRecord();
+      if (what != 4) continue;
+      try {
+        there ? one->Edit() : one->Append();
+        one->FieldByName("CODE").SetAsString(code);
+        one->FieldByName("NAME").SetAsInteger(step);
+        one->Post();
+      } catch (const EDBClient&) {  // the key is there, out of view
+        one->Cancel();
+      }
+    }
+    const std::string packet = copy.XMLData();
+    ASSERT_EQ(LogOf(set.XMLData()), LogOf(packet)) << step;
+    // A deleted record comes back with its values before all changes.
+    if (!filter.usDeleted) {
+      ASSERT_EQ(Codes(), CodesOf(copy)) << step;
+    }
+    copy.SetXMLData(packet);
+  }
+}
+
+TEST_F(ClientDataSet, RevertingANewRecordLeavesTheOthersAlone) {
+  AddBase({"A"});
+  Change("A", "NAME", "mine");
+  set.Insert();
+  set.FieldByName("CODE").SetAsString("B");
+  set.RevertRecord();
+  EXPECT_EQ(set.State(), dsBrowse);
+  EXPECT_EQ(Codes("NAME"), "mine ");
+  EXPECT_EQ(set.ChangeCount(), 1);
+}
+
+TEST_F(ClientDataSet, APostedRecordMayBeOutOfView) {
+  set.SetStatusFilter({.usModified = true});
+  Add("A");
+  EXPECT_TRUE(set.IsEmpty());
+  EXPECT_EQ(set.RecordCount(), 0);
+  set.SetStatusFilter({});
+  set.MergeChangeLog();
+  set.SetIndexFieldNames("NAME");
+  Add("B", "a");
+  set.MergeChangeLog();
+  set.SetStatusFilter({.usModified = true, .usInserted = true});
+  Add("C", "b");
+  set.Edit();
+  set.FieldByName("NAME").SetAsString("z");
+  set.Post();
+  EXPECT_EQ(Here(), "C");
+  EXPECT_EQ(Codes(), "C ");
 }
 
 TEST_F(ClientDataSet, FieldsOfTheNextOpeningLeaveTheOpenSetAlone) {
@@ -507,6 +593,20 @@ TEST_F(ClientDataSet, EmptyingKeepsTheFields) {
   EXPECT_EQ(name.EditMask, "LLL;1;_");
   Add("A", "new");
   EXPECT_EQ(Codes("NAME"), "new ");
+}
+
+TEST_F(ClientDataSet, FieldsHaveNamesOfTheirOwn) {
+  const struct {
+    const char* name;
+    const char* error;
+  } cases[] = {{"", "Field name missing"}, {"code", "Duplicate field name 'code'"}};
+  for (const auto& c : cases) {
+    TClientDataSet other;
+    other.FieldDefs().Add("CODE", ftString, 10);
+    other.FieldDefs().Add(c.name, ftInteger);
+    EXPECT_EQ(MessageOf<EDatabaseError>([&] { other.CreateDataSet(); }), c.error);
+    EXPECT_FALSE(other.Active());
+  }
 }
 
 TEST_F(ClientDataSet, AmountsKeepAllDigits) {

@@ -418,6 +418,17 @@ TEST_F(SqliteFile, AComputedAmountIsChangedWithoutAConflict) {
   EXPECT_EQ(Rows("SELECT A, B FROM ITEM"), "0.3 7");
 }
 
+// A query may have them; a packet with both could not be read again.
+TEST_F(SqliteFile, TwoColumnsOfOneNameAreNotSaved) {
+  TDataSetProvider provider(connection_);
+  provider.Query().SQL().Add("SELECT 1 AS A, 2 AS A");
+  TClientDataSet set;
+  set.SetProvider(&provider);
+  set.Open();
+  EXPECT_EQ(set.Fields(1).AsInteger(), 2);
+  EXPECT_EQ(MessageOf<EDatabaseError>([&] { set.XMLData(); }), "Duplicate field name 'A'");
+}
+
 TEST(Sqlite, DeclaredTypes) {
   struct Case {
     std::string declared;

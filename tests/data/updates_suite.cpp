@@ -376,6 +376,31 @@ TEST_P(UpdatesSuite, NamesThatHaveToBeQuoted) {
   EXPECT_EQ(Single("SELECT " + odd + " FROM KV_TEST"), "6");
 }
 
+// A column is left to the server's default only where nobody has given it anything.
+TEST_P(UpdatesSuite, ANullThatWasGivenIsWritten) {
+  Run("DROP TABLE KV_TEST");
+  CreateTable("NAME " + GetParam().text + " DEFAULT 'nobody', PRICE " + GetParam().money +
+              ", DONE " + GetParam().moment);
+  Screen& me = MakeScreen();
+  me.Add(1, "");
+  me.set.Edit();
+  me.set.FieldByName("NAME").Clear();
+  me.set.Post();
+  for (const int id : {2, 3}) {
+    me.set.Append();
+    me.set.FieldByName("ID").SetAsInteger(id);
+    me.set.Post();
+  }
+  me.set.Edit();
+  me.set.FieldByName("NAME").Clear();  // no other value, and yet given
+  me.set.Post();
+  EXPECT_EQ(me.set.ApplyUpdates(0), 0) << testing::PrintToString(me.told);
+  EXPECT_EQ(OnServer(), "1  ;2 nobody ;3  ;");
+  me.Change(1, "PRICE", "1");
+  me.Change(3, "PRICE", "3");
+  EXPECT_EQ(me.set.ApplyUpdates(0), 0) << testing::PrintToString(me.told);
+}
+
 TEST_P(UpdatesSuite, ARecordThatIsThereAlready) {
   Screen& me = MakeScreen();
   Run("INSERT INTO KV_TEST (ID, NAME, PRICE) VALUES (4, 'theirs', 8)");
@@ -635,7 +660,7 @@ class RandomUser {
     for (const LogLine& line : written) {
       if (line[0] != 'D') server.insert(After(line));
     }
-    for (const auto& decided : decided_) Follow(decided, after, server);
+    for (const auto& [line, action] : decided_) Follow(line, action, after, server);
     EXPECT_THAT(after, IsEmpty()) << "changes that nobody has made";
   }
 
@@ -675,9 +700,8 @@ class RandomUser {
   }
 
   // A change that was decided about is left in one of the ways that the decision allows.
-  static void Follow(const std::pair<const LogLine, TReconcileAction>& decided,
-                     std::multiset<LogLine>& after, const std::multiset<std::string>& server) {
-    const auto& [line, action] = decided;
+  static void Follow(const LogLine& line, TReconcileAction action, std::multiset<LogLine>& after,
+                     const std::multiset<std::string>& server) {
     if (const auto left = after.find(line); left != after.end()) {
       after.erase(left);
       return;
