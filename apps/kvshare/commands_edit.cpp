@@ -31,7 +31,8 @@ constexpr std::string_view kExamples =
     "                                            a key of two fields\n"
     "  kvshare edit SHOP ITEM CODE=A1 --set PRICE=13.50 --set NAME= --yes\n"
     "                                            asks nothing; a text of no letters is Null\n"
-    "  kvshare edit SHOP ITEM CODE=A9 --new      a new record\n"
+    "  kvshare edit SHOP ITEM CODE=A9 --new      a new record; what is left empty the server fills "
+    "in\n"
     "  kvshare edit SHOP ITEM CODE=A9 --delete   takes it away\n"
     "  kvshare edit SHOP ITEM CODE=A1 --windows  in a window, where there is a display\n"
     "At a field Enter alone keeps what is there, - takes it away, . ends, =TEXT types TEXT as it\n"
@@ -221,6 +222,7 @@ class RecordEdit {
   }
 
   int Apply() {
+    const std::string typed = order_.isNew ? talk_.Values() : "";
     TalkingInterface forms(console_);
     const TUseInterface use(windows_ != nullptr ? *windows_ : forms);
     while (Set().ApplyUpdates(0) != 0) {
@@ -235,6 +237,8 @@ class RecordEdit {
       }
     }
     talk_.Say(order_.isDelete ? "deleted" : "written");
+    const bool filled = order_.isNew && talk_.Values() != typed;
+    if (filled) talk_.Say(talk_.Values());  // by the server
     return kDone;
   }
 

@@ -9,6 +9,7 @@
 
 #include "drivers/common/cursors.h"
 #include "drivers/common/entry.h"
+#include "drivers/common/filled.h"
 #include "drivers/common/forms.h"
 #include "drivers/common/parameters.h"
 #include "drivers/common/statements.h"
@@ -42,6 +43,11 @@ class FirebirdConnection final : public data::Connection {
   std::int64_t EarlyRollbacks() const override { return state_.Rollbacks(); }
   Condition Exactly(std::string_view column, data::ColumnKind kind) const override;
   std::vector<std::string> TableNames(bool system) override;
+  std::vector<std::string> FilledColumns(std::string_view table) override {
+    if (ServerVersion().starts_with("Firebird 2")) return {};  // has another catalogue
+    return drivers::FilledColumnsBy(drivers::kFirebirdFilled, *this, table);
+  }
+  bool InsertReturns() const override { return true; }
   void SetLockTimeout(std::int32_t milliseconds) override { lockMilliseconds_ = milliseconds; }
   std::string ServerVersion() override;
 

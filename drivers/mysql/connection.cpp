@@ -7,6 +7,7 @@
 #include "drivers/common/cursors.h"
 #include "drivers/common/entry.h"
 #include "drivers/common/exactly.h"
+#include "drivers/common/filled.h"
 #include "drivers/common/mariadb.h"
 #include "drivers/common/parameters.h"
 #include "drivers/common/statements.h"
@@ -61,6 +62,13 @@ class MySqlConnection final : public data::Connection {
   Condition Exactly(std::string_view column, data::ColumnKind kind) const override;
   std::string Quoted(std::string_view name) const override { return drivers::QuotedBy('`', name); }
   std::vector<std::string> TableNames(bool system) override;
+  std::vector<std::string> FilledColumns(std::string_view table) override {
+    return drivers::FilledColumnsBy(drivers::kMariaDbFilled, *this, table);
+  }
+  bool InsertReturns() const override {
+    constexpr unsigned long kFirstReturning = 100'500;
+    return IsMariaDb() && mysql_get_server_version(mysql_.get()) >= kFirstReturning;
+  }
   void SetLockTimeout(std::int32_t milliseconds) override;
   std::string ServerVersion() override;
 

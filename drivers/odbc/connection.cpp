@@ -112,6 +112,8 @@ class OdbcConnection final : public data::Connection {
     return drivers::QuotedBy(DialectOf(dbms_).quote, name);
   }
   std::vector<std::string> TableNames(bool system) override;
+  std::vector<std::string> FilledColumns(std::string_view table) override;
+  bool InsertReturns() const override { return returns_; }
   void SetLockTimeout(std::int32_t milliseconds) override;
   std::string ServerVersion() override { return Info(SQL_DBMS_NAME) + " " + Info(SQL_DBMS_VER); }
 
@@ -154,6 +156,7 @@ class OdbcConnection final : public data::Connection {
   std::string Info(SQLUSMALLINT what);
   std::u16string Catalog();
   std::vector<std::string> ReadTableNames(bool system);
+  std::vector<std::string> ReadFilledColumns(std::string_view table);
   void Login(const std::string& connectionString);
   void StartSession();
   bool GivesUtf8Bytes();
@@ -165,6 +168,7 @@ class OdbcConnection final : public data::Connection {
   bool oneAtATime_ = false;
   TextRules texts_;
   bool plainBackslashes_ = false;
+  bool returns_ = false;
   std::int32_t lockMilliseconds_ = 10'000;
   std::string dbms_;
   drivers::OpenCursors open_;
@@ -205,6 +209,8 @@ void OdbcConnection::StartSession() {
   dbms_ = Info(SQL_DBMS_NAME);
   transaction_ = Transaction(connection_, dbms_);
   texts_.sqlite = DialectOf(dbms_).sqlite;
+  const char* firstReturning = DialectOf(dbms_).firstReturning;
+  returns_ = firstReturning != nullptr && Info(SQL_DBMS_VER) >= firstReturning;
   SQLUSMALLINT activities = 0;
   SQLGetInfoW(connection_.Get(), SQL_MAX_CONCURRENT_ACTIVITIES, &activities, sizeof activities,
               nullptr);
@@ -428,6 +434,32 @@ std::vector<std::string> OdbcConnection::TableNames(bool system) {
     if (dead != SQL_CD_TRUE) throw;
     throw data::DriverError(e.what(), data::DriverError::Kind::ConnectionLost);
   }
+}
+
+// By the catalogue of the standard, which has defaults; what counts by itself only the name of its
+// type tells there.
+std::vector<std::string> OdbcConnection::ReadFilledColumns(std::string_view table) {
+  Handle statement = NewStatement();
+  std::u16string name = ToUtf16(table.substr(table.rfind('.') + 1));
+  statement.Check(SQLColumnsW(statement.Get(), nullptr, 0, nullptr, 0, Units(name.data()),
+                              static_cast<SQLSMALLINT>(name.size()), nullptr, 0));
+  Rows rows(std::move(statement), TextRules{});
+  std::vector<std::string> columns;
+  while (rows.Next()) {
+    constexpr int kName = 3;
+    constexpr int kTypeName = 5;
+    constexpr int kDefault = 12;
+    const bool counts = rows.Text(kTypeName).ends_with("identity");
+    std::string column(rows.Text(kName));
+    if (counts || !rows.IsNull(kDefault)) columns.push_back(std::move(column));
+  }
+  return columns;
+}
+
+std::vector<std::string> OdbcConnection::FilledColumns(std::string_view table) {
+  const drivers::FilledQuery* query = DialectOf(dbms_).filled;
+  return query != nullptr ? drivers::FilledColumnsBy(*query, *this, table)
+                          : ReadFilledColumns(table);
 }
 
 void OdbcConnection::SetLockTimeout(std::int32_t milliseconds) {

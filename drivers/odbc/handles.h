@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "drivers/common/exactly.h"
+#include "drivers/common/filled.h"
 #include "drivers/common/statements.h"
 #include "kvshare/data/driver.h"
 
@@ -64,7 +65,10 @@ struct Dialect {
   drivers::ExactForms exactly = drivers::kPlainForms;
   // The type that a parameter is cast to, where its driver does not tell the server what it is.
   drivers::TypeOfValue typeOf = NoType;
-  std::int32_t leastTimeout = 0;  // where 0 would mean for ever
+  // Asks for the columns that it fills in; nullptr where the standard's catalogue has to do.
+  const drivers::FilledQuery* filled = nullptr;
+  const char* firstReturning = nullptr;  // the version whose inserts return columns; none
+  std::int32_t leastTimeout = 0;         // where 0 would mean for ever
   bool inSeconds = false;
   bool failureEndsTransaction = false;
   bool sqlite = false;  // which has classes of values and no types

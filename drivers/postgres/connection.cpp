@@ -8,6 +8,7 @@
 
 #include "drivers/common/cursors.h"
 #include "drivers/common/entry.h"
+#include "drivers/common/filled.h"
 #include "drivers/common/forms.h"
 #include "drivers/common/parameters.h"
 #include "drivers/common/statements.h"
@@ -56,6 +57,10 @@ class PostgresConnection final : public data::Connection {
   std::int64_t EarlyRollbacks() const override { return state_.Rollbacks(); }
   bool FailureEndsTransaction() const override { return true; }
   std::vector<std::string> TableNames(bool system) override;
+  std::vector<std::string> FilledColumns(std::string_view table) override {
+    return drivers::FilledColumnsBy(drivers::kPostgresFilled, *this, table);
+  }
+  bool InsertReturns() const override { return true; }
   void SetLockTimeout(std::int32_t milliseconds) override;
   std::string ServerVersion() override;
 

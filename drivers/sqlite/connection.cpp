@@ -4,6 +4,7 @@
 
 #include "drivers/common/entry.h"
 #include "drivers/common/exactly.h"
+#include "drivers/common/filled.h"
 #include "drivers/common/sqlitestatement.h"
 #include "drivers/common/statements.h"
 #include "drivers/common/transaction.h"
@@ -116,6 +117,13 @@ class SqliteConnection : public data::Connection {
   std::int64_t EarlyRollbacks() const override { return state_.Rollbacks(); }
   Condition Exactly(std::string_view column, data::ColumnKind kind) const override;
   std::vector<std::string> TableNames(bool system) override;
+  std::vector<std::string> FilledColumns(std::string_view table) override {
+    return FilledColumnsBy(kSqliteFilled, *this, table);
+  }
+  bool InsertReturns() const override {
+    constexpr int kFirstReturning = 3'035'000;
+    return sqlite3_libversion_number() >= kFirstReturning;
+  }
   void SetLockTimeout(std::int32_t milliseconds) override;
   std::string ServerVersion() override;
 

@@ -20,6 +20,7 @@ class ClientRecords;
 struct PacketShape;
 class Record;
 struct Refusal;
+struct Written;
 class Resolver;
 struct UpdateTarget;
 }  // namespace data
@@ -206,7 +207,7 @@ class KVSHARE_API TClientDataSet : public TDataSet {
   data::UpdateTarget TargetOf(const TDataSetProvider& provider) const;
   data::Record RecordOf(const TDataSet& server, std::uint32_t row) const;
   void Reconcile(std::vector<data::Refusal>& refusals);
-  void FetchRefused(data::Resolver& resolver, data::Refusal& refusal) const;
+  void TakeWritten(data::Written& written);
   void DecideAboutAll(std::vector<data::Refusal>& refusals);
   TReconcileAction Decide(data::Refusal& refusal, int previousError);
   void ActOn(data::Refusal& refusal, TReconcileAction action);

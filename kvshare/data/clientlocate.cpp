@@ -16,6 +16,7 @@
 namespace kvshare {
 
 using data::Cell;
+using data::CellKind;
 using data::OwnedCell;
 using data::RowId;
 using data::RowOrder;
@@ -32,8 +33,7 @@ struct Search {
 };
 
 bool Matches(const Cell& found, const Cell& wanted, TFieldForm form, TLocateOptions options) {
-  if (found.kind != data::CellKind::Text || wanted.kind != data::CellKind::Text ||
-      form != TFieldForm::Text) {
+  if (found.kind != CellKind::Text || wanted.kind != CellKind::Text || form != TFieldForm::Text) {
     return std::is_eq(data::Compare(found, wanted, form));
   }
   std::string_view text = found.text;
@@ -87,8 +87,10 @@ std::size_t FindOneByOne(const data::ClientRecords& records, const Search& searc
 
 std::size_t Find(const data::ClientRecords& records, const Search& search) {
   if (search.IsPlain()) {
-    // The index of the key knows the records that are there.
-    if (!records.Order().ShowsDeleted() &&
+    // The index of the key knows the records that are there and have a key.
+    const bool any = std::ranges::any_of(
+        search.values, [](const OwnedCell& value) { return value.View().kind != CellKind::Null; });
+    if (any && !records.Order().ShowsDeleted() &&
         std::ranges::equal(search.columns, records.Table().Key())) {
       return FindByKey(records, search);
     }

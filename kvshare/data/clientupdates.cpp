@@ -9,6 +9,7 @@
 #include "kvshare/data/provider.h"
 #include "kvshare/data/resolver.h"
 #include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/strutils.h"
 
 namespace kvshare {
 
@@ -41,6 +42,10 @@ data::ColumnKind KindOf(TFieldForm form) {
   }
 }
 
+bool Contains(const std::vector<std::string>& names, std::string_view name) {
+  return std::ranges::any_of(names, [name](const auto& one) { return SameText(one, name); });
+}
+
 bool IsComparable(TFieldType type) {
   switch (type) {
     case TFieldType::ftMemo:
@@ -57,10 +62,13 @@ bool IsComparable(TFieldType type) {
 // --- Fetching
 
 void TClientDataSet::DescribeByProvider() {
+  const std::vector<std::string> filled = provider_->FilledColumns();
   provider_->OpenQuery();
   fieldDefs_.Clear();
   for (int i = 0; i < provider_->Query().FieldCount(); ++i) {
-    fieldDefs_.Add(provider_->Query().Fields(i).def_);
+    TFieldDef def = provider_->Query().Fields(i).def_;
+    def.Required = def.Required && !Contains(filled, def.Name);
+    fieldDefs_.Add(def);
   }
 }
 
@@ -84,6 +92,7 @@ void TClientDataSet::FetchFromProvider() {
 // --- Applying
 
 data::UpdateTarget TClientDataSet::TargetOf(const TDataSetProvider& provider) const {
+  const std::vector<std::string> filled = provider.FilledColumns();
   data::UpdateTarget target;
   target.table = provider.ResolvedTable();
   target.mode = provider.UpdateMode;
@@ -99,6 +108,7 @@ data::UpdateTarget TClientDataSet::TargetOf(const TDataSetProvider& provider) co
     column.flags = field.FieldKind() == TFieldKind::fkData ? field.ProviderFlags : kNowhere;
     column.comparable = IsComparable(field.DataType());
     column.inTable = column.flags != kNowhere;
+    column.filled = column.flags.pfInUpdate && Contains(filled, field.FieldName());
     if (column.flags.pfInKey) target.key.push_back(i);
     target.columns.push_back(std::move(column));
   }
@@ -114,29 +124,31 @@ int TClientDataSet::ApplyUpdates(int maxErrors) {
   if (provider_ == nullptr) DatabaseError("Missing data provider or data packet", this);
   TSQLConnection& connection = provider_->SQLConnection();
   connection.Open();
-  data::Resolver resolver(connection, records_->Table(), TargetOf(*provider_));
+  const auto recordOf = [this](const TDataSet& server, RowId row) { return RecordOf(server, row); };
+  data::Resolver resolver(connection, records_->Table(), TargetOf(*provider_), recordOf);
   data::Applied applied = resolver.Apply(maxErrors);
   if (applied.written) {
-    for (const RowId row : applied.rows) records_->Table().Accept(row);
+    for (data::Written& written : applied.rows) TakeWritten(written);
     Restand();
   }
   if (OnReconcileError && !applied.refusals.empty()) {
-    for (Refusal& refusal : applied.refusals) FetchRefused(resolver, refusal);
+    for (Refusal& refusal : applied.refusals) resolver.FetchServer(refusal);
     Reconcile(applied.refusals);
   }
   return static_cast<int>(applied.refusals.size());
 }
 
-// A record that cannot be read, for a letter outside the code page say, is no reason to leave the
-// others undecided: what was written is written.
-void TClientDataSet::FetchRefused(data::Resolver& resolver, Refusal& refusal) const {
-  try {
-    if (const auto query = resolver.Fetch(refusal.row)) {
-      refusal.server = RecordOf(*query, refusal.row);
+// With what the server has filled in. A key that another record has in memory, one that is to be
+// written still, is no reason to forget what was written.
+void TClientDataSet::TakeWritten(data::Written& written) {
+  data::RecordTable& table = records_->Table();
+  if (written.stored) {
+    try {
+      return table.Rebase(written.row, Recalculated(std::move(written.stored)));
+    } catch (const EDBClient&) {  // NOLINT(bugprone-empty-catch): see above
     }
-  } catch (const Exception& e) {
-    refusal.context = e.Message();
   }
+  table.Accept(written.row);
 }
 
 // What the server has of a record, and of columns that are none of its table what the record has.

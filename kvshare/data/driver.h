@@ -26,7 +26,7 @@
 namespace kvshare::data {
 
 // Changes with every change of this file that a driver can notice.
-inline constexpr std::int32_t kDriverContract = 5;
+inline constexpr std::int32_t kDriverContract = 6;
 
 // A failure in the server's own words.
 class KVSHARE_API DriverError : public std::runtime_error {
@@ -227,6 +227,14 @@ class KVSHARE_API Connection {
   // Names of tables and views, or of the system tables alone, in the server's order; as the server
   // spells them, not quoted.
   virtual std::vector<std::string> TableNames(bool system) = 0;
+
+  // The columns of a table, named as a statement names it, into which the server puts something of
+  // its own where an insert leaves them out: numbers, defaults, what it works out. Those that the
+  // server does not tell are missing.
+  virtual std::vector<std::string> FilledColumns(std::string_view /*table*/) { return {}; }
+
+  // Whether an insert with `returning` and columns behind it gives those of the new row.
+  virtual bool InsertReturns() const { return false; }
 
   // How long a statement waits for what another connection has locked before it fails as Busy;
   // 0: not at all. Drivers have 10 s until they are told.

@@ -47,11 +47,21 @@ TDataSetProvider::TDataSetProvider(TSQLConnection& connection, TComponent* owner
 
 TDataSetProvider::~TDataSetProvider() = default;
 
+std::string TDataSetProvider::KnownTable() const {
+  if (!TableName.empty()) return TableName;
+  return std::string(OnlyTableOf(query_.SQL().Text(), connection_.StatementLexis()));
+}
+
 std::string TDataSetProvider::ResolvedTable() const {
-  std::string table = TableName;
-  if (table.empty()) table = OnlyTableOf(query_.SQL().Text(), connection_.StatementLexis());
+  std::string table = KnownTable();
   if (table.empty()) DatabaseError("Unable to resolve records.  Table name not found.", this);
   return table;
+}
+
+std::vector<std::string> TDataSetProvider::FilledColumns() const {
+  connection_.Open();
+  const std::string table = KnownTable();
+  return table.empty() ? std::vector<std::string>() : connection_.FilledColumns(table);
 }
 
 void TDataSetProvider::OpenQuery() {

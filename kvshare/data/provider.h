@@ -51,6 +51,9 @@ class KVSHARE_API TDataSetProvider : public TComponent {
   friend class TClientDataSet;
 
   void OpenQuery();
+  std::string KnownTable() const;  // "" where nobody knows it
+  // Of the table, those that the server fills in where an insert leaves them out.
+  std::vector<std::string> FilledColumns() const;
 
   TSQLConnection& connection_;
   TSQLQuery query_;

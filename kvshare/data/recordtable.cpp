@@ -38,8 +38,15 @@ RowId RecordTable::FindKey(std::span<const Cell> values) const {
   });
 }
 
+bool RecordTable::HasKey(const Record& record) const {
+  return std::ranges::any_of(
+      key_, [&](int column) { return record.At(layout_, column).kind != CellKind::Null; });
+}
+
 void RecordTable::Reindex(RowId row, const Record* before, const Record* after) {
   if (key_.empty()) return;
+  if (before != nullptr && !HasKey(*before)) before = nullptr;
+  if (after != nullptr && !HasKey(*after)) after = nullptr;
   if (before != nullptr && after != nullptr && SameKey(*before, *after)) return;
   if (after != nullptr) {
     const std::uint32_t hash = HashOfKey(*after);
@@ -57,7 +64,7 @@ UniqueIndex RecordTable::IndexOf(Image image) const {
   UniqueIndex index;
   for (RowId row = 0; row < Rows() && !key_.empty(); ++row) {
     const Record* record = image(row);
-    if (record == nullptr) continue;
+    if (record == nullptr || !HasKey(*record)) continue;
     const std::uint32_t hash = HashOfKey(*record);
     const RowId other = index.Find(hash, [&](RowId at) { return SameKey(*image(at), *record); });
     if (other != kNoRow) throw EDBClient("Key violation.", kKeyViolation);

@@ -95,6 +95,8 @@ class RecordTable {
 
   std::uint32_t HashOfKey(const Record& record) const;
   bool SameKey(const Record& a, const Record& b) const;
+  // A record whose key is all Null waits for one that the server gives: it is in no one's way.
+  bool HasKey(const Record& record) const;
   template <typename Image>
   UniqueIndex IndexOf(Image image) const;
   // Takes a key over from `before`, each of them null for none.

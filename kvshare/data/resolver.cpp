@@ -94,12 +94,15 @@ class ResolverTransaction {
   bool open_ = true;
 };
 
-Resolver::Resolver(TSQLConnection& connection, const RecordTable& table, UpdateTarget target)
+Resolver::Resolver(TSQLConnection& connection, const RecordTable& table, UpdateTarget target,
+                   RecordReader recordOf)
     : connection_(connection),
       table_(table),
       target_(std::move(target)),
+      recordOf_(std::move(recordOf)),
       sql_(table.Layout(), target_) {
   connection_.Open();
+  target_.insertReturns = connection_.InsertReturns();
   for (UpdateColumn& column : target_.columns)
     column.equal = connection_.Exactly(column.name, column.kind);
 }
@@ -145,8 +148,7 @@ Resolver::Attempt Resolver::Try(int maxErrors, ResolverTransaction& transaction)
 
 bool Resolver::TryChange(RowId row, Attempt& attempt) {
   try {
-    Write(row);
-    attempt.rows.push_back(row);
+    attempt.rows.push_back(Write(row));
     return true;
   } catch (const SeveralRecords& e) {
     if (ambiguous_.insert(row).second) {
@@ -170,9 +172,12 @@ Refusal Resolver::RefusalOf(RowId row, const Exception& error) const {
   return {row, KindOf(table_.Status(row)), error.Message(), code, false, {}, {}};
 }
 
-void Resolver::Write(RowId row) {
+Written Resolver::Write(RowId row) {
   if (ambiguous_.contains(row)) throw SeveralRecords();
-  if (MakeStatement(row)) RunStatement(row);
+  if (!MakeStatement(row)) return {row, {}};
+  if (sql_.Returns()) return {row, RecordOfStatement(row)};
+  RunStatement(row);
+  return {row, {}};
 }
 
 bool Resolver::MakeStatement(RowId row) {
@@ -205,18 +210,25 @@ PreparedStatement& Resolver::Prepared() {
   return *prepared_.emplace(std::move(text), connection_.Prepare(sql_.Parts())).first->second;
 }
 
-std::unique_ptr<TSQLQuery> Resolver::Fetch(RowId row) {
-  const Record* original = table_.Original(row);
-  if (!sql_.Select(original != nullptr ? *original : table_.At(row))) return nullptr;
-  auto query = std::make_unique<TSQLQuery>();
-  query->SetSQLConnection(&connection_);
-  query->SQL().Add(sql_.Text());
-  for (std::size_t i = 0; i < sql_.Values().size(); ++i) {
-    query->Params()[static_cast<int>(i)].SetWireValue(sql_.Values()[i]);
+void Resolver::FetchServer(Refusal& refusal) {
+  const Record* original = table_.Original(refusal.row);
+  try {
+    if (!sql_.Select(original != nullptr ? *original : table_.At(refusal.row))) return;
+    refusal.server = RecordOfStatement(refusal.row);
+  } catch (const Exception& e) {
+    refusal.context = e.Message();
   }
-  query->Open();
-  if (query->IsEmpty()) return nullptr;
-  return query;
+}
+
+Record Resolver::RecordOfStatement(RowId row) {
+  TSQLQuery query;
+  query.SetSQLConnection(&connection_);
+  query.SQL().Add(sql_.Text());
+  for (std::size_t i = 0; i < sql_.Values().size(); ++i) {
+    query.Params()[static_cast<int>(i)].SetWireValue(sql_.Values()[i]);
+  }
+  query.Open();
+  return query.IsEmpty() ? Record() : recordOf_(query, row);
 }
 
 }  // namespace kvshare::data

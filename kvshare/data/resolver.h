@@ -2,6 +2,7 @@
 // Internal.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -28,15 +29,25 @@ struct Refusal {
   Record server;        // what the server has now; empty where that is nothing, or not known
 };
 
+// A change that the server took.
+struct Written {
+  RowId row = kNoRow;
+  Record stored;  // with what the server has filled in; empty where that is nothing
+};
+
 struct Applied {
   bool written = false;
-  std::vector<RowId> rows;  // that the server took
+  std::vector<Written> rows;
   std::vector<Refusal> refusals;
 };
 
 class Resolver {
  public:
-  Resolver(TSQLConnection& connection, const RecordTable& table, UpdateTarget target);
+  // What a query is on, as a record of the table's; what it does not have stays the row's.
+  using RecordReader = std::function<Record(const TDataSet& server, RowId row)>;
+
+  Resolver(TSQLConnection& connection, const RecordTable& table, UpdateTarget target,
+           RecordReader recordOf);
   ~Resolver();
   Resolver(const Resolver&) = delete;
   Resolver& operator=(const Resolver&) = delete;
@@ -45,8 +56,9 @@ class Resolver {
   // connection is lost or cannot commit; nothing is written then, as far as anybody can tell.
   Applied Apply(int maxErrors);
 
-  // A query, open and on the record as the server has it now; nullptr where it has none.
-  std::unique_ptr<TSQLQuery> Fetch(RowId row);
+  // What the server has now of a refused record. One that cannot be read, for a letter outside the
+  // code page say, gets a context instead, and is no reason to leave the others undecided.
+  void FetchServer(Refusal& refusal);
 
  private:
   // What ends an attempt before its time.
@@ -58,22 +70,25 @@ class Resolver {
   };
   struct Attempt {
     End end = End::Done;
-    std::vector<RowId> rows;
+    std::vector<Written> rows;
     std::vector<Refusal> refusals;
   };
 
   Attempt Try(int maxErrors, ResolverTransaction& transaction);
   // Whether the change is written; else the attempt tells why not.
   bool TryChange(RowId row, Attempt& attempt);
-  void Write(RowId row);
+  Written Write(RowId row);
   bool MakeStatement(RowId row);
   void RunStatement(RowId row);
+  // The record that the query gives, empty where it gives none.
+  Record RecordOfStatement(RowId row);
   PreparedStatement& Prepared();
   Refusal RefusalOf(RowId row, const Exception& error) const;
 
   TSQLConnection& connection_;
   const RecordTable& table_;
   UpdateTarget target_;
+  RecordReader recordOf_;
   UpdateSql sql_;
   std::unordered_map<std::string, std::unique_ptr<PreparedStatement>> prepared_;
   std::unordered_set<RowId> ambiguous_;  // changes that reach several records

@@ -70,6 +70,20 @@ void PutBetweenMarks(TStrings& names, std::string_view quotedByServer) {
   for (const std::string& name : plain) names.Add(mark + name + mark);
 }
 
+// The names that a statement of a program's can have: not those with a letter outside the code
+// page.
+std::vector<std::string> TextsOf(const std::vector<std::string>& names) {
+  std::vector<std::string> texts;
+  for (const std::string& name : names) {
+    try {
+      texts.push_back(Utf8ToCp874(name));
+    } catch (const EConvertError&) {
+      continue;
+    }
+  }
+  return texts;
+}
+
 }  // namespace
 
 TSQLConnection::TSQLConnection(TComponent* owner, std::string_view name)
@@ -214,13 +228,7 @@ void TSQLConnection::GetTableNames(TStrings& list, bool systemTables) {
   list.Clear();
   const auto names =
       OnServer([&](data::Connection& connection) { return connection.TableNames(systemTables); });
-  for (const std::string& name : names) {
-    try {
-      list.Add(Utf8ToCp874(name));
-    } catch (const EConvertError&) {
-      continue;  // no statement of a program's can name it
-    }
-  }
+  for (const std::string& name : TextsOf(names)) list.Add(name);
   if (!systemTables) PutBetweenMarks(list, Quoted("x"));
 }
 
@@ -290,6 +298,16 @@ data::Connection::Condition TSQLConnection::Exactly(std::string_view column,
 
 std::string TSQLConnection::Quoted(std::string_view name) const {
   return Guarded([&] { return session_->connection->Quoted(name); });
+}
+
+std::vector<std::string> TSQLConnection::FilledColumns(std::string_view table) {
+  const std::string text = data::StatementText(table, this);
+  return TextsOf(
+      OnServer([&](data::Connection& connection) { return connection.FilledColumns(text); }));
+}
+
+bool TSQLConnection::InsertReturns() const {
+  return Guarded([&] { return session_->connection->InsertReturns(); });
 }
 
 const std::vector<data::Column>& TSQLConnection::ColumnsOf(const data::Cursor& cursor) const {

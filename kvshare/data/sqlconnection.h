@@ -154,6 +154,8 @@ class KVSHARE_API TSQLConnection : public TComponent {
   bool FailureEndsTransaction() const;
   data::Connection::Condition Exactly(std::string_view column, data::ColumnKind kind) const;
   std::string Quoted(std::string_view name) const;
+  std::vector<std::string> FilledColumns(std::string_view table);
+  bool InsertReturns() const;
 
   struct DriverLexis {
     std::string library, entry, client;

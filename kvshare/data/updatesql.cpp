@@ -29,6 +29,7 @@ void UpdateSql::Begin(std::string_view words) {
   parts_.texts.assign(1, std::string(words));
   parts_.places.clear();
   values_.clear();
+  returns_ = false;
 }
 
 void UpdateSql::AddPlace(ParameterValue value) {
@@ -76,6 +77,17 @@ void UpdateSql::Insert(const Record& record) {
     joint = ", ";
   }
   Add(")");
+  if (target_.insertReturns) AddReturned(record);
+}
+
+void UpdateSql::AddReturned(const Record& record) {
+  for (int i = 0; i < layout_.Columns(); ++i) {
+    const UpdateColumn& column = target_.columns[static_cast<std::size_t>(i)];
+    if (!column.filled || record.IsGiven(layout_, i)) continue;
+    Add(returns_ ? ", " : " returning ");
+    Add(column.name);
+    returns_ = true;
+  }
 }
 
 bool UpdateSql::Update(const Record& before, const Record& now) {

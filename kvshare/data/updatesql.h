@@ -20,6 +20,7 @@ struct UpdateColumn {
   TProviderFlags flags;
   bool comparable = true;       // no memo, no blob
   bool inTable = true;          // not worked out by the query or the program
+  bool filled = false;          // by the server, where an insert leaves it out
   Connection::Condition equal;  // that it has a value, in code page 874
 };
 
@@ -29,6 +30,7 @@ struct UpdateTarget {
   std::vector<UpdateColumn> columns;  // of the records, in their order
   std::vector<int> key;
   TUpdateMode mode = TUpdateMode::upWhereAll;
+  bool insertReturns = false;  // the server knows `returning`
 };
 
 // One statement at a time, with the values for its places. Throw EConvertError for a text with a
@@ -45,6 +47,8 @@ class UpdateSql {
   std::string Text() const;
 
   void Insert(const Record& record);
+  // Whether that insert gives what the server has filled in, as a query gives a record.
+  bool Returns() const { return returns_; }
   // False where nothing that may be written has changed: there is no statement then.
   bool Update(const Record& before, const Record& now);
   void Delete(const Record& before);
@@ -56,6 +60,7 @@ class UpdateSql {
   void Add(std::string_view text) { parts_.texts.back() += text; }
   void AddPlace(ParameterValue value);
   void AddPlace(const Cell& cell, TFieldForm form) { AddPlace(WireValueOf(cell, form)); }
+  void AddReturned(const Record& record);
   bool IsKey(int column) const;
   bool Changed(int column, const Record& before, const Record& now) const;
   // Which columns find the record.
@@ -68,6 +73,7 @@ class UpdateSql {
   const UpdateTarget& target_;
   StatementParts parts_;
   std::vector<ParameterValue> values_;
+  bool returns_ = false;
 };
 
 }  // namespace kvshare::data

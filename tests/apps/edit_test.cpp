@@ -114,6 +114,14 @@ TEST_F(Edit, Refusals) {
   EXPECT_EQ(Run({"edit", "SHOP", "ITEM"}).status, 2);
 }
 
+TEST_F(Edit, WhatTheServerFillsIn) {
+  Sql("CREATE TABLE SLIP (NO INTEGER PRIMARY KEY, KIND VARCHAR(5) DEFAULT 'cash' NOT NULL,"
+      " NAME VARCHAR(10) NOT NULL)");
+  const Outcome done = Run({"edit", "SHOP", "SLIP", "--new"}, "\n\nCha\ny\n");
+  EXPECT_EQ(done.status, 0) << done.err;
+  EXPECT_TRUE(done.out.ends_with("written\n  NO: 1\n  KIND: cash\n  NAME: Cha\n")) << done.out;
+}
+
 // A key that is taken: the dialog shows the new record in the era in force, and takes another key.
 TEST_F(Edit, ATakenKeyComesToTheDialog) {
   const std::vector<std::string> add = {"--new", "--set",           "NAME=ink",

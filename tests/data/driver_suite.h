@@ -35,7 +35,8 @@ struct DriverCase {
   std::string date = "DATE";
   std::string time = "TIME";
   std::string moment = "TIMESTAMP";
-  std::string quote = "\"";  // around names
+  std::string counter = "INTEGER PRIMARY KEY";  // a key that the server counts
+  std::string quote = "\"";                     // around names
 
   std::string foreignLetter;  // an SQL expression for the letter U+4E2D
 
@@ -48,8 +49,9 @@ struct DriverCase {
   // Around an expression: at four decimals, a tie away from zero.
   std::string round = "ROUND(";
   std::string toFour = ", 4)";
-  bool exactSums = true;     // else a program compares them at four decimals
-  bool comparesDays = true;  // days and moments, wherever the parameter stands
+  bool exactSums = true;      // else a program compares them at four decimals
+  bool insertsReturn = true;  // what the server has filled in
+  bool comparesDays = true;   // days and moments, wherever the parameter stands
 };
 
 void PrintTo(const DriverCase& test, std::ostream* out);

@@ -401,6 +401,31 @@ TEST_P(UpdatesSuite, ANullThatWasGivenIsWritten) {
   EXPECT_EQ(me.set.ApplyUpdates(0), 0) << testing::PrintToString(me.told);
 }
 
+// New records without what the server puts there itself, shown with it, and changed at once.
+TEST_P(UpdatesSuite, WhatTheServerFillsIn) {
+  Run("DROP TABLE KV_TEST");
+  Run("CREATE TABLE KV_TEST (ID " + GetParam().counter + ", NAME " + GetParam().text +
+      " DEFAULT 'nobody' NOT NULL, PRICE " + GetParam().money + " DEFAULT 1.5)");
+  Screen& me = MakeScreen();
+  me.set.SetPrimaryKey("ID");
+  for (const char* name : {"", "pen"}) {
+    me.set.Append();
+    if (*name != 0) me.set.FieldByName("NAME").SetAsString(name);
+    me.set.FieldByName("PRICE").SetAsCurrency(Currency::FromRaw(2'0000));
+    me.set.Post();
+  }
+  EXPECT_EQ(me.set.ApplyUpdates(0), 0) << testing::PrintToString(me.told);
+  EXPECT_EQ(OnServer(), "1 nobody 2;2 pen 2;");
+  if (!GetParam().insertsReturn) {
+    me.set.Close();
+    me.set.Open();
+  }
+  EXPECT_EQ(me.Rows(), "1 nobody 2;2 pen 2;");
+  me.Change(1, "NAME", "ink");
+  EXPECT_EQ(me.set.ApplyUpdates(0), 0) << testing::PrintToString(me.told);
+  EXPECT_EQ(OnServer(), "1 ink 2;2 pen 2;");
+}
+
 TEST_P(UpdatesSuite, ARecordThatIsThereAlready) {
   Screen& me = MakeScreen();
   Run("INSERT INTO KV_TEST (ID, NAME, PRICE) VALUES (4, 'theirs', 8)");
