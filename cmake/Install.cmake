@@ -7,6 +7,7 @@ install(TARGETS kvshare EXPORT KvShareTargets
 
 # Headers that only the library's own sources include; all others are reached from kvshare.h.
 set(internal_headers
+  data/answerwatch.h
   data/base64.h
   data/clientrecords.h
   data/decimals.h

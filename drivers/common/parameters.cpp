@@ -38,6 +38,12 @@ bool Parameters::IsTrue(std::string_view name) const {
   return SameText(Get(name), "true");
 }
 
+void Parameters::RefuseCustomString() const {
+  if (!Get("Custom String").empty()) {
+    throw data::DriverError("the parameter Custom String has no meaning for this driver");
+  }
+}
+
 ServerAddress SplitHostName(std::string_view hostName) {
   const std::size_t colon = hostName.rfind(':');
   const std::size_t bracket = hostName.rfind(']');

@@ -17,6 +17,8 @@ class Parameters {
   std::string Get(std::string_view name) const;
   // "True", in any letter case.
   bool IsTrue(std::string_view name) const;
+  // Throws DriverError where the parameter of the driver's own says something.
+  void RefuseCustomString() const;
 
  private:
   std::vector<std::pair<std::string, std::string>> list_;

@@ -12,6 +12,7 @@
 #include "drivers/common/filled.h"
 #include "drivers/common/forms.h"
 #include "drivers/common/parameters.h"
+#include "drivers/common/sockets.h"
 #include "drivers/common/statements.h"
 #include "drivers/common/transaction.h"
 #include "drivers/firebird/handles.h"
@@ -49,6 +50,8 @@ class FirebirdConnection final : public data::Connection {
   }
   bool InsertReturns() const override { return true; }
   void SetLockTimeout(std::int32_t milliseconds) override { lockMilliseconds_ = milliseconds; }
+  bool WaitsForServer() const override { return true; }
+  void Abort() noexcept override { sockets_.ShutDown(); }
   std::string ServerVersion() override;
 
   std::int64_t Run(Statement& statement, std::span<const data::ParameterValue> parameters,
@@ -134,6 +137,7 @@ class FirebirdConnection final : public data::Connection {
   std::int32_t lockMilliseconds_ = 10'000;
   Transaction transaction_;
   drivers::TransactionState state_;
+  drivers::Sockets sockets_;
   drivers::OpenCursors inTransaction_;
   drivers::OpenCursors alone_;
 };
@@ -156,6 +160,7 @@ class ParameterBlock {
 void FirebirdConnection::Connect(const std::vector<std::pair<std::string, std::string>>& list) {
   Disconnect();
   const drivers::Parameters parameters(list);
+  parameters.RefuseCustomString();
   const drivers::ServerAddress server = drivers::SplitHostName(parameters.Get("HostName"));
   std::string name = parameters.Get("Database");
   if (!server.host.empty()) {
@@ -176,8 +181,11 @@ void FirebirdConnection::Connect(const std::vector<std::pair<std::string, std::s
     block.Add(isc_dpb_sql_role_name, role);
   }
   Status status;
-  isc_attach_database(status.Vector(), static_cast<short>(name.size()), name.c_str(), &database_,
-                      static_cast<short>(block.Bytes().size()), block.Bytes().data());
+  sockets_ = drivers::OpenedBy([&] {
+    isc_attach_database(status.Vector(), static_cast<short>(name.size()), name.c_str(), &database_,
+                        static_cast<short>(block.Bytes().size()), block.Bytes().data());
+  });
+  sockets_.KeepAlive();
   if (status.Failed()) database_ = 0;
   status.Check();
 }

@@ -10,6 +10,7 @@
 #include "drivers/common/filled.h"
 #include "drivers/common/mariadb.h"
 #include "drivers/common/parameters.h"
+#include "drivers/common/sockets.h"
 #include "drivers/common/statements.h"
 #include "drivers/mysql/errors.h"
 #include "drivers/mysql/rows.h"
@@ -70,6 +71,8 @@ class MySqlConnection final : public data::Connection {
     return IsMariaDb() && mysql_get_server_version(mysql_.get()) >= kFirstReturning;
   }
   void SetLockTimeout(std::int32_t milliseconds) override;
+  bool WaitsForServer() const override { return true; }
+  void Abort() noexcept override { sockets_.ShutDown(); }
   std::string ServerVersion() override;
 
   // Before each statement.
@@ -88,6 +91,7 @@ class MySqlConnection final : public data::Connection {
 
   std::unique_ptr<MYSQL, CloseConnection> mysql_;
   drivers::OpenCursors open_;
+  drivers::Sockets sockets_;
   Transaction transaction_;
   std::int32_t lockMilliseconds_ = 10'000;
 };
@@ -95,6 +99,7 @@ class MySqlConnection final : public data::Connection {
 void MySqlConnection::Connect(const std::vector<std::pair<std::string, std::string>>& list) {
   Disconnect();
   const drivers::Parameters parameters(list);
+  parameters.RefuseCustomString();
   const drivers::ServerAddress server = drivers::SplitHostName(parameters.Get("HostName"));
   const std::string database = parameters.Get("Database");
   const std::string user = parameters.Get("User_Name");
@@ -120,6 +125,8 @@ void MySqlConnection::Connect(const std::vector<std::pair<std::string, std::stri
     Fail(made.get());
   }
   mysql_ = std::move(made);
+  sockets_ = drivers::Sockets(static_cast<int>(mysql_get_socket(mysql_.get())));
+  sockets_.KeepAlive();
   transaction_.Attach(mysql_.get());
   try {
     Execute(drivers::kMariaDbSession);

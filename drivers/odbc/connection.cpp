@@ -6,6 +6,7 @@
 #include "drivers/common/cursors.h"
 #include "drivers/common/entry.h"
 #include "drivers/common/parameters.h"
+#include "drivers/common/sockets.h"
 #include "drivers/common/sqlitestatement.h"
 #include "drivers/common/statements.h"
 #include "drivers/odbc/handles.h"
@@ -47,6 +48,9 @@ std::string ConnectionString(const Parameters& parameters) {
   add("Port", server.port);
   add("UID", Quoted(parameters.Get("User_Name")));
   add("PWD", Quoted(parameters.Get("Password")));
+  if (const std::string custom = parameters.Get("Custom String"); !custom.empty()) {
+    text += (text.ends_with(';') ? "" : ";") + custom;
+  }
   return text;
 }
 
@@ -115,6 +119,8 @@ class OdbcConnection final : public data::Connection {
   std::vector<std::string> FilledColumns(std::string_view table) override;
   bool InsertReturns() const override { return returns_; }
   void SetLockTimeout(std::int32_t milliseconds) override;
+  bool WaitsForServer() const override { return true; }
+  void Abort() noexcept override { sockets_.ShutDown(); }
   std::string ServerVersion() override { return Info(SQL_DBMS_NAME) + " " + Info(SQL_DBMS_VER); }
 
   Placed PlacedFor(const data::StatementParts& parts,
@@ -172,6 +178,7 @@ class OdbcConnection final : public data::Connection {
   std::int32_t lockMilliseconds_ = 10'000;
   std::string dbms_;
   drivers::OpenCursors open_;
+  drivers::Sockets sockets_;
   Transaction transaction_;
 };
 
@@ -198,9 +205,13 @@ void OdbcConnection::Login(const std::string& connectionString) {
       SQLSetEnvAttr(environment_.Get(), SQL_ATTR_ODBC_VERSION, Number(SQL_OV_ODBC3), 0));
   connection_ = Handle(SQL_HANDLE_DBC, environment_.Get());
   Set(SQL_ATTR_LOGIN_TIMEOUT, kConnectSeconds);
-  const SQLRETURN result = SQLDriverConnectW(connection_.Get(), nullptr, Units(text.data()),
-                                             static_cast<SQLSMALLINT>(text.size()), nullptr, 0,
-                                             nullptr, SQL_DRIVER_NOPROMPT);
+  SQLRETURN result = SQL_ERROR;
+  sockets_ = drivers::OpenedBy([&] {
+    result = SQLDriverConnectW(connection_.Get(), nullptr, Units(text.data()),
+                               static_cast<SQLSMALLINT>(text.size()), nullptr, 0, nullptr,
+                               SQL_DRIVER_NOPROMPT);
+  });
+  sockets_.KeepAlive();
   connection_.Check(result);
   connected_ = true;
 }

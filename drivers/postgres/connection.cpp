@@ -11,6 +11,7 @@
 #include "drivers/common/filled.h"
 #include "drivers/common/forms.h"
 #include "drivers/common/parameters.h"
+#include "drivers/common/sockets.h"
 #include "drivers/common/statements.h"
 #include "drivers/common/transaction.h"
 #include "drivers/postgres/errors.h"
@@ -62,6 +63,8 @@ class PostgresConnection final : public data::Connection {
   }
   bool InsertReturns() const override { return true; }
   void SetLockTimeout(std::int32_t milliseconds) override;
+  bool WaitsForServer() const override { return true; }
+  void Abort() noexcept override { sockets_.ShutDown(); }
   std::string ServerVersion() override;
 
   PGconn* Ready(std::string_view sql);
@@ -80,6 +83,7 @@ class PostgresConnection final : public data::Connection {
 
   Handle postgres_;
   drivers::OpenCursors open_;
+  drivers::Sockets sockets_;
   drivers::TransactionState state_;
   Isolation isolation_ = Isolation::ReadCommitted;  // of the active transaction
   std::int32_t lockMilliseconds_ = 10'000;
@@ -95,6 +99,7 @@ std::string LockTimeout(std::int32_t milliseconds) {
 void PostgresConnection::Connect(const std::vector<std::pair<std::string, std::string>>& list) {
   Disconnect();
   const drivers::Parameters parameters(list);
+  parameters.RefuseCustomString();
   const drivers::ServerAddress server = drivers::SplitHostName(parameters.Get("HostName"));
   const std::string database = parameters.Get("Database");
   const std::string user = parameters.Get("User_Name");
@@ -135,6 +140,8 @@ void PostgresConnection::Connect(const std::vector<std::pair<std::string, std::s
       made.get(), [](void*, const char*) {}, nullptr);
   trimCharacters_ = parameters.IsTrue("Trim Char");
   postgres_ = std::move(made);
+  sockets_ = drivers::Sockets(PQsocket(postgres_.get()));
+  sockets_.KeepAlive();
 }
 
 PGconn* PostgresConnection::Ready(std::string_view sql) {

@@ -5,6 +5,7 @@
 #include "drivers/common/entry.h"
 #include "drivers/common/exactly.h"
 #include "drivers/common/filled.h"
+#include "drivers/common/parameters.h"
 #include "drivers/common/sqlitestatement.h"
 #include "drivers/common/statements.h"
 #include "drivers/common/transaction.h"
@@ -23,20 +24,6 @@ using data::DriverError;
 using Pairs = std::vector<std::pair<std::string, std::string>>;
 
 constexpr std::int32_t kLockTimeout = 10'000;
-
-constexpr char Upper(char c) {
-  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 32) : c;
-}
-
-bool SameName(std::string_view a, std::string_view b) {
-  return std::ranges::equal(a, b, {}, Upper, Upper);
-}
-
-std::string_view Parameter(const Pairs& parameters, std::string_view name) {
-  const auto found = std::ranges::find_if(
-      parameters, [name](const auto& pair) { return SameName(pair.first, name); });
-  return found == parameters.end() ? std::string_view{} : std::string_view{found->second};
-}
 
 int ClampSize(std::size_t size) {
   if (size > INT32_MAX) throw DriverError("string or blob too big");
@@ -102,7 +89,7 @@ std::vector<ValueClass> ClassesOf(std::span<const data::ParameterValue> values) 
 
 class SqliteConnection : public data::Connection {
  public:
-  void Connect(const Pairs& parameters) override;
+  void Connect(const Pairs& list) override;
   void Disconnect() noexcept override;
   std::int64_t Execute(std::string_view sql) override;
   std::unique_ptr<data::Cursor> Query(std::string_view sql) override;
@@ -146,10 +133,12 @@ class SqliteConnection : public data::Connection {
   bool rolledBack_ = false;  // the server has done so, since it was last asked
 };
 
-void SqliteConnection::Connect(const Pairs& parameters) {
-  const std::string file(Parameter(parameters, "Database"));
+void SqliteConnection::Connect(const Pairs& list) {
+  const Parameters parameters(list);
+  const std::string file = parameters.Get("Database");
   if (file.empty()) throw DriverError("the parameter Database names no file");
-  const bool create = SameName(Parameter(parameters, "CreateDatabase"), "TRUE");
+  parameters.RefuseCustomString();
+  const bool create = parameters.IsTrue("CreateDatabase");
   const int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_URI |
                     (create ? SQLITE_OPEN_CREATE : 0);
   sqlite3* opened = nullptr;

@@ -240,6 +240,11 @@ class KVSHARE_API Connection {
   // 0: not at all. Drivers have 10 s until they are told.
   virtual void SetLockTimeout(std::int32_t milliseconds) = 0;
 
+  // Whether calls wait for a server that may never answer. Abort, from another thread, then makes
+  // the call that waits fail as ConnectionLost.
+  virtual bool WaitsForServer() const { return false; }
+  virtual void Abort() noexcept {}
+
   // "PostgreSQL 15.6", for a person.
   virtual std::string ServerVersion() = 0;
 };

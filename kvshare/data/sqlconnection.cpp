@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "kvshare/data/answerwatch.h"
 #include "kvshare/data/driverlibrary.h"
 #include "kvshare/data/named.h"
 #include "kvshare/data/secrets.h"
@@ -23,6 +24,7 @@ struct TSQLConnection::Session {
   std::unique_ptr<data::Connection> connection;
   Transaction transaction = Transaction::None;
   bool lost = false;
+  std::unique_ptr<data::AnswerWatch> watch;
 };
 
 namespace {
@@ -124,10 +126,15 @@ void TSQLConnection::RefuseByServer(const data::DriverError& error, std::string_
 
 template <typename Work>
 auto TSQLConnection::Guarded(Work work) const {
+  data::AnswerWatch* watch = session_ ? session_->watch.get() : nullptr;
   try {
+    const data::AnswerWatch::Call call(watch);
     return work();
   } catch (const data::DriverError& e) {
-    RefuseByServer(e);
+    if (watch == nullptr || !watch->HasAborted()) RefuseByServer(e);
+    const auto limit = std::to_string(watch->Limit().count());
+    RefuseByServer(data::DriverError("The server has not answered for " + limit + " milliseconds",
+                                     data::DriverError::Kind::ConnectionLost));
   }
 }
 
@@ -151,16 +158,18 @@ auto TSQLConnection::OnServer(Work work) {
 void TSQLConnection::Open() {
   if (Connected()) return;
   if (driverName_.empty()) DatabaseError("Missing DriverName property", this);
+  RefuseUnknownManners();
   try {
     std::unique_ptr<Session> session;
     Guarded([&] {
-      session = std::make_unique<Session>(
-          Session{data::DriverLibrary(LibraryName, GetDriverFunc, VendorLib), nullptr, {}});
+      session = std::make_unique<Session>(Session{
+          data::DriverLibrary(LibraryName, GetDriverFunc, VendorLib), nullptr, {}, false, nullptr});
       data::Driver& driver = session->library.Driver();
       session->connection = driver.MakeConnection();
       session->connection->Connect(WireParameters(Params, driver.DatabaseIsFile()));
     });
     session_ = std::move(session);
+    WatchAnswers();
     ApplyLockTimeout();
   } catch (const EServerError&) {
     session_.reset();
@@ -171,18 +180,71 @@ void TSQLConnection::Open() {
   }
 }
 
-void TSQLConnection::ApplyLockTimeout() {
-  const std::string_view text = Params.Values("LockTimeout");
-  if (text.empty()) return;
+// Manners that a connection file may ask for and no driver has: silence would mean something else.
+void TSQLConnection::RefuseUnknownManners() const {
+  const std::string_view blobSize = Params.Values("BlobSize");
+  if (!blobSize.empty() && blobSize != "-1") {
+    DatabaseError("The parameter BlobSize cannot be " + std::string(blobSize) +
+                      ": blobs are read whole, which is -1",
+                  this);
+  }
+  const std::string_view autoCommit = Params.Values("AutoCommit");
+  if (!autoCommit.empty() && !SameText(autoCommit, "True")) {
+    DatabaseError("The parameter AutoCommit cannot be " + std::string(autoCommit) +
+                      ": a statement outside transactions commits itself, which is True",
+                  this);
+  }
+  CustomIsolation();
+}
+
+// Of xilCUSTOM, by a parameter whose name begins with a driver's.
+data::Isolation TSQLConnection::CustomIsolation() const {
+  using data::Isolation;
+  constexpr std::string_view kName = "TransIsolation";
+  for (int i = 0; i < Params.Count(); ++i) {
+    const std::string_view name = Params.Names(i);
+    const bool known =
+        name.size() >= kName.size() && SameText(name.substr(name.size() - kName.size()), kName);
+    const std::string_view value = Params.ValueFromIndex(i);
+    if (!known || value.empty()) continue;
+    if (SameText(value, "ReadCommited") || SameText(value, "ReadCommitted")) {
+      return Isolation::ReadCommitted;
+    }
+    if (SameText(value, "RepeatableRead")) return Isolation::RepeatableRead;
+    if (SameText(value, "DirtyRead")) return Isolation::DirtyRead;
+    DatabaseError("The parameter " + std::string(name) + " cannot be " + std::string(value), this);
+  }
+  return Isolation::Custom;
+}
+
+std::optional<std::int32_t> TSQLConnection::MillisecondsOf(std::string_view name) const {
+  const std::string_view text = Params.Values(name);
+  if (text.empty()) return std::nullopt;
   const std::int32_t milliseconds = StrToInt(text);
-  if (milliseconds < 0) throw EConvertError("'" + std::string(text) + "' is no LockTimeout");
-  Guarded([&] { session_->connection->SetLockTimeout(milliseconds); });
+  if (milliseconds >= 0) return milliseconds;
+  throw EConvertError("'" + std::string(text) + "' is no " + std::string(name));
+}
+
+void TSQLConnection::ApplyLockTimeout() {
+  const auto milliseconds = MillisecondsOf("LockTimeout");
+  if (!milliseconds) return;
+  Guarded([&] { session_->connection->SetLockTimeout(*milliseconds); });
+}
+
+void TSQLConnection::WatchAnswers() {
+  constexpr std::int32_t kHour = 3'600'000;
+  const std::chrono::milliseconds limit(MillisecondsOf("AnswerTimeout").value_or(kHour));
+  if (limit.count() == 0 || !session_->connection->WaitsForServer()) return;
+  session_->watch = std::make_unique<data::AnswerWatch>(*session_->connection, limit);
 }
 
 void TSQLConnection::Close() noexcept {
   if (!Connected()) return;
   for (TSQLQuery* query : queries_) query->Close();
-  session_->connection->Disconnect();
+  {
+    const data::AnswerWatch::Call call(session_->watch.get());
+    session_->connection->Disconnect();
+  }
   session_.reset();
 }
 
@@ -193,7 +255,9 @@ bool TSQLConnection::InTransaction() const {
 void TSQLConnection::StartTransaction(const TTransactionDesc& description) {
   Open();
   if (InTransaction()) DatabaseError("A transaction is already active", this);
-  const auto isolation = static_cast<data::Isolation>(description.IsolationLevel);
+  const auto isolation = description.IsolationLevel == TTransIsolationLevel::xilCUSTOM
+                             ? CustomIsolation()
+                             : static_cast<data::Isolation>(description.IsolationLevel);
   OnServer([&](data::Connection& connection) { connection.Begin(isolation); });
   session_->transaction = Session::Transaction::Active;
 }
@@ -312,6 +376,11 @@ bool TSQLConnection::InsertReturns() const {
 
 const std::vector<data::Column>& TSQLConnection::ColumnsOf(const data::Cursor& cursor) const {
   return *Guarded([&] { return &cursor.Columns(); });
+}
+
+void TSQLConnection::Release(std::unique_ptr<data::Cursor>& cursor) const noexcept {
+  const data::AnswerWatch::Call call(session_ ? session_->watch.get() : nullptr);
+  cursor.reset();
 }
 
 bool TSQLConnection::NextRow(data::Cursor& cursor) {

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -70,7 +71,10 @@ class KVSHARE_API TSQLConnection : public TComponent {
 
   // `name=value`, in the connection file's names, for the driver; names ignore case, the first of
   // doubles counts. LockTimeout is the milliseconds that a statement waits for what another
-  // connection has locked (10000; 0: not at all).
+  // connection has locked (10000; 0: not at all), AnswerTimeout those that any call waits for the
+  // server's answer before the connection is given up as lost (3600000; 0: for ever).
+  // `... TransIsolation` (ReadCommited, RepeatableRead, DirtyRead) is the isolation of xilCUSTOM.
+  // Connecting refuses a BlobSize other than -1 and an AutoCommit other than True.
   TStringList Params;
 
   // Setting true connects, false rolls back, closes the queries and never fails. Errors:
@@ -136,7 +140,11 @@ class KVSHARE_API TSQLConnection : public TComponent {
                                    std::string_view words = {}) const;
   void CheckUsable();
   std::string WithoutPassword(std::string text) const;
+  void RefuseUnknownManners() const;
+  data::Isolation CustomIsolation() const;
+  std::optional<std::int32_t> MillisecondsOf(std::string_view name) const;
   void ApplyLockTimeout();
+  void WatchAnswers();
 
   // Statements are code page 874.
   std::unique_ptr<data::Cursor> OpenCursor(std::string_view sql);
@@ -144,6 +152,7 @@ class KVSHARE_API TSQLConnection : public TComponent {
                                            std::span<const data::ParameterValue> parameters);
   const std::vector<data::Column>& ColumnsOf(const data::Cursor& cursor) const;
   bool NextRow(data::Cursor& cursor);
+  void Release(std::unique_ptr<data::Cursor>& cursor) const noexcept;
   std::unique_ptr<data::PreparedStatement> Prepare(const data::StatementParts& statement);
   data::StatementParts WireParts(const data::StatementParts& statement) const;
   // Of the server; before the connection is open, of those that its driver is for.

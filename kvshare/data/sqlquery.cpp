@@ -267,9 +267,13 @@ void TSQLQuery::InternalOpen() {
   fresh_ = true;
 }
 
+void TSQLQuery::ReleaseRows() noexcept {
+  if (row_.cursor) connection_->Release(row_.cursor);
+}
+
 void TSQLQuery::InternalClose() noexcept {
   row_.there = false;
-  row_.cursor.reset();
+  ReleaseRows();
   rows_ = 0;
 }
 
@@ -280,7 +284,7 @@ bool TSQLQuery::InternalFirst() {
 
 void TSQLQuery::RunAgain() {
   row_.there = false;
-  row_.cursor.reset();  // before the statement runs again
+  ReleaseRows();  // before the statement runs again
   rows_ = 0;
   try {
     row_.cursor = Run();

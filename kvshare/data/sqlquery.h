@@ -105,6 +105,7 @@ class KVSHARE_API TSQLQuery : public TDataSet {
   [[noreturn]] void RefuseField(int column, const data::DriverError& error) const;
   std::unique_ptr<data::Cursor> Run();
   void RunAgain();
+  void ReleaseRows() noexcept;
 
   TSQLConnection* connection_ = nullptr;
   Lines sql_;

@@ -11,6 +11,7 @@
 #include "kvshare/database/sqlfunc.h"
 #include "kvshare/rtl/inifile.h"
 #include "tests/company/faults.h"
+#include "tests/servers/relay.h"
 #include "tests/servers/serverprocess.h"
 
 namespace kvshare {
@@ -36,19 +37,92 @@ TEST_F(Faults, ThePasswordIsNowhere) {
 }
 
 // The address is a parameter of its own, or stands in the connection string.
-TEST_F(Faults, NobodyListens) {
-  const TIniFile file(GetDbxConnectFileName());
-  std::string text = file.ReadString(kAlias, "Database", "");
-  if (const std::size_t port = text.find("Port="); port != std::string::npos) {
-    text.replace(port, text.find(';', port) - port, "Port=1");
-    SetParameter("Database", text);
-  } else {
-    SetParameter("HostName", "127.0.0.1:1");
+class Addresses : public Faults {
+ protected:
+  // The port that the connection file names; changes it.
+  int TakePort(int other) {
+    const TIniFile file(GetDbxConnectFileName());
+    std::string text = file.ReadString(kAlias, "Database", "");
+    if (const std::size_t port = text.find("Port="); port != std::string::npos) {
+      const std::size_t digits = port + std::string_view("Port=").size();
+      const std::string known = text.substr(digits, text.find(';', digits) - digits);
+      SetParameter("Database", text.replace(digits, known.size(), std::to_string(other)));
+      return std::stoi(known);
+    }
+    text = file.ReadString(kAlias, "HostName", "");
+    SetParameter("HostName", "127.0.0.1:" + std::to_string(other));
+    return std::stoi(text.substr(text.rfind(':') + 1));
   }
+};
+
+TEST_F(Addresses, NobodyListens) {
+  TakePort(1);
   TSQLConnection connection;
   ConnectDBMS(connection, kAlias, true);
   EXPECT_FALSE(connection.Connected());
   EXPECT_THAT(Boxes(), SizeIs(1));
+}
+
+// Neither side is told: the bytes are taken and go nowhere.
+TEST_F(Addresses, TheNetworkPathGoesDead) {
+  const auto useless = [](TSQLConnection& connection, const std::function<void()>& work) {
+    const auto began = std::chrono::steady_clock::now();
+    try {
+      work();
+      ADD_FAILURE() << "answered";
+    } catch (const EServerError& e) {
+      EXPECT_TRUE(e.ConnectionLost());
+      EXPECT_THAT(e.Message(), HasSubstr("The server has not answered for 600 milliseconds"));
+    }
+    EXPECT_THAT(MessageOf<EServerError>([&] { connection.ExecuteDirect("DELETE FROM T"); }),
+                HasSubstr("The connection was lost"));
+    connection.Close();
+    EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::seconds(5));
+  };
+  Run("INSERT INTO T VALUES (1, 'a')");
+  const int port = TakePort(0);
+  const auto through = [&](Relay& relay) {
+    TakePort(relay.Port());
+    SetParameter("AnswerTimeout", "600");
+    auto connection = Connected();
+    EXPECT_TRUE(connection->Connected());
+    return connection;
+  };
+  {
+    Relay relay(port);
+    const auto connection = through(relay);
+    relay.GoDead();
+    useless(*connection, [&] { connection->ExecuteDirect("DELETE FROM T"); });
+  }
+  Relay relay(port);
+  const auto connection = through(relay);
+  connection->StartTransaction({});
+  connection->ExecuteDirect("DELETE FROM T");
+  std::this_thread::sleep_for(std::chrono::milliseconds(1500));  // nobody waits for an answer
+  relay.GoDead();
+  useless(*connection, [&] { connection->Commit({}); });
+}
+
+// Of transactions that leave the isolation to the connection file.
+TEST_F(Faults, TheIsolationOfTheConnectionFile) {
+  Run("INSERT INTO T VALUES (1, 'a')");
+  for (const auto& [level, seen] : {std::pair("RepeatableRead", "a"), {"ReadCommited", "b"}}) {
+    SetParameter("Interbase TransIsolation", level);
+    const auto reader = Connected();
+    Run("UPDATE T SET N = 'a'");
+    const auto read = [&reader] {
+      TSQLQuery query;
+      query.SetSQLConnection(reader.get());
+      query.SQL().Add("SELECT N FROM T");
+      query.Open();
+      return query.Fields(0).AsString();
+    };
+    reader->StartTransaction({.IsolationLevel = TTransIsolationLevel::xilCUSTOM});
+    EXPECT_EQ(read(), "a");
+    Run("UPDATE T SET N = 'b'");
+    EXPECT_EQ(read(), seen) << level;
+    reader->Commit({});
+  }
 }
 
 TEST_F(Faults, TheServerIsKilledInTheMiddleOfABatch) {

@@ -98,14 +98,36 @@ TEST(Connection, SecretsAreNotShown) {
       << "the longest first, so that no piece of it is left";
 }
 
-TEST(Connection, LockTimeoutIsANumber) {
+TEST(Connection, ParametersThatNobodyCanFulfil) {
+  struct Case {
+    const char* parameter;
+    std::string_view error;  // its beginning; "" for none
+  };
+  const Case cases[] = {
+      {"LockTimeout=soon", "'soon' is "},
+      {"LockTimeout=-1", "'-1' is "},
+      {"AnswerTimeout=x", "'x' is "},
+      {"BlobSize=32", "The parameter BlobSize cannot be 32: "},
+      {"AutoCommit=False", "The parameter AutoCommit cannot be False: "},
+      {"Custom String=x", "SQL Server Error: the parameter Custom String has no meaning"},
+      {"X TransIsolation=Serial", "The parameter X TransIsolation cannot be Serial"},
+      {"AnswerTimeout=0", ""},
+      {"BlobSize=-1", ""},
+      {"AUTOCOMMIT=true", ""},
+      {"Custom String=", ""},
+      {"X TransIsolation=readcommited", ""},
+  };
   const TemporaryFolder folder;
-  TSQLConnection connection;
-  UseSqlite(connection, folder.File("x.db"));
-  for (const char* bad : {"soon", "-1"}) {
-    connection.Params.SetValue("LockTimeout", bad);
-    EXPECT_THAT(ErrorOf(connection), testing::StartsWith(std::string("'") + bad + "' is "));
-    EXPECT_FALSE(connection.Connected());
+  for (const Case& c : cases) {
+    TSQLConnection connection;
+    UseSqlite(connection, folder.File("x.db"));
+    connection.Params.Add(c.parameter);
+    if (c.error.empty()) {
+      EXPECT_NO_THROW(connection.Open()) << c.parameter;
+    } else {
+      EXPECT_THAT(ErrorOf(connection), testing::StartsWith(std::string(c.error))) << c.parameter;
+    }
+    EXPECT_EQ(connection.Connected(), c.error.empty());
   }
 }
 

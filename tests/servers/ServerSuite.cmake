@@ -2,7 +2,9 @@
 set(servers_folder ${CMAKE_CURRENT_LIST_DIR})
 
 # What compiles into the programs of such suites.
-add_library(kvshare_server_process STATIC ${servers_folder}/serverprocess.cpp)
+add_library(kvshare_server_process STATIC
+  ${servers_folder}/relay.cpp
+  ${servers_folder}/serverprocess.cpp)
 target_include_directories(kvshare_server_process PRIVATE ${PROJECT_SOURCE_DIR})
 target_link_libraries(kvshare_server_process PRIVATE kvshare_warnings)
 
