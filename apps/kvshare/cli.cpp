@@ -120,6 +120,8 @@ int ParseAndRun(std::vector<std::string> arguments, const Stdio& stdio) {
 int RunCommandLine(std::vector<std::string> arguments, const Stdio& stdio) {
   try {
     return ParseAndRun(std::move(arguments), stdio);
+  } catch (const ReaderGone&) {
+    return kReaderGone;
   } catch (const Exception& e) {
     return Complain(stdio, Cp874ToUtf8Lossy(e.Message()), kBadInput);
   } catch (const std::bad_alloc&) {

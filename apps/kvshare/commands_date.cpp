@@ -28,7 +28,8 @@ constexpr std::string_view kParseExamples =
 
 constexpr std::string_view kMonthExamples =
     "  kvshare date month 1 2003-01-31                   2003-02-28\n"
-    "  kvshare date month -1 2003-03-31                  2003-02-28\n";
+    "  kvshare date month -1 2003-03-31                  2003-02-28\n"
+    "  kvshare date month 12 2003-01-31                  2004-01-31\n";
 
 struct DateOptions {
   std::string era;
@@ -130,23 +131,36 @@ TDateTime ReadTyped(std::string_view text, const DateOptions& options, Word offs
 }
 
 Transform MakeParse(const DateOptions& options) {
-  return [options, offset = UsageEra(options.era)](std::string_view item, Row& row) {
-    const std::string_view text = Trim(item);
+  return [options, offset = UsageEra(options.era)](std::string_view text, Row& row) {
     const TDateTime date = ReadTyped(text, options, offset);
     if (row.Json()) row.Member("text") = text;
     AppendIso(row.Cell("date"), date);
   };
 }
 
+// The same day so many months away, or that month's last one. Throws EConvertError past the years 1
+// to 9999.
+TDateTime MonthsAway(TDateTime date, std::int32_t months) {
+  constexpr std::int32_t kYear = 12;
+  const TDateParts parts = DecodeDate(date);
+  const std::int32_t month = parts.Year * kYear + parts.Month - 1 + months;
+  if (month < kYear || month >= 10'000 * kYear) {
+    throw EConvertError("the years are 1 to 9999");
+  }
+  return D::Encodedatedd(static_cast<Word>(month / kYear), static_cast<Word>(month % kYear + 1),
+                         static_cast<Word>(parts.Day));
+}
+
 Transform MakeMonth(const std::string& delta) {
+  constexpr std::int32_t kMost = 9998 * 12;
   std::int32_t months = 0;
-  if (!TryStrToInt(delta, months) || months < INT8_MIN || months > INT8_MAX) {
-    RefuseUsage("DELTA", "is a number from -128 to 127");
+  if (!TryStrToInt(delta, months) || months < -kMost || months > kMost) {
+    RefuseUsage("DELTA", "is a number of months");
   }
   return [months](std::string_view item, Row& row) {
     const TDateTime date = ParseIso(item);
     if (row.Json()) AppendIso(row.Member("date"), date);
-    AppendIso(row.Cell("result"), D::ChangeMonth(date, static_cast<std::int8_t>(months)));
+    AppendIso(row.Cell("result"), MonthsAway(date, months));
   };
 }
 
@@ -178,8 +192,9 @@ void DeclareParse(CLI::App& date, Plan& plan) {
 void DeclareMonth(CLI::App& date, Plan& plan) {
   const auto delta = std::make_shared<std::string>();
   CLI::App* command =
-      AddCommand(date, plan, "month", "The same day of a neighbouring month", kMonthExamples);
-  command->add_option("DELTA", *delta, "1 for the next month, -1 for the one before")->required();
+      AddCommand(date, plan, "month", "The same day of another month", kMonthExamples);
+  command->add_option("DELTA", *delta, "Months: 1 for the next one, -12 for a year back")
+      ->required();
   AddItems(*command, plan, "DATE", "yyyy-mm-dd");
   command->callback([delta, &plan] { plan.transform = MakeMonth(*delta); });
 }

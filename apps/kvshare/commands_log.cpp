@@ -5,6 +5,7 @@
 #include "apps/kvshare/logbook.h"
 #include "apps/kvshare/logfollower.h"
 #include "apps/kvshare/moments.h"
+#include "apps/receipts/columns.h"
 #include "kvshare/os/paths.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
@@ -15,7 +16,7 @@ namespace {
 
 constexpr std::string_view kShowExamples =
     "  kvshare log show --file 'C:\\Logs\\ledger.log'\n"
-    "  kvshare log show --file ledger.log --day 2026-11-25 --user somchai\n";
+    "  kvshare log show --file ledger.log --day 25/11/2569 --user somchai\n";
 constexpr std::string_view kFollowExamples =
     "  kvshare log follow --file ledger.log        as long as you wait, until Ctrl-C\n"
     "  kvshare log follow --file ledger.log --lines 3 --once\n";
@@ -72,7 +73,7 @@ LogFilter FilterOf(const Options& options) {
   filter.computer = UsageText("--computer", options.computer);
   if (options.day.empty()) return filter;
   try {
-    filter.day = ParseIso(options.day);
+    filter.day = receipts::ParseDate(UsageText("--day", options.day)).date;
   } catch (const EConvertError& e) {
     RefuseUsage("--day", Cp874ToUtf8Lossy(e.Message()));
   }
@@ -169,7 +170,9 @@ void DeclareLog(CLI::App& parent, Plan& plan) {
 
   CLI::App* show = AddLogCommand(*log, plan, options, "show", "Lines of all months, oldest first",
                                  kShowExamples, Show);
-  show->add_option("--day", options->day, "Only of that day, yyyy-mm-dd")->type_name("DATE");
+  show->add_option("--day", options->day,
+                   "Only of that day, yyyy-mm-dd or dd/mm/yyyy, of either era")
+      ->type_name("DATE");
   show->add_option("--user", options->user, "Only of that login name")->type_name("NAME");
   show->add_option("--computer", options->computer, "Only of that computer")->type_name("NAME");
 

@@ -8,6 +8,7 @@
 #include "apps/kvshare/connections.h"
 #include "apps/kvshare/dayinput.h"
 #include "apps/kvshare/dayoutput.h"
+#include "apps/kvshare/interruption.h"
 #include "apps/kvshare/startedlibrary.h"
 #include "apps/posting/company.h"
 #include "apps/posting/poster.h"
@@ -129,14 +130,18 @@ class PostRun {
       : connection_(connection),
         poster_(connection),
         settings_(settings),
-        output_(stdio, settings.json),
+        output_(stdio, settings.json, settings.layout.has_value()),
         reader_([this](const receipts::Problem& problem) { output_.Report(problem); }) {}
 
   int Run(const DayInput& input) {
     input.FeedTo(reader_);
     const std::vector<Document> documents = reader_.Finish();
     try {
-      for (const Document& document : documents) Take(document);
+      const Interruption interruption;
+      for (const Document& document : documents) {
+        if (interruption.Asked()) throw EEndOfRun("interrupted: what is posted stays posted");
+        Take(document);
+      }
     } catch (const EEndOfRun& e) {
       output_.Report({0, 0, "", Cp874ToUtf8Lossy(e.Message()), false});
     }

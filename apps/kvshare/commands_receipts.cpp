@@ -38,7 +38,7 @@ class ReceiptsRun {
       : rules_(rules),
         layout_(layout),
         paper_(pdf.empty() ? nullptr : std::make_unique<DayPaper>(pdf)),
-        output_(stdio, json),
+        output_(stdio, json, paper_ == nullptr || json),
         reader_([this](const receipts::Problem& problem) { output_.Report(problem); }) {}
 
   int Run(const DayInput& input) {

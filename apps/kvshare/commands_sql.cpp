@@ -4,6 +4,7 @@
 #include "apps/kvshare/commands.h"
 #include "apps/kvshare/connections.h"
 #include "apps/kvshare/inputfile.h"
+#include "apps/kvshare/progress.h"
 #include "apps/kvshare/rowset.h"
 #include "apps/kvshare/sqltext.h"
 #include "kvshare/database/sqlbatch.h"
@@ -93,25 +94,48 @@ TStringList LinesOfBatch(const std::string& file, const Stdio& stdio) {
   return lines;
 }
 
+// Shows how far the batch has come, which reads one line after another.
+class ShownLines : public TStringList {
+ public:
+  ShownLines(const TStringList& lines, const Stdio& stdio)
+      : progress_(stdio, "of " + std::to_string(lines.Count()) + " lines", Progress::Lines::None) {
+    Assign(lines);
+  }
+  const std::string& operator[](int index) const override {
+    progress_.Show(static_cast<std::uint64_t>(index) + 1);
+    return TStringList::operator[](index);
+  }
+
+ private:
+  mutable Progress progress_;
+};
+
 void RunBatch(TSQLConnection& connection, const std::string& file, const Stdio& stdio) {
   TStringList lines = LinesOfBatch(file, stdio);
   if (const auto loss = PrepareBatch(lines)) RefuseBatch(file, *loss);
-  const TSQLBatchReport report = RunSQLBatch(connection, lines);
+  TSQLBatchReport report;
+  {
+    const ShownLines shown(lines, stdio);
+    report = RunSQLBatch(connection, shown);
+  }
   if (report.Committed) return;
   std::string text = report.Text();
   std::erase(text, '\r');
   RefuseBatch(file, text);
 }
 
-void PrintChanged(std::int64_t rows, RowForm form, const Stdio& stdio) {
-  BlockWriter out(stdio.out, "standard output");
+// For the person at a terminal; a program asks for JSON.
+void TellChanged(std::int64_t rows, RowForm form, const Stdio& stdio) {
   const std::string number = std::to_string(rows);
-  if (form == RowForm::Json) out.Buffer().append("{\"changed\":").append(number).append("}");
-  if (form == RowForm::Table) {
-    out.Buffer().append(number).append(rows == 1 ? " row changed" : " rows changed");
+  if (form == RowForm::Json) {
+    BlockWriter out(stdio.out, "standard output");
+    out.Buffer() = "{\"changed\":" + number + "}\n";
+    out.Flush();
+  } else if (IsTerminal(stdio.err)) {
+    BlockWriter err(stdio.err, "standard error");
+    err.Buffer() = number + (rows == 1 ? " row changed\n" : " rows changed\n");
+    err.Flush();
   }
-  if (form != RowForm::Csv) out.EndLine();
-  out.Flush();
 }
 
 // One statement in a transaction of its own, cut as every runner of statements cuts it.
@@ -121,7 +145,7 @@ void RunStatement(TSQLConnection& connection, const std::string& sql, SqlKind ki
   StatementTransaction transaction(connection);
   const std::int64_t rows = connection.ExecuteDirect(BeforeSemicolon(Trim(sql)));
   transaction.Commit();
-  if (kind == SqlKind::Change) PrintChanged(rows, form, stdio);
+  if (kind == SqlKind::Change) TellChanged(rows, form, stdio);
 }
 
 void RunSql(TSQLConnection& connection, const std::string& sql, RowForm form, const Stdio& stdio) {

@@ -12,10 +12,11 @@ namespace kvshare::app {
 // Receipts on standard output, problems on standard error, and how far the run has come.
 class DayOutput {
  public:
-  DayOutput(const Stdio& stdio, bool json)
+  // `receipts`: whether they stand on standard output, as the documents are taken.
+  DayOutput(const Stdio& stdio, bool json, bool receipts)
       : out_(stdio.out, "standard output"),
         err_(stdio.err, "standard error"),
-        progress_(stdio, "documents"),
+        progress_(stdio, "documents", receipts ? Progress::Lines::Shown : Progress::Lines::None),
         json_(json) {}
 
   void Report(const receipts::Problem& problem);

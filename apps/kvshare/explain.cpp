@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "apps/kvshare/moments.h"
+#include "apps/receipts/yearwarnings.h"
 #include "kvshare/dates/date.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/exceptions.h"
@@ -195,34 +196,9 @@ void TellStamp(Story& story, std::string_view text) {
   }
 }
 
-// Years in which papers of today are dated. Later ones carry 543 once or twice too often.
-constexpr int kFirstYear = 1900;
-constexpr int kLastTypedYear = 2100;
-constexpr int kLastYear = 2442;
-
 void WarnOfEra(Reading& reading, Word offset) {
-  const int year = DecodeDate(*reading.moment).Year;
-  const int typed = year + offset;
-  int excess = 0;  // how often 543 is in the year
-  while (year - excess * kBuddhistEraOffset > kLastYear) ++excess;
-  const int likely = year - excess * kBuddhistEraOffset;
-  const int added = excess + (offset != 0 ? 1 : 0);
-  std::string warning;
-  if (excess == 0) {
-    const bool christian = offset != 0 && typed >= kFirstYear && typed <= kLastTypedYear;
-    if (!christian) return;
-    warning = Format("%d looks like a Christian year read as one of the Buddhist era", {typed});
-  } else if (added == 1) {
-    warning =
-        Format("%d looks like a year of the Buddhist era read as a Christian one: it would be %d",
-               {typed, likely});
-  } else if (added == 2) {
-    warning = Format("%d looks like a year to which 543 was added twice: it would be %d",
-                     {typed, likely});
-  } else {
-    warning = Format("the year %d lies far ahead", {year});
-  }
-  reading.warnings.push_back(std::move(warning));
+  std::string warning = receipts::EraWarning(*reading.moment, offset);
+  if (!warning.empty()) reading.warnings.push_back(std::move(warning));
 }
 
 Reading Conclude(std::string_view reader, std::optional<TDateTime> moment, const Story& story) {

@@ -22,7 +22,7 @@ class ItemRun {
         row_(json),
         out_(stdio.out, "standard output"),
         err_(stdio.err, "standard error"),
-        progress_(stdio, "lines") {}
+        progress_(stdio, "lines", Progress::Lines::Shown) {}
 
   void Take(std::string_view utf8) {
     ++number_;

@@ -14,6 +14,7 @@ namespace kvshare::app {
 inline constexpr int kDone = 0;
 inline constexpr int kBadInput = 1;
 inline constexpr int kWrongUsage = 2;
+inline constexpr int kReaderGone = 141;  // as a shell tells SIGPIPE
 
 // Makes the row of one item (code page 874). Throws an Exception for an item that cannot be read.
 using Transform = std::function<void(std::string_view item, Row& row)>;

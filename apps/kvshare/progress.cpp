@@ -2,8 +2,6 @@
 
 #include <unistd.h>
 
-#include <string>
-
 namespace kvshare::app {
 
 using namespace std::chrono_literals;
@@ -17,10 +15,11 @@ void WriteQuietly(int fd, std::string_view text) {
 
 }  // namespace
 
-Progress::Progress(const Stdio& stdio, std::string_view unit)
+Progress::Progress(const Stdio& stdio, std::string_view unit, Lines lines)
     : fd_(stdio.err),
       unit_(unit),
-      on_(::isatty(stdio.err) != 0 && ::isatty(stdio.out) == 0 && ::isatty(stdio.in) == 0),
+      on_(IsTerminal(stdio.err) &&
+          (lines == Lines::None || (!IsTerminal(stdio.out) && !IsTerminal(stdio.in)))),
       next_(Clock::now() + 2s) {}
 
 Progress::~Progress() {
@@ -31,7 +30,7 @@ void Progress::Show(std::uint64_t done) {
   if (!on_ || Clock::now() < next_) return;
   next_ = Clock::now() + 200ms;
   visible_ = true;
-  WriteQuietly(fd_, "\r" + std::to_string(done) + " " + std::string(unit_) + "\x1B[K");
+  WriteQuietly(fd_, "\r" + std::to_string(done) + " " + unit_ + "\x1B[K");
 }
 
 void Progress::Erase() {

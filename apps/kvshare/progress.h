@@ -3,17 +3,20 @@
 
 #include <chrono>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "apps/kvshare/stream.h"
 
 namespace kvshare::app {
 
-// Writes one line that rewrites itself, from two seconds on, when standard error is a terminal and
-// neither the input nor the output is one (there it would stand between the lines).
+// Writes one line that rewrites itself, from two seconds on, when standard error is a terminal.
 class Progress {
  public:
-  Progress(const Stdio& stdio, std::string_view unit);
+  // Whether the run reads and writes line by line: on a terminal these are its progress themselves.
+  enum class Lines : bool { None, Shown };
+
+  Progress(const Stdio& stdio, std::string_view unit, Lines lines);
   ~Progress();
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
@@ -25,7 +28,7 @@ class Progress {
   using Clock = std::chrono::steady_clock;
 
   int fd_;
-  std::string_view unit_;
+  std::string unit_;
   bool on_;
   bool visible_ = false;
   Clock::time_point next_;

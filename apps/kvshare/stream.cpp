@@ -15,6 +15,7 @@ namespace {
 constexpr std::size_t kBlock = std::size_t{256} << 10;
 
 [[noreturn]] void Throw(const std::string& stream) {
+  if (errno == EPIPE) throw ReaderGone();
   throw StreamError(stream + ": " + std::generic_category().message(errno));
 }
 
@@ -24,6 +25,10 @@ bool WouldWait(int fd) {
 }
 
 }  // namespace
+
+bool IsTerminal(int fd) {
+  return ::isatty(fd) != 0;
+}
 
 std::size_t ReadSome(int fd, char* to, std::size_t size) {
   for (;;) {

@@ -23,6 +23,14 @@ class StreamError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// Whoever read the output has gone, as `head` does: nobody is there to be told.
+class ReaderGone : public StreamError {
+ public:
+  ReaderGone() : StreamError("nobody reads the output") {}
+};
+
+bool IsTerminal(int fd);
+
 // Up to `size` bytes; 0 at the end of the input. Throws StreamError.
 std::size_t ReadSome(int fd, char* to, std::size_t size);
 

@@ -5,6 +5,7 @@
 #include "apps/receipts/amounts.h"
 #include "kvshare/data/sqlquery.h"
 #include "kvshare/rtl/format.h"
+#include "kvshare/rtl/formatdatetime.h"
 #include "kvshare/settings/sqldialect.h"
 
 namespace kvshare::posting {
@@ -64,19 +65,96 @@ bool SameLine(const TSQLQuery& row, const Line& line, const LineAmounts& amounts
   return true;
 }
 
+std::string LinesOfDocument() {
+  return Format(
+      "SELECT LIN_ITEM, LIN_QTY, LIN_PRICE, LIN_DISCOUNT, LIN_VATRATE, LIN_NET, LIN_VAT"
+      " FROM DOCLINE WHERE %s ORDER BY LIN_NO",
+      {IsNumber("LIN_DOC")});
+}
+
 bool SameLines(TSQLConnection& connection, const Document& document, const Receipt& receipt) {
   TSQLQuery query;
-  OpenFor(query, connection, document.number,
-          Format("SELECT LIN_ITEM, LIN_QTY, LIN_PRICE, LIN_DISCOUNT, LIN_VATRATE, LIN_NET, LIN_VAT"
-                 " FROM DOCLINE WHERE %s ORDER BY LIN_NO",
-                 {IsNumber("LIN_DOC")}));
+  OpenFor(query, connection, document.number, LinesOfDocument());
   for (std::size_t i = 0; i < document.lines.size(); ++i, query.Next()) {
     if (query.Eof() || !SameLine(query, document.lines[i], receipt.lines[i])) return false;
   }
   return query.Eof();
 }
 
+// Two values of one kind, as a person reads them.
+class Differences {
+ public:
+  void Compare(std::string_view what, std::string_view there, std::string_view here) {
+    if (there == here) return;
+    text_.append(text_.empty() ? "" : "; ");
+    text_.append(Format("%s%s: %s there, %s here", {place_, what, there, here}));
+  }
+  void Compare(std::string_view what, Currency there, Currency here) {
+    Compare(what, Shown(there), Shown(here));
+  }
+  void CompareText(std::string_view what, const std::string& there, const std::string& here) {
+    Compare(what, "'" + there + "'", "'" + here + "'");
+  }
+  void Compare(std::string_view what, TDateTime there, TDateTime here) {
+    Compare(what, FormatDateTime("yyyy-mm-dd", there), FormatDateTime("yyyy-mm-dd", here));
+  }
+  void EnterLine(std::size_t index) { place_ = "line " + std::to_string(index + 1) + ", "; }
+  const std::string& Text() const { return text_; }
+
+ private:
+  static std::string Shown(Currency amount) {
+    std::string text;
+    receipts::AppendDecimals(text, amount);
+    return text;
+  }
+
+  std::string text_;
+  std::string place_;
+};
+
+void CompareHead(Differences& found, TSQLConnection& connection, const Document& document,
+                 const Receipt& receipt) {
+  TSQLQuery row;
+  OpenFor(row, connection, document.number,
+          Format("SELECT DOC_DATE, DOC_CUSTOMER, DOC_LINES, DOC_NET, DOC_VAT, DOC_ROUNDING"
+                 " FROM DOCUMENT WHERE %s",
+                 {IsNumber("DOC_NO")}));
+  if (row.Eof()) return;
+  found.Compare("date", row.Fields(0).AsDateTime(), document.date);
+  found.CompareText("customer", row.Fields(1).AsString(), document.customer);
+  found.Compare("lines", row.Fields(2).AsString(), std::to_string(document.lines.size()));
+  found.Compare("net", row.Fields(3).AsCurrency(), receipt.net);
+  found.Compare("VAT", row.Fields(4).AsCurrency(), receipt.vat);
+  found.Compare("rounding", row.Fields(5).AsCurrency(), receipt.rounding);
+}
+
+void CompareLine(Differences& found, const TSQLQuery& row, const Line& line,
+                 const LineAmounts& amounts) {
+  found.CompareText("item", row.Fields(0).AsString(), line.item);
+  found.Compare("quantity", row.Fields(1).AsCurrency(), line.quantity);
+  found.Compare("price", row.Fields(2).AsCurrency(), line.price);
+  found.Compare("discount", row.Fields(3).AsCurrency(), line.discount);
+  found.Compare("VAT rate", row.Fields(4).AsCurrency(), line.vatRate);
+  found.Compare("net", row.Fields(5).AsCurrency(), amounts.net);
+  found.Compare("VAT", row.Fields(6).AsCurrency(), amounts.vat);
+}
+
 }  // namespace
+
+std::string DifferenceInBooks(TSQLConnection& connection, const Document& document,
+                              const Receipt& receipt) {
+  Differences found;
+  CompareHead(found, connection, document, receipt);
+  TSQLQuery row;
+  OpenFor(row, connection, document.number, LinesOfDocument());
+  for (std::size_t i = 0; i < document.lines.size() && !row.Eof(); ++i, row.Next()) {
+    if (SameLine(row, document.lines[i], receipt.lines[i])) continue;
+    found.EnterLine(i);
+    CompareLine(found, row, document.lines[i], receipt.lines[i]);
+    break;
+  }
+  return found.Text();
+}
 
 Stored FindInBooks(TSQLConnection& connection, const Document& document, const Receipt& receipt) {
   {

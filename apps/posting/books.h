@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "apps/receipts/calc.h"
 #include "apps/receipts/model.h"
@@ -17,5 +18,10 @@ enum class Stored : std::uint8_t { Missing, Same, Other };
 // that differs in anything is Other. Throws EDatabaseError.
 Stored FindInBooks(TSQLConnection& connection, const receipts::Document& document,
                    const receipts::Receipt& receipt);
+
+// In what a document that is there differs: `customer: 'Somchai' there, 'Somsri' here; line 2,
+// price: 10.00 there, 12.00 here`. What differs in the head, and in the first line that differs.
+std::string DifferenceInBooks(TSQLConnection& connection, const receipts::Document& document,
+                              const receipts::Receipt& receipt);
 
 }  // namespace kvshare::posting

@@ -46,7 +46,10 @@ bool Poster::MayPost(std::int32_t position) {
 
 bool Poster::IsPosted(const Document& document, const Receipt& receipt) {
   const Stored stored = FindInBooks(connection_, document, receipt);
-  if (stored == Stored::Other) throw EPosting("it is posted already, with another content");
+  if (stored == Stored::Other) {
+    throw EPosting("it is posted already, with another content: " +
+                   DifferenceInBooks(connection_, document, receipt));
+  }
   return stored == Stored::Same;
 }
 

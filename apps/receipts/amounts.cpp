@@ -1,5 +1,7 @@
 #include "apps/receipts/amounts.h"
 
+#include <algorithm>
+
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/formatfloat.h"
@@ -8,12 +10,36 @@
 
 namespace kvshare::receipts {
 
+namespace {
+
+std::size_t DigitsAt(std::string_view text, std::size_t from) {
+  const std::size_t end = text.find_first_not_of("0123456789", from);
+  return std::min(end, text.size()) - from;
+}
+
+// Whether commas stand before three digits each, behind one to three, and none behind the point: in
+// another place one may well be meant as the point.
+bool HasThousands(std::string_view amount) {
+  const std::size_t sign = amount.starts_with('-') || amount.starts_with('+') ? 1 : 0;
+  std::size_t at = sign + DigitsAt(amount, sign);
+  if (at == sign || at > sign + 3) return false;
+  while (at < amount.size() && amount[at] == ',') {
+    if (DigitsAt(amount, at + 1) != 3) return false;
+    at += 4;
+  }
+  const bool whole = at == amount.size() || amount[at] == '.';
+  return whole && amount.find(',', at) == std::string_view::npos;
+}
+
+}  // namespace
+
 Currency ParseAmount(std::string_view text) {
   const std::string_view trimmed = Trim(text);
   Currency amount;
-  const bool accepted = trimmed.find(',') == std::string_view::npos
-                            ? TryStrToCurr(trimmed, amount)
-                            : TryStrToCurr(TKovraString::RemoveComma(trimmed), amount);
+  const bool accepted =
+      trimmed.find(',') == std::string_view::npos
+          ? TryStrToCurr(trimmed, amount)
+          : HasThousands(trimmed) && TryStrToCurr(TKovraString::RemoveComma(trimmed), amount);
   if (!accepted) {
     throw EConvertError(
         Format("'%s' is not a valid floating point value", {trimmed.substr(0, 80)}));

@@ -9,7 +9,8 @@
 namespace kvshare::receipts {
 
 // The amount of a text (code page 874): blanks around it and thousands commas are dropped, the rest
-// is read as StrToCurr does. Throws EConvertError with the text as it was given.
+// is read as StrToCurr does. A comma counts only with exactly three digits behind it, one to three
+// before the first, and before the point. Throws EConvertError with the text as it was given.
 Currency ParseAmount(std::string_view text);
 
 // Always four decimals and no thousands: 1234.5000. Exact.

@@ -3,6 +3,7 @@
 #include <charconv>
 
 #include "apps/receipts/amounts.h"
+#include "kvshare/dates/date.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/strutils.h"
@@ -11,7 +12,6 @@ namespace kvshare::receipts {
 
 namespace {
 
-constexpr int kBuddhistEra = 543;
 constexpr int kFirstBuddhistYear = 2400;
 
 [[noreturn]] void Refuse(std::string_view cell, std::string_view reason) {
@@ -47,7 +47,7 @@ std::string Problem::Message() const {
   return message;
 }
 
-TDateTime ParseDate(std::string_view cell) {
+TypedDate ParseDate(std::string_view cell) {
   const bool iso = cell.find('-') != std::string_view::npos;
   const char separator = iso ? '-' : '/';
   const std::size_t first = cell.find(separator);
@@ -60,8 +60,9 @@ TDateTime ParseDate(std::string_view cell) {
     const int month = Digits(cell.substr(first + 1, second - first - 1), iso ? 2 : 1, 2);
     const int day = iso ? Digits(tail, 2, 2) : Digits(head, 1, 2);
     int year = Digits(iso ? head : tail, 4, 4);
-    if (year >= kFirstBuddhistYear) year -= kBuddhistEra;
-    if (TryEncodeDate(year, month, day, date)) return date;
+    const Word offset = year >= kFirstBuddhistYear ? kBuddhistEraOffset : 0;
+    year -= offset;
+    if (TryEncodeDate(year, month, day, date)) return {date, offset};
   }
   Refuse(cell, "is no date: yyyy-mm-dd or dd/mm/yyyy");
 }

@@ -33,7 +33,11 @@ struct Problem {
 // The cells below are code page 874 without blanks around them. Each reader throws EConvertError.
 
 // yyyy-mm-dd, dd/mm/yyyy or d/m/yyyy; a year from 2400 up is of the Buddhist era.
-TDateTime ParseDate(std::string_view cell);
+struct TypedDate {
+  TDateTime date;
+  Word offset = 0;  // 543 for a year of the Buddhist era
+};
+TypedDate ParseDate(std::string_view cell);
 
 // 0 .. 100, with or without a per cent sign.
 Currency ParseVatRate(std::string_view cell);

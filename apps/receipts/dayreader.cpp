@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "apps/receipts/amounts.h"
+#include "apps/receipts/yearwarnings.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/strutils.h"
@@ -28,8 +29,9 @@ std::string Beginning(std::string_view utf8) {
 
 }  // namespace
 
-DayReader::DayReader(std::function<void(const Problem&)> report)
+DayReader::DayReader(std::function<void(const Problem&)> report, TDateTime today)
     : report_(std::move(report)),
+      today_(today),
       rows_([this](std::uint64_t line, Cells cells) { TakeRow(line, cells); }) {}
 
 bool DayReader::Feed(std::string_view bytes) {
@@ -165,9 +167,13 @@ Document& DayReader::Open(std::uint64_t line, const std::string& number) {
 void DayReader::TakeHead(std::uint64_t line, Cells cells, Document& document, bool opened) {
   const bool date = Read(Column::Date, line, cells, [&](std::string_view cell) {
     if (!opened && cell.empty()) return;
-    const TDateTime value = ParseDate(cell);
-    if (opened) document.date = value;
-    if (value != document.date) throw EConvertError("the date differs from the document's first");
+    const TypedDate typed = ParseDate(cell);
+    if (opened) {
+      document.date = typed.date;
+      WarnOfDate(line, typed);
+    }
+    if (typed.date != document.date)
+      throw EConvertError("the date differs from the document's first");
   });
   const bool customer = Read(Column::Customer, line, cells, [&](std::string_view cell) {
     if (opened) document.customer = cell;
@@ -176,6 +182,14 @@ void DayReader::TakeHead(std::uint64_t line, Cells cells, Document& document, bo
     }
   });
   document.complete = document.complete && date && customer;
+}
+
+void DayReader::WarnOfDate(std::uint64_t line, const TypedDate& typed) {
+  std::string warning = DocumentDateWarning(typed.date, typed.offset, today_);
+  if (warning.empty()) return;
+  Problem problem = ProblemIn(Column::Date, line, std::move(warning));
+  problem.warning = true;
+  report_(problem);
 }
 
 void DayReader::TakeLine(std::uint64_t line, Cells cells, Document& document) {

@@ -26,7 +26,8 @@ class DayReader {
  public:
   static constexpr std::size_t kMaxText = 4096;  // bytes of a cell
 
-  explicit DayReader(std::function<void(const Problem&)> report);
+  // A document that is dated far from `today`, or in a doubtful era, is reported as a warning.
+  explicit DayReader(std::function<void(const Problem&)> report, TDateTime today = Date());
 
   // False once nothing more can be read.
   bool Feed(std::string_view bytes);
@@ -46,6 +47,7 @@ class DayReader {
   bool TakeNumber(std::uint64_t line, Cells cells, std::string& number);
   Document& Open(std::uint64_t line, const std::string& number);
   void TakeHead(std::uint64_t line, Cells cells, Document& document, bool opened);
+  void WarnOfDate(std::uint64_t line, const TypedDate& typed);
   void TakeLine(std::uint64_t line, Cells cells, Document& document);
   void SpoilNeighbours();
   void Stop(std::uint64_t line, std::string_view reason);
@@ -56,6 +58,7 @@ class DayReader {
   void Report(std::uint64_t line, std::string text);
 
   std::function<void(const Problem&)> report_;
+  TDateTime today_;
   CsvRows rows_;
   std::string start_;  // the first bytes, until it is clear whether they are a byte-order mark
   bool started_ = false;

@@ -55,6 +55,15 @@ TEST(CommandLine, Dates) {
        1},
       {{"month", "1", "2003-01-31"}, "2003-02-28\n", "", 0},
       {{"month", "-1", "2003-03-31T10:00"}, "2003-02-28\n", "", 0},
+      {{"month", "12", "2003-01-31", "2004-02-29", "9999-01-01"},
+       "2004-01-31\n2005-02-28\n\n",
+       "argument 3: the years are 1 to 9999\n",
+       1},
+      {{"month", "-25", "2003-01-31"}, "2000-12-31\n", "", 0},
+      {{"parse", "--era", "543", " 15/07/2546"},
+       "\n",
+       "argument 1: ' 15/07/2546' is not a valid date\n",
+       1},
   };
   for (const auto& c : cases) {
     std::vector<std::string> arguments = {"date"};
@@ -73,7 +82,7 @@ TEST(CommandLine, Dates) {
        {Arguments{"date"}, Arguments{"date", "show", "--era", "1", "2003-07-15"},
         Arguments{"date", "show", "--layout", "iso", "2003-07-15"},
         Arguments{"date", "parse", "--loose", "--stamp", "20030715"},
-        Arguments{"date", "month", "128", "2003-07-15"}}) {
+        Arguments{"date", "month", "119977", "2003-07-15"}}) {
     EXPECT_EQ(Kvshare(usage).status, 2);
   }
 }

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "apps/receipts/amounts.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 
@@ -22,7 +23,8 @@ struct Read {
 
 Read ReadDay(std::string_view text, std::size_t block = std::string_view::npos) {
   Read read;
-  DayReader reader([&](const Problem& problem) { read.problems.push_back(problem.Message()); });
+  DayReader reader([&](const Problem& problem) { read.problems.push_back(problem.Message()); },
+                   EncodeDate(2026, 11, 26));
   while (!text.empty() && reader.Feed(text.substr(0, block))) {
     text.remove_prefix(std::min(block, text.size()));
   }
@@ -161,6 +163,61 @@ TEST(DayReader, HeaderProblems) {
   EXPECT_EQ(document.lines.front().discount, -1_baht) << "the sign of the quantity";
 }
 
+// Such a document is read as it stands, and told.
+TEST(DayReader, DoubtfulYearsAreTold) {
+  const struct {
+    const char *date, *warning;  // "" for none
+  } cases[] = {
+      {"25/11/2569", ""},
+      {"25/11/2006", ""},
+      {"25/11/3112", "3112 looks like a year to which 543 was added twice: it would be 2026"},
+      {"25/11/2399", "the year 2399, 2399 as it was typed, lies more than 20 years ahead"},
+      {"25/11/2469", "the year 1926, 2469 as it was typed, lies more than 20 years back"},
+      {"2005-11-25", "the year 2005, 2005 as it was typed, lies more than 20 years back"},
+  };
+  for (const auto& c : cases) {
+    const std::string row = std::string(c.date) + ",C,I,1,5,,7";
+    const Read read = ReadDay(std::string(kHeader) + Row("A", row) + Row("A", row));
+    EXPECT_THAT(read.printed, ElementsAre("A"));
+    if (*c.warning == 0) {
+      EXPECT_THAT(read.problems, IsEmpty()) << c.date;
+    } else {
+      EXPECT_THAT(read.problems,
+                  ElementsAre(std::string("line 2, column 2 (date): warning: ") + c.warning));
+    }
+  }
+}
+
+TEST(Columns, Amounts) {
+  const struct {
+    const char* text;
+    std::int64_t raw;  // 0: refused
+  } cases[] = {
+      {"1,200", 1200'0000},
+      {"1,200.50", 1200'5000},
+      {"-12,345,678.9", -12'345'678'9000},
+      {"+1,200 ", 1200'0000},
+      {"12.50", 12'5000},
+      {"12,00", 0},
+      {"1.200,50", 0},
+      {"1,2000", 0},
+      {"1200,500", 0},
+      {",500", 0},
+      {"1,200.5,0", 0},
+      {"1,200,", 0},
+      {"1,,200", 0},
+      {"1,200e3", 0},
+      {"1.000,000", 0},
+  };
+  for (const auto& c : cases) {
+    if (c.raw == 0) {
+      EXPECT_THROW(ParseAmount(c.text), EConvertError) << c.text;
+    } else {
+      EXPECT_EQ(ParseAmount(c.text), Currency::FromRaw(c.raw)) << c.text;
+    }
+  }
+}
+
 TEST(Columns, Dates) {
   const struct {
     const char* text;
@@ -177,7 +234,7 @@ TEST(Columns, Dates) {
     if (c.year == 0) {
       EXPECT_THROW(ParseDate(c.text), EConvertError) << c.text;
     } else {
-      EXPECT_EQ(ParseDate(c.text), EncodeDate(c.year, c.month, c.day)) << c.text;
+      EXPECT_EQ(ParseDate(c.text).date, EncodeDate(c.year, c.month, c.day)) << c.text;
     }
   }
 }

@@ -175,23 +175,33 @@ TEST_F(Posting, AnotherContentIsAnErrorThatChangesNothing) {
   const struct {
     std::string first, second;
     const char* why;
+    const char* told;  // of the difference
   } cases[] = {
-      {"2026-11-25,ช้าง,a,2,10,,7", second, "another date"},
-      {"2026-11-24,ช่าง,a,2,10,,7", second, "another mark on a letter of the customer"},
-      {"2026-11-24,,a,2,10,,7", second, "no customer"},
-      {"2026-11-24,ช้าง,A,2,10,,7", second, "an item in another case"},
-      {"2026-11-24,ช้าง,a,4,5,,7", second, "a quantity and a price with the same product"},
-      {"2026-11-24,ช้าง,a,2,11,2,7", second, "a discount that makes up for the price"},
-      {"2026-11-24,ช้าง,a,2,10.0001,,7", second, "a price that rounds to the same amount"},
-      {first, ",,b,1,5,,", "no VAT rate"},
-      {"2026-11-24,ช้าง,b,1,5,,0", ",,a,2,10,,7", "lines in another order"},
-      {first, second + "\n\"D'1\\\"\"\",,,c,0,5,,0", "one more line, of nothing"},
+      {"2026-11-25,ช้าง,a,2,10,,7", second, "another date",
+       "date: 2026-11-24 there, 2026-11-25 here\n"},
+      {"2026-11-24,ช่าง,a,2,10,,7", second, "another mark on a letter of the customer",
+       "customer: 'ช้าง' there, 'ช่าง' here\n"},
+      {"2026-11-24,,a,2,10,,7", second, "no customer", "customer: 'ช้าง' there, '' here\n"},
+      {"2026-11-24,ช้าง,A,2,10,,7", second, "an item in another case",
+       "line 1, item: 'a' there, 'A' here\n"},
+      {"2026-11-24,ช้าง,a,4,5,,7", second, "a quantity and a price with the same product",
+       "line 1, quantity: 2.00 there, 4.00 here; line 1, price: 10.00 there, 5.00 here\n"},
+      {"2026-11-24,ช้าง,a,2,11,2,7", second, "a discount that makes up for the price",
+       "line 1, price: 10.00 there, 11.00 here; line 1, discount: 0.00 there, 2.00 here\n"},
+      {"2026-11-24,ช้าง,a,2,10.0001,,7", second, "a price that rounds to the same amount",
+       "line 1, price: 10.00 there, 10.0001 here\n"},
+      {first, ",,b,1,5,,", "no VAT rate", ""},
+      {"2026-11-24,ช้าง,b,1,5,,0", ",,a,2,10,,7", "lines in another order",
+       "line 1, item: 'a' there, 'b' here; "},
+      {first, second + "\n\"D'1\\\"\"\",,,c,0,5,,0", "one more line, of nothing",
+       "another content: lines: 2 there, 3 here\n"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.why);
     const Outcome got = Post(with(c.first, c.second));
     EXPECT_EQ(got.status, 1);
     EXPECT_THAT(got.err, HasSubstr("document " + number + " is not posted: "));
+    EXPECT_THAT(got.err, HasSubstr(c.told));
     EXPECT_EQ(Books(), books);
   }
   EXPECT_EQ(Ask("SELECT SYN_LASTSEND FROM KOVRASYNC"), counter);
