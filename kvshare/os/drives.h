@@ -13,7 +13,7 @@ namespace kvshare::os {
 // The numbers are the platform's.
 enum class DriveKind : std::uint8_t {
   Unknown = 0,
-  NoRoot = 1,  // no such drive, or its folder is missing
+  NoRoot = 1,  // no such drive, or its folder is missing (C: is made when it is first used)
   Removable = 2,
   Fixed = 3,
   Remote = 4,

@@ -40,7 +40,9 @@ KVSHARE_API void ListTree(const TreeScope& scope, const TreeReader& read,
                           const TreeFailure& failed = {});
 
 // Into a folder that exists. A file that differs in case alone from one that was there before
-// replaces it. A target inside the source is not copied into itself. The number of files copied.
+// replaces it; of several such files the first does, and the others have names of their own. A file
+// appears when it is whole; a process that is killed may leave a `.kvshare-*.tmp`. A target inside
+// the source is not copied into itself. The number of files copied.
 KVSHARE_API std::uint64_t CopyTree(const TreeScope& scope, const std::string& target,
                                    const TreeFailure& failed = {});
 

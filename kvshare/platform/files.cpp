@@ -124,6 +124,8 @@ std::string KovraExpandFileName(std::string_view base, std::string_view name) {
     if (FileExists(full)) return full;
   } catch (const EConvertError&) {
     // The current folder has letters that no name here can have: neither has a file in it.
+  } catch (const EInOutError&) {
+    // The current folder is gone.
   }
   return Format("%s%s", {base, name});
 }

@@ -6,7 +6,12 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <csignal>
+#include <future>
+#include <set>
 
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/files.h"
@@ -159,6 +164,61 @@ TEST(Tree, CopyOverWhatIsThere) {
   EXPECT_EQ(os::CopyTree({from, "*.*", true}, from + "/inside"), 6u) << "not into itself";
   EXPECT_EQ(fs::status(home.Drive() / "S/inside/SUB").permissions(), fs::perms{0700});
   EXPECT_FALSE(home.Has("S/inside/inside"));
+}
+
+TEST(Tree, NoTwoFilesLandOnOne) {
+  const TemporaryHome home;
+  home.Make("S/ledger.txt", "lower,");
+  home.Make("S/LEDGER.TXT", "upper,");
+  home.Make("S/LEDGER.txt", "mixed,");
+  home.Make("T/Ledger.txt", "old");
+  const std::string from = (home.Drive() / "S").string();
+  EXPECT_EQ(os::CopyTree({from, "*.*", true}, (home.Drive() / "T").string()), 3u);
+  std::multiset<std::string> texts;
+  for (const auto& file : fs::directory_iterator(home.Drive() / "T")) {
+    texts.insert(ReadFileBytes(file.path().string()));
+  }
+  EXPECT_EQ(texts, (std::multiset<std::string>{"lower,", "mixed,", "upper,"}));
+}
+
+TEST(Tree, AKilledCopyLeavesNoHalfFile) {
+  const TemporaryHome home;
+  home.Make("S/big", std::string(300'000, 'x'));
+  home.Make("T/other");
+  const pid_t child = fork();
+  if (child == 0) {
+    const rlimit most{100'000, 100'000};
+    setrlimit(RLIMIT_FSIZE, &most);
+    std::signal(SIGXFSZ, SIG_DFL);
+    os::CopyTree({(home.Drive() / "S").string(), "*.*", true}, (home.Drive() / "T").string());
+    _exit(0);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  ASSERT_TRUE(WIFSIGNALED(status));
+  EXPECT_FALSE(home.Has("T/big"));
+}
+
+TEST(Tree, TwoMayDeleteOneTree) {
+  const TemporaryHome home;
+  for (int round = 0; round < 20; ++round) {
+    for (int i = 0; i < 60; ++i) home.Make("D/" + std::to_string(i) + "/a/b/file");
+    const auto work = [&home] {
+      os::DeleteTree({(home.Drive() / "D").string(), "*.*", true},
+                     [](const std::string& path, std::string_view reason) {
+                       ADD_FAILURE() << path << ": " << reason;
+                     });
+    };
+    auto other = std::async(std::launch::async, work);
+    try {
+      work();
+      other.get();
+    } catch (const EInOutError& e) {
+      // Whoever comes to a tree that is gone already is told so, as ever.
+      EXPECT_EQ(e.ErrorCode(), 2) << e.Message();
+    }
+    EXPECT_FALSE(home.Has("D"));
+  }
 }
 
 TEST(Tree, DeletionThatCannotBeWhole) {

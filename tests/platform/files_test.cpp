@@ -155,6 +155,26 @@ TEST(FileHelpers, RemoveEmptyDir) {
   EXPECT_TRUE(RemoveEmptyDir("C:\\E\\", true) && RemoveEmptyDir("Q:\\", true));
 }
 
+TEST(FileHelpers, AFolderThatIsGoneHasNoFiles) {
+  const TemporaryHome home;
+  const fs::path before = fs::current_path();
+  fs::create_directory(home.Drive() / "gone");
+  fs::current_path(home.Drive() / "gone");
+  fs::remove(home.Drive() / "gone");
+  EXPECT_EQ(KovraExpandFileName("C:\\base\\", "x.txt"), "C:\\base\\x.txt");
+  fs::current_path(before);
+}
+
+TEST(FileHelpers, DriveCIsReadyBeforeItsFirstFolder) {
+  const TemporaryHome home;
+  fs::remove(home.Drive());
+  EXPECT_EQ(GetDriveTypeE("C:\\"), 3);
+  EXPECT_TRUE(DriveReady('C') && IsWriteableDisk("C:\\"));
+  EXPECT_FALSE(fs::exists(home.Drive()));
+  std::ofstream(home.Drive()) << "x";
+  EXPECT_EQ(GetDriveTypeE("C:\\"), 1) << "a file stands in its place";
+}
+
 TEST(FileHelpers, DrivesAndFiles) {
   const TemporaryHome home;
   WriteFileBytes((home.Path() / "drives.ini").string(),

@@ -70,10 +70,12 @@ int Fill(const Source& source, int to) {
   return ::futimens(to, times) == 0 ? 0 : errno;
 }
 
-int FillNew(const Source& source, Descriptor target) {
-  const int error = Fill(source, target.Value());
-  const int closing = target.Close();
-  return error != 0 ? error : closing;
+// Under another name until it is whole: a process that is killed leaves no half of it.
+int MakeNew(const Source& source, int folder, const char* to) {
+  TemporaryFile temporary(folder, to);
+  if (const int error = temporary.Create(source.facts.st_mode & 0777u); error != 0) return error;
+  if (const int error = Fill(source, temporary.Handle()); error != 0) return error;
+  return temporary.TakeFreePlace();
 }
 
 int Replace(const Source& source, int folder, const char* to) {
@@ -98,14 +100,11 @@ bool IsLinkAt(int folder, const char* name) {
 }
 
 int CopyOpened(const Source& source, int folder, const char* to) {
-  const mode_t mode = source.facts.st_mode & 0777u;
-  Descriptor target(folder, to, O_WRONLY | O_CREAT | O_EXCL, mode);
-  if (target.IsOpen()) {
-    const int error = FillNew(source, std::move(target));
-    if (error != 0) ::unlinkat(folder, to, 0);
-    return error;
+  struct stat earlier = {};
+  if (::fstatat(folder, to, &earlier, AT_SYMLINK_NOFOLLOW) != 0) {
+    const int error = errno == ENOENT ? MakeNew(source, folder, to) : errno;
+    if (error != EEXIST) return error;  // else somebody has made it meanwhile
   }
-  if (errno != EEXIST) return errno;
   if (!IsLinkAt(folder, to)) return Replace(source, folder, to);
   // The link stays; what it leads to is written.
   const std::string way =

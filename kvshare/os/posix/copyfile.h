@@ -4,7 +4,7 @@
 namespace kvshare::os::posix {
 
 // Copies bytes, time and the read-only attribute of a file; both names are taken from open folders
-// or from AT_FDCWD. A new file is written in its place and removed again when the copy fails; an
+// or from AT_FDCWD. A new file appears when it is whole; an
 // earlier one is replaced by a whole one that was flushed, and keeps its other permissions.
 // Refused: what is no file, a file onto itself, a target that is read-only. 0 or the system's
 // error.

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <cstdint>
 #include <ctime>
 #include <limits>
@@ -232,12 +233,28 @@ std::vector<std::string> DriveTableErrors() {
   return posix::CurrentDriveTable()->errors;
 }
 
+namespace {
+
+// The folder of a drive. C: is made with its first folder, and is until then what it is made in.
+std::string FolderOfDrive(const Drive& drive) {
+  std::string folder = drive.root;
+  if (!folder.empty() && folder == posix::HomeOrNone() + "/drive_c") {
+    struct stat facts = {};
+    while (::lstat((folder + "/").c_str(), &facts) != 0 && errno == ENOENT) {
+      folder.erase(folder.rfind('/'));
+    }
+  }
+  return folder + "/";
+}
+
+}  // namespace
+
 DriveKind KindOfDrive(std::string_view name) {
   const auto table = posix::CurrentDriveTable();
   const Drive* drive = table->Find(posix::DriveOf(name));
   if (drive == nullptr) return DriveKind::NoRoot;
   struct stat facts = {};
-  const bool exists = ::stat((drive->root + "/").c_str(), &facts) == 0 && S_ISDIR(facts.st_mode);
+  const bool exists = ::stat(FolderOfDrive(*drive).c_str(), &facts) == 0 && S_ISDIR(facts.st_mode);
   return exists ? drive->kind : DriveKind::NoRoot;
 }
 
@@ -250,7 +267,7 @@ std::int64_t DiskSize(int drive) {
     const auto table = posix::CurrentDriveTable();
     const Drive* found = table->Find(name);
     if (found == nullptr) return -1;
-    root = found->root + "/";
+    root = FolderOfDrive(*found);
   }
   struct statvfs facts = {};
   if (::statvfs(root.c_str(), &facts) != 0) return -1;

@@ -1,6 +1,7 @@
 #include "kvshare/os/posix/temporaryfile.h"
 
 #include <atomic>
+#include <cstdio>
 #include <filesystem>
 #include <system_error>
 
@@ -62,6 +63,19 @@ int TemporaryFile::Write(std::string_view bytes, const Calls& calls) const {
     }
   }
   return 0;
+}
+
+// Not every file system can rename without replacing. A link cannot replace either.
+int TemporaryFile::TakeFreePlace() {
+  if (const int error = file_.Close(); error != 0) return error;
+  const char* from = path_.c_str();
+  const char* to = target_.c_str();
+  if (::renameat2(folder_, from, folder_, to, RENAME_NOREPLACE) == 0) {
+    path_.clear();
+    return 0;
+  }
+  if (errno != EINVAL && errno != ENOSYS) return errno;
+  return ::linkat(folder_, from, folder_, to, 0) == 0 ? 0 : errno;
 }
 
 int TemporaryFile::TakePlace(const Calls& calls) {

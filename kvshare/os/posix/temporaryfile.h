@@ -33,6 +33,7 @@ class TemporaryFile {
   int SetMode(mode_t mode) const;
   int Write(std::string_view bytes, const Calls& calls) const;
   int TakePlace(const Calls& calls = {});  // flushes, closes, renames
+  int TakeFreePlace();                     // closes and renames; EEXIST where something stands
   int Handle() const { return file_.Value(); }
 
  private:

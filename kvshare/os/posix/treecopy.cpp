@@ -1,3 +1,4 @@
+#include <unordered_set>
 #include <vector>
 
 #include "kvshare/os/posix/copyfile.h"
@@ -38,6 +39,12 @@ class Copier : public TreeVisitor {
   std::uint64_t Copied() const { return copied_; }
 
  private:
+  // What a folder of the target held before, and which of its names have been taken by others.
+  struct Earlier {
+    FoldedNames names;
+    std::unordered_set<std::string> taken;
+  };
+
   int OpenTop() {
     Descriptor folder(target_.c_str(), O_RDONLY | O_DIRECTORY);
     if (!folder.IsOpen()) return errno;
@@ -66,24 +73,25 @@ class Copier : public TreeVisitor {
     }
     if (earlier_.empty()) top_ = IdentityOf(facts);
     folders_.Push(std::move(folder), IdentityOf(facts), name);
-    earlier_.push_back(std::move(names));
+    earlier_.push_back({std::move(names), {}});
     return 0;
   }
 
-  // A name that was there before in another case is that file's, unless the source has both.
-  std::string TargetName(int source, const std::string& name) const {
-    const FoldedNames& earlier = earlier_.back();
+  // A name that was there before in another case is that file's, unless the source has both. Of
+  // several that differ in case only, the first takes it, and the others have their own names.
+  std::string TargetName(int source, const std::string& name) {
+    const FoldedNames& earlier = earlier_.back().names;
     if (earlier.empty() || earlier.contains(name)) return name;
     const std::string* other = FindFolded(earlier, name);
     struct stat facts = {};
     const bool free =
         other != nullptr && ::fstatat(source, other->c_str(), &facts, AT_SYMLINK_NOFOLLOW) != 0;
-    return free ? *other : name;
+    return free && earlier_.back().taken.insert(*other).second ? *other : name;
   }
 
   void Copy(const TreeLevel& level, const FolderListing::Entry& file) {
     const char* name = level.listing.ZName(file);
-    const int error = earlier_.back().empty()
+    const int error = earlier_.back().names.empty()
                           ? CopyFileAt(level.folder, name, folders_.Last(), name)
                           : CopyFileAt(level.folder, name, folders_.Last(),
                                        TargetName(level.folder, name).c_str());
@@ -94,7 +102,7 @@ class Copier : public TreeVisitor {
   const std::string& target_;
   TreeReport& report_;
   FolderStack folders_;
-  std::vector<FoldedNames> earlier_;
+  std::vector<Earlier> earlier_;
   Identity top_;
   std::uint64_t copied_ = 0;
 };

@@ -41,6 +41,7 @@ class Deleter : public TreeVisitor {
   explicit Deleter(TreeReport& report) : report_(report) {}
 
   bool Enter(const TreeLevel& level) override {
+    entered_ = true;
     for (const auto& file : level.files) {
       const char* name = level.listing.ZName(file);
       if (::unlinkat(level.folder, name, 0) == 0) {
@@ -57,11 +58,14 @@ class Deleter : public TreeVisitor {
   // It may be empty all the same.
   void Unreadable(int parent, const std::string& name, const std::string& path,
                   int error) override {
+    if (error == ENOENT && entered_) return;
     if (parent < 0) return report_.Fail(path, error);
     Remove(parent, name, path);
   }
 
+  // What somebody else has removed meanwhile is gone, as it should be.
   void Removed(int error, const std::string& path) {
+    if (error == ENOENT && entered_) return;
     if (error != 0) {
       report_.Fail(path, error);
       ThrowInOut(PlatformCode(error));
@@ -78,6 +82,7 @@ class Deleter : public TreeVisitor {
 
   TreeReport& report_;
   TreeDeletion deleted_;
+  bool entered_ = false;
 };
 
 class DeletionLister : public TreeVisitor {
@@ -157,7 +162,7 @@ class EmptyRemover : public TreeVisitor {
  private:
   static void Remove(int parent, const std::string& name) {
     const int error = RemoveFolderAt(parent, name.c_str());
-    if (error != 0) ThrowInOut(PlatformCode(error));
+    if (error != 0 && error != ENOENT) ThrowInOut(PlatformCode(error));
   }
 
   std::vector<std::size_t> kept_;
