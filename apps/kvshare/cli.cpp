@@ -5,6 +5,7 @@
 #include <new>
 
 #include "apps/kvshare/commands.h"
+#include "apps/kvshare/suggestion.h"
 #include "apps/kvshare/version.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
@@ -94,6 +95,28 @@ int Answer(const CLI::App& app, const CLI::ParseError& error, const Stdio& stdio
                   kWrongUsage);
 }
 
+// Says which word is no command, and which one is near, where the parser would only count words.
+void CheckCommands(CLI::App& app, const std::vector<std::string>& arguments) {
+  CLI::App* above = &app;
+  std::string path = "kvshare";
+  for (const std::string& word : arguments) {
+    const auto known = above->get_subcommands([](CLI::App* /*any*/) { return true; });
+    if (known.empty() || word.starts_with('-')) return;
+    const auto next =
+        std::ranges::find_if(known, [&word](CLI::App* one) { return one->get_name() == word; });
+    if (next == known.end()) {
+      std::vector<std::string> names;
+      for (const CLI::App* one : known) names.push_back(one->get_name());
+      const std::string near = NearestWord(word, names);
+      const std::string hint = near.empty() ? "" : "; did you mean `" + path + " " + near + "`?";
+      throw CLI::ExtrasError("there is no command `" + path + " " + word + "`" + hint,
+                             CLI::ExitCodes::ExtrasError);
+    }
+    above = *next;
+    path += " " + word;
+  }
+}
+
 int Run(const Plan& plan, const Stdio& stdio) {
   if (plan.prepare) plan.prepare(stdio);
   if (plan.action) return plan.action(stdio);
@@ -105,6 +128,11 @@ int ParseAndRun(std::vector<std::string> arguments, const Stdio& stdio) {
   Plan plan;
   Declare(app, plan);
   MarkNegativeFractions(arguments);
+  try {
+    CheckCommands(app, arguments);
+  } catch (const CLI::ParseError& e) {
+    return Answer(app, e, stdio);
+  }
   std::reverse(arguments.begin(), arguments.end());  // the parser's own order
   try {
     app.parse(std::move(arguments));

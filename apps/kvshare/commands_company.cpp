@@ -116,9 +116,7 @@ void PutOptions(TClientDataSet& set, const Options& options) {
     if (options.values[i].empty()) continue;
     const ListField& known = kFields[i];
     std::string text = UsageText(known.option, options.values[i]);
-    if (known.field == kConnection && !Isdbx(text)) {
-      throw Exception("no connection '" + text + "' in " + GetDbxConnectFileName());
-    }
+    if (known.field == kConnection) RequireConnection(text);
     if (known.folder) text = IncludeTrailingBackslash(text);
     PutText(set.FieldByName(known.field), text);
   }

@@ -20,6 +20,7 @@ constexpr std::string_view kTablesExamples =
     "  kvshare connect tables LEDGER             tables and views\n";
 
 void PrintList(const std::function<void(const Row&)>& print, Row& row) {
+  RequireConnectionFile();
   TStringList names;
   GetConnectNames(names);
   for (const std::string& name : names) {
@@ -44,9 +45,7 @@ RowPrinter PrintTest(const std::string& name) {
 RowPrinter PrintParameters(const std::string& name) {
   return [name](const auto& print, Row& row) {
     const std::string alias = UsageText("NAME", name);
-    if (!Isdbx(alias)) {
-      throw Exception("no connection '" + alias + "' in " + GetDbxConnectFileName());
-    }
+    RequireConnection(alias);
     TStringList params;
     GetdbxParams(alias, params);
     for (int i = 0; i < params.Count(); ++i) {

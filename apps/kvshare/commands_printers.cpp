@@ -148,7 +148,14 @@ int PrintPicture(const Options& options, const Stdio& /*stdio*/) {
   const DefaultPrinter chosen(options.printer);
   const OnPrinter use(pdf ? *pdf : desktop.Printer());
   Printer().Title = title.empty() ? std::string(ExtractFileName(file)) : title;
-  TPrintBitmap::PrintBmpFile(file, title);
+  try {
+    TPrintBitmap::PrintBmpFile(file, title);
+  } catch (const EInvalidGraphic& e) {
+    throw EInvalidGraphic(file + ": " + e.Message());
+  } catch (const EInOutError& e) {
+    if (options.pdf.empty()) throw;
+    throw std::runtime_error(options.pdf + ": " + Cp874ToUtf8Lossy(e.Message()));
+  }
   return kDone;
 }
 

@@ -1,6 +1,7 @@
 #include "apps/kvshare/daypaper.h"
 
 #include "apps/kvshare/commands.h"
+#include "apps/kvshare/inputfile.h"
 #include "apps/receipts/receiptpages.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/ui/desktop.h"
@@ -14,7 +15,8 @@ constexpr std::string_view kTitle = "ใบเสร็จรับเงิน 
 }  // namespace
 
 DayPaper::DayPaper(std::string_view fileName)
-    : printer_(Desktop(TDesktopUse::PaperOnly).PdfPrinter(UsageText("--pdf", fileName))) {
+    : file_(fileName),
+      printer_(Desktop(TDesktopUse::PaperOnly).PdfPrinter(UsageText("--pdf", fileName))) {
   printer_->Title = kTitle;
 }
 
@@ -23,14 +25,15 @@ void DayPaper::Print(const receipts::Document& document, const receipts::Receipt
   receipts::ReceiptPages pages(printer_->Canvas(), printer_->PageSize(), printer_->PixelsPerInch(),
                                TextsOf(document, receipt, layout));
   for (std::size_t page = 0; page < pages.Count(); ++page) {
-    printer_->Printing() ? printer_->NewPage() : printer_->BeginDoc();
+    NamingFile(file_,
+               [this] { printer_->Printing() ? printer_->NewPage() : printer_->BeginDoc(); });
     pages.Draw(page);
   }
 }
 
 bool DayPaper::Finish() {
   if (!printer_->Printing()) return false;
-  printer_->EndDoc();
+  NamingFile(file_, [this] { printer_->EndDoc(); });
   return true;
 }
 

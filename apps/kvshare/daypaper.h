@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "apps/receipts/receipttexts.h"
@@ -25,6 +26,7 @@ class DayPaper {
   bool Finish();
 
  private:
+  std::string file_;
   std::unique_ptr<TPrinter> printer_;
 };
 

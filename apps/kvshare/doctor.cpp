@@ -169,7 +169,7 @@ void AddFolder(Findings& findings, std::string_view topic, const std::string& fo
 void AddFolders(Findings& findings) {
   const TKovraRegistry store;
   AddFolder(findings, "windows folder", os::WindowsFolder(), false);
-  AddFolder(findings, "temporary folder", TKovraWin32::GetWindowsTempPath(), true);
+  AddFolder(findings, "temporary folder", os::TempFolderName(), true);
   AddFolder(findings, "user data", TKovraWin32::GetUserAppDataPath(), true);
   AddFolder(findings, "common data", store.GetKovraAppDataPath(), true);
   constexpr std::string_view kStored[] = {"AliasPath", "ReportPath", "DocumentPath"};

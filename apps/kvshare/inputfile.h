@@ -2,16 +2,33 @@
 #pragma once
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <stdexcept>
 #include <string>
 #include <system_error>
 #include <utility>
 
 #include "apps/kvshare/stream.h"
+#include "kvshare/rtl/cp874.h"
+#include "kvshare/rtl/exceptions.h"
 
 namespace kvshare::app {
+
+// Runs the work on a file; an Exception whose message does not name the file becomes a
+// std::runtime_error that does.
+template <typename Work>
+auto NamingFile(const std::string& file, Work work) {
+  try {
+    return work();
+  } catch (const Exception& e) {
+    const std::string message = Cp874ToUtf8Lossy(e.Message());
+    if (message.find(file) != std::string::npos) throw;
+    throw std::runtime_error(file + ": " + message);
+  }
+}
 
 // Appends what there is from here to the end. Throws StreamError.
 inline void AppendRest(std::string& bytes, int fd) {
@@ -29,7 +46,12 @@ class InputFile {
   InputFile() = default;  // none
   // Throws StreamError `NAME: reason`.
   explicit InputFile(const std::string& path) : fd_(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
-    if (fd_ < 0) throw StreamError(path + ": " + std::generic_category().message(errno));
+    struct stat facts = {};
+    const bool folder = fd_ >= 0 && ::fstat(fd_, &facts) == 0 && S_ISDIR(facts.st_mode);
+    if (fd_ >= 0 && !folder) return;
+    const int error = folder ? EISDIR : errno;
+    if (fd_ >= 0) ::close(fd_);
+    throw StreamError(path + ": " + std::generic_category().message(error));
   }
   ~InputFile() {
     if (fd_ >= 0) ::close(fd_);

@@ -99,7 +99,6 @@ _kvshare_options() { # _kvshare_options COMMAND
   esac
   case $1 in
     edit | dialog | date | settings | files | log | connect | company | dataset | rights | replication) ;;
-    edit | date | settings | files | log | connect | company | dataset | rights | replication) ;;
     printers | "printers print" | "printers picture") ;;
     "company add" | "company edit" | "company remove" | "company create") ;;
     "dataset convert" | "settings set" | "settings delete" | "settings export" | "settings import") ;;
@@ -109,11 +108,13 @@ _kvshare_options() { # _kvshare_options COMMAND
 }
 
 # Offers the lines of standard input that begin with $1, in any letter case as the command reads them.
+# That none begins so is no failure.
 _kvshare_offer() {
   local line
   while IFS= read -r line; do
     [[ ${line,,} == "${1,,}"* ]] && COMPREPLY+=("$line")
   done
+  return 0
 }
 
 _kvshare_offer_files() {
@@ -135,8 +136,9 @@ _kvshare_value() {
       _kvshare_offer "$3" < <(printf '%s\n' packet csv json) ;;
     "date show --layout") _kvshare_offer "$3" < <(_kvshare_layouts) ;;
     "date show --language") _kvshare_offer "$3" < <(printf '%s\n' th en) ;;
-    "date show --era" | "date parse --era" | "receipts --era" | "post --era" | "edit --era" | "dialog --era") _kvshare_offer "$3" < <(printf '%s\n' 543 0) ;;
-    "date show --era" | "date parse --era" | "receipts --era" | "post --era" | "edit --era") _kvshare_offer "$3" < <(printf '%s\n' 543 0) ;;
+    "date show --era" | "date parse --era" | "receipts --era" | "post --era" | "edit --era" | \
+      "dialog --era")
+      _kvshare_offer "$3" < <(printf '%s\n' 543 0) ;;
     "printers "*" --printer") _kvshare_offer "$3" < <(_kvshare_printers) ;;
     *" --connect" | "company "*" --connection") _kvshare_offer "$3" < <(_kvshare_connections) ;;
     "receipts --pdf" | "printers picture --pdf" | "sql --batch" | "encode --key-file" | "decode --key-file" | "settings export --output" | "dialect --file" | "log "*" --file" | \
@@ -148,7 +150,7 @@ _kvshare_value() {
     "company "*" --pos-data" | "company "*" --pos-packing" | "company "*" --packing") ;;
     "company "*" --reports" | "company "*" --documents" | "company "*" --rename") ;;
     "files "*" --mask" | "post --position" | "edit --key" | "edit --set") ;;
-    "files "*" --mask" | "post --position" | "dataset convert --fields" | "dataset compare --key") ;;
+    "dataset convert --fields" | "dataset compare --key") ;;
     *) return 1 ;;
   esac
 }
@@ -163,12 +165,11 @@ _kvshare_first_operand() {
 
 _kvshare_operand() { # _kvshare_operand COMMAND WORD
   case $1 in
-    date | settings | files | log | connect | company | printers | rights | replication)
+    date | settings | files | log | connect | company | dataset | printers | rights | replication)
       _kvshare_offer "$2" < <(_kvshare_subcommands "$1") ;;
-    receipts | post | version | "settings import" | "files "* | "printers print" | "printers picture")
+    receipts | post | version | "settings import" | "files "* | "dataset "* | "printers print" | \
+      "printers picture")
       _kvshare_offer_files "$2" ;;
-    date | settings | files | log | connect | dataset | rights | replication) _kvshare_offer "$2" < <(_kvshare_subcommands "$1") ;;
-    receipts | post | version | "settings import" | "files "* | "dataset "*) _kvshare_offer_files "$2" ;;
     "connect test" | "connect show" | "connect tables")
       _kvshare_offer "$2" < <(_kvshare_connections) ;;
     "company edit" | "company remove" | "company open") _kvshare_offer "$2" < <(_kvshare_companies) ;;

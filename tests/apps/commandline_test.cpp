@@ -87,6 +87,25 @@ TEST(CommandLine, Dates) {
   }
 }
 
+TEST(CommandLine, MistypedCommandsAreTold) {
+  const struct {
+    std::vector<std::string> arguments;
+    const char* told;
+  } cases[] = {
+      {{"wrods", "1"}, "there is no command `kvshare wrods`; did you mean `kvshare words`?\n"},
+      {{"date", "prase"},
+       "there is no command `kvshare date prase`; did you mean `kvshare date parse`?\n"},
+      {{"xyzzy"}, "there is no command `kvshare xyzzy`\n"},
+      {{"words", "--englsh", "1"}, "--englsh"},
+  };
+  for (const auto& c : cases) {
+    const Outcome got = Kvshare(c.arguments);
+    EXPECT_EQ(got.status, 2);
+    EXPECT_NE(got.err.find(c.told), std::string::npos) << got.err;
+    EXPECT_EQ(got.out, "");
+  }
+}
+
 TEST(CommandLine, Items) {
   const struct {
     std::vector<std::string> arguments;

@@ -185,9 +185,26 @@ TEST_F(DatabaseCommands, ConnectionsAreShownWithoutTheirSecrets) {
   EXPECT_THAT(away.err, Not(HasSubstr("secret")));
   EXPECT_EQ(away.status, 1);
   EXPECT_EQ(Run({"connect", "show", "NONE"}).err,
-            "kvshare: no connection 'NONE' in C:\\ProgramData\\QXN\\Share\\DConnect.ini\n");
+            "kvshare: no connection 'NONE' in " +
+                (home_.Drive() / "ProgramData/QXN/Share/DConnect.ini").string() +
+                ", which has SHOP, FARAWAY\n");
   ExpectDone(Sql("CREATE TABLE ITEM (CODE TEXT)"));
   EXPECT_EQ(Run({"connect", "tables", "SHOP"}).out, "ITEM\n");
+}
+
+TEST_F(DatabaseCommands, AConnectionFileThatCannotBeUsed) {
+  const std::filesystem::path file = home_.Drive() / "ProgramData/QXN/Share/DConnect.ini";
+  home_.Make("ProgramData/QXN/Share/DConnect.ini", "[dbConnect]\r\nร้านดี=SQLITE\r\n");
+  for (const std::vector<std::string>& command :
+       {std::vector<std::string>{"connect", "list"}, {"connect", "test", "SHOP"}}) {
+    const Outcome got = Run(command);
+    EXPECT_THAT(got.err, StartsWith("kvshare: " + file.string() + ": Invalid byte 89 at position"));
+    EXPECT_THAT(got.err, HasSubstr("iconv"));
+    EXPECT_EQ(got.status, 1);
+  }
+  std::filesystem::remove(file);
+  EXPECT_THAT(Run({"sql", "--connect", "SHOP", "SELECT 1"}).err,
+              StartsWith("kvshare: there is no connection file " + file.string() + ": copy"));
 }
 
 TEST_F(DatabaseCommands, RightsAreShownAndChecked) {

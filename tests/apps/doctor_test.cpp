@@ -22,6 +22,7 @@ class Doctor : public testing::Test {
 };
 
 TEST_F(Doctor, ShowsWhatIsInForceAndChangesNothing) {
+  std::filesystem::remove(home.Drive());
   const Outcome outcome = Kvshare({"doctor"});
   EXPECT_EQ(outcome.err, "");
   EXPECT_THAT(outcome.out, HasSubstr("\ncomputer          COUNTER1\n"));
@@ -29,6 +30,7 @@ TEST_F(Doctor, ShowsWhatIsInForceAndChangesNothing) {
   EXPECT_THAT(outcome.out, HasSubstr("\nquantities        4 decimals, ###,###,###,##0.0000\n"));
   EXPECT_THAT(outcome.out, HasSubstr("\nuser data         C:\\Users\\somchai\\AppData\\Roaming\n"));
   EXPECT_THAT(outcome.out, HasSubstr("registry.db (not created yet)\n"));
+  EXPECT_TRUE(std::filesystem::is_empty(home.Path()));
 }
 
 TEST_F(Doctor, SaysWhatToMend) {
