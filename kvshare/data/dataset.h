@@ -24,10 +24,12 @@ enum class TDataSetState : std::uint8_t {
   dsSetKey,
   dsCalcFields,
 };
+using enum TDataSetState;
 
 // What becomes of a failed Post: its error reaches the caller, EAbort `Operation aborted` does, or
 // it is tried again.
 enum class TDataAction : std::uint8_t { daFail, daAbort, daRetry };
+using enum TDataAction;
 
 using TDataSetNotifyEvent = std::function<void(TDataSet&)>;
 using TDataSetErrorEvent = std::function<void(TDataSet&, EDatabaseError&, TDataAction&)>;

@@ -46,6 +46,7 @@ enum class TFieldType : std::uint8_t {
   ftTimeStamp,
   ftFMTBcd,
 };
+using enum TFieldType;
 
 // How a field's values are read from its record.
 enum class TFieldForm : std::uint8_t {
@@ -146,6 +147,7 @@ enum class TFieldKind : std::uint8_t {
   fkLookup,        // read from another dataset
   fkInternalCalc,  // filled by OnCalcFields, kept with the record, not sent to a server
 };
+using enum TFieldKind;
 
 // What a dataset knows of a column before it has a row.
 struct TFieldDef {

@@ -21,6 +21,7 @@ enum class TUpdateMode : std::uint8_t {
   upWhereChanged,  // the key and the changed ones
   upWhereKeyOnly,  // the key: whoever writes last wins
 };
+using enum TUpdateMode;
 
 // Texts are compared letter by letter, decimals digit by digit, moments by their milliseconds, also
 // where the server's own `=` is laxer.

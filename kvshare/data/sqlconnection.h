@@ -33,6 +33,7 @@ enum class TTransIsolationLevel : std::uint8_t {
   xilDIRTYREAD,
   xilCUSTOM,
 };
+using enum TTransIsolationLevel;
 
 struct TTransactionDesc {
   std::uint32_t TransactionID = 0;

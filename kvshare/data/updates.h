@@ -11,6 +11,7 @@
 namespace kvshare {
 
 enum class TUpdateStatus : std::uint8_t { usUnmodified, usModified, usInserted, usDeleted };
+using enum TUpdateStatus;
 
 // Which records are in view: all that are there, or those of the named statuses, deleted ones too.
 // usUnmodified has no effect.
@@ -23,6 +24,7 @@ struct TUpdateStatusSet {
 };
 
 enum class TUpdateKind : std::uint8_t { ukModify, ukInsert, ukDelete };
+using enum TUpdateKind;
 
 // What becomes of a change that a server refused.
 enum class TReconcileAction : std::uint8_t {
@@ -33,6 +35,7 @@ enum class TReconcileAction : std::uint8_t {
   raCancel,   // is taken back
   raRefresh,  // gives way to the server's values
 };
+using enum TReconcileAction;
 
 // Why a server refused a change. ErrorCode is the server's where it tells one, else 1;
 // PreviousError that of the error before in the same run, 0 for the first.

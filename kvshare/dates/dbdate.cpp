@@ -1,11 +1,14 @@
 #include "kvshare/dates/dbdate.h"
 
+#include "kvshare/database/dblog.h"
 #include "kvshare/dates/date.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/format.h"
 #include "kvshare/rtl/formatsettings.h"
 #include "kvshare/rtl/variant.h"
 #include "kvshare/settings/catalogue.h"
+#include "kvshare/settings/globals.h"
 
 namespace kvshare {
 
@@ -22,10 +25,21 @@ constexpr std::string_view kDateTimeNullMask = "99/99/9999\\ 99:99;1;_";
 constexpr std::string_view kYearFormat = "0000;1;_";
 constexpr std::string_view kPairFormat = "00;1;_";
 
+// A date with a time is read by the process's own order of day and month, and is shown day first.
+void TraceOtherOrder(const TField& field) {
+  const std::string& format = FormatSettings.ShortDateFormat;
+  if (!BTrace || format.starts_with('d') || format.starts_with('D')) return;
+  TKovraDbLog::WriteTraceFile(
+      "Trace.log", "Dates",
+      Format("%s: dates are read as %s, not day first: SetDefaultDateTimeFormat was not called",
+             {field.FieldName(), format}));
+}
+
 void Attach(TClientDataSet& dataSet, std::string_view name, TFieldGetTextEvent getText,
             TFieldSetTextEvent setText, std::string_view mask) {
   TField* field = dataSet.FindField(name);
   if (field == nullptr) return;
+  if (mask.find('/') != std::string_view::npos) TraceOtherOrder(*field);
   field->OnGetText = std::move(getText);
   field->OnSetText = std::move(setText);
   field->EditMask = mask;

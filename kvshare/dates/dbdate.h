@@ -4,6 +4,11 @@
 // handlers stand between the two at each field, and the Set...Field methods put them there:
 //
 //   TKovraDbDate::SetDateNullField(invoice, "PAIDDAY");  // 15/03/2567 <-> 15 March 2024
+//
+// A program calls SetEditMaskAndFormatStr, for the era, and SetDefaultDateTimeFormat, for the order
+// of day and month, before it attaches a handler: a date with a time is read by the process's short
+// date, which another locale begins with the month. With BTrace on, attaching a date where that
+// does not begin with the day writes a line to Trace.log in ExePath.
 #pragma once
 
 #include <string>

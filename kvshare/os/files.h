@@ -28,6 +28,10 @@ KVSHARE_API std::int64_t FileSize(std::string_view name);
 // whose first folder is missing.
 KVSHARE_API bool ForceDirectories(std::string_view name);
 
+// All bytes of a file of at most so many, by the system's own name in UTF-8, which may have letters
+// that code page 874 lacks. Throws EInOutError, also for a longer file and for what is no file.
+KVSHARE_API std::string ReadNativeFile(const std::string& path, std::size_t most);
+
 KVSHARE_API bool CreateDir(std::string_view name);
 KVSHARE_API bool RemoveDir(std::string_view name);   // of a link to a folder the link alone
 KVSHARE_API bool DeleteFile(std::string_view name);  // a folder or a read-only file: false

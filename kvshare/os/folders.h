@@ -20,7 +20,8 @@ KVSHARE_API std::string SpecialFolder(int id);
 
 KVSHARE_API std::string WindowsFolder();  // C:\Windows
 KVSHARE_API std::string SystemFolder();   // C:\Windows\System32
-// C:\Temp\, with the final `\`; created when it is missing and can be.
+// C:\Temp\, with the final `\`; TempFolder makes it when it is missing and can be made.
+KVSHARE_API std::string TempFolderName();
 KVSHARE_API std::string TempFolder();
 
 // The running program's file, as an interface's name (`Z:\usr\bin\kvshare`), and its folder with

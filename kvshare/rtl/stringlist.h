@@ -28,6 +28,7 @@ class KVSHARE_API TObject {
 enum class TStringId : std::uint64_t {};
 
 enum class TDuplicates : std::uint8_t { dupIgnore, dupAccept, dupError };
+using enum TDuplicates;
 
 // The interface of every list of texts. Names and values: an item `NAME=value` splits at its first
 // `=`; nothing is trimmed. A bad index throws EStringListError `List index out of bounds (%d)`.

@@ -5,10 +5,11 @@
 #include <memory>
 #include <utility>
 
+#include "kvshare/os/files.h"
+#include "kvshare/os/paths.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/environment.h"
 #include "kvshare/rtl/exceptions.h"
-#include "kvshare/rtl/files.h"
 #include "kvshare/rtl/strutils.h"
 #include "kvshare/settings/loadentry.h"
 #include "kvshare/settings/programlocale.h"
@@ -47,12 +48,16 @@ std::string BaseName(std::string_view fileName) {
   return std::string(fileName.substr(0, fileName.rfind('.')));
 }
 
-// Reads the resource and puts it in force; the built-in Thai where it cannot be read.
+// Reads the resource and puts it in force; the built-in Thai where it cannot be read. A name that
+// begins with `/` is the system's own, whatever letters it has.
 std::vector<TLanguageWarning> PutInForce(std::string name, std::string_view utf8FileName) {
+  constexpr std::size_t kLongest = std::size_t{1} << 20;
   ReplaceLanguageResource(nullptr);
   std::string bytes;
   try {
-    bytes = ReadFileBytes(Utf8ToCp874(utf8FileName));
+    const bool native = utf8FileName.starts_with('/');
+    bytes = os::ReadNativeFile(
+        native ? std::string(utf8FileName) : os::NativePath(Utf8ToCp874(utf8FileName)), kLongest);
   } catch (const Exception& error) {
     return {{0, "cannot be read: " + error.Message()}};
   }

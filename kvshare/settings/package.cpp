@@ -110,8 +110,6 @@ const char* PackageUnitName(std::int32_t index) {
   return index >= 0 && index < kTable.UnitCount ? kModules[index].name : "";
 }
 
-extern "C" {
-
 void Initialize() {
   for (const TPackageUnit& unit : kUnits) unit.Start();
 }
@@ -124,6 +122,23 @@ const TPackageInfoTable* GetPackageInfoTable() {
   return &kTable;
 }
 
-}  // extern "C"
-
 }  // namespace kvshare
+
+extern "C" {
+
+KVSHARE_API void Initialize();
+void Initialize() {
+  kvshare::Initialize();
+}
+
+KVSHARE_API void Finalize();
+void Finalize() {
+  kvshare::Finalize();
+}
+
+KVSHARE_API const kvshare::TPackageInfoTable* GetPackageInfoTable();
+const kvshare::TPackageInfoTable* GetPackageInfoTable() {
+  return kvshare::GetPackageInfoTable();
+}
+
+}  // extern "C"

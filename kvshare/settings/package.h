@@ -1,6 +1,7 @@
 // Start and stop of the library's modules. Initialize and Finalize run the table from its first row
-// to the last and back; a host may also walk the table itself. The routines are exported with C
-// linkage too, under these very names, for hosts that load the library at run time.
+// to the last and back; a host may also walk the table itself. Hosts that load the library at run
+// time find the routines under these very names without the namespace too, with C linkage. A
+// program may have C routines of such names of its own: those below stay the library's.
 //
 // A counter a module makes repeated starts harmless: the first one starts the module, and the stop
 // that brings the counter back to 0 stops it. A stop without a start does nothing.
@@ -28,14 +29,8 @@ struct TPackageInfoTable {
 // The name of a module for a host's log, `index` from 0; "" for one that does not exist.
 KVSHARE_API const char* PackageUnitName(std::int32_t index);
 
-// A function with C linkage that is declared in a namespace has both names: kvshare::Initialize in
-// C++, Initialize for whoever looks the symbol up.
-extern "C" {
-
 KVSHARE_API void Initialize();
 KVSHARE_API void Finalize();
 KVSHARE_API const TPackageInfoTable* GetPackageInfoTable();
-
-}  // extern "C"
 
 }  // namespace kvshare

@@ -120,6 +120,7 @@ class KVSHARE_API TWinControl : public TControl {
 };
 
 enum class TWindowState : std::uint8_t { wsNormal, wsMinimized, wsMaximized };
+using enum TWindowState;
 
 enum class TFormBorderStyle : std::uint8_t {
   bsNone,
@@ -129,11 +130,13 @@ enum class TFormBorderStyle : std::uint8_t {
   bsToolWindow,
   bsSizeToolWin,
 };
+using enum TFormBorderStyle;
 
 enum class TPosition : std::uint8_t {
   poDesigned,      // where its bounds are
   poScreenCenter,  // in the middle of the screen at each show
 };
+using enum TPosition;
 
 class KVSHARE_API TForm : public TWinControl {
  public:

@@ -17,6 +17,7 @@ enum class TMsgDlgType : std::uint8_t {
   mtConfirmation,
   mtCustom,
 };
+using enum TMsgDlgType;
 
 // In the order in which a box shows them.
 enum class TMsgDlgBtn : std::uint8_t {
@@ -32,6 +33,7 @@ enum class TMsgDlgBtn : std::uint8_t {
   mbYesToAll,
   mbHelp,
 };
+using enum TMsgDlgBtn;
 
 class TMsgDlgButtons {
  public:

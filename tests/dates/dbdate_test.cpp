@@ -9,6 +9,7 @@
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/files.h"
 #include "kvshare/rtl/formatdatetime.h"
 #include "kvshare/rtl/strutils.h"
 #include "kvshare/settings/globals.h"
@@ -81,6 +82,35 @@ class DbDate : public testing::Test {
 
   TClientDataSet set;
 };
+
+// A program that has not put the suite's formats in force reads its dates with the month first.
+TEST_F(DbDate, TheTraceNamesFieldsOfAnotherOrder) {
+  const TemporaryHome home;
+  ExePath = "C:\\Ledger\\";
+  const auto traced = [&] {
+    std::error_code ignored;
+    std::filesystem::remove(home.Drive() / "Ledger/Trace.log", ignored);
+    D::SetDateTimeField(set, NameOf(ftDateTime));
+    D::SetDateField(set, NameOf(ftDate));
+    D::SetTimeField(set, NameOf(ftTime));
+    return home.Has("Ledger/Trace.log") ? ReadFileBytes("C:\\Ledger\\Trace.log") : "";
+  };
+  FormatSettings.ShortDateFormat = "mm/dd/yyyy";
+  EXPECT_EQ(traced(), "") << "no trace is asked for";
+  BTrace = true;
+  const std::string trace = traced();
+  for (const TFieldType type : {ftDateTime, ftDate}) {
+    EXPECT_NE(
+        trace.find(" Dates " + NameOf(type) + ": dates are read as mm/dd/yyyy, not day first"),
+        std::string::npos)
+        << trace;
+  }
+  EXPECT_EQ(trace.find(NameOf(ftTime) + ":"), std::string::npos);
+  FormatSettings.ShortDateFormat = "d/m/yyyy";
+  EXPECT_EQ(traced(), "");
+  BTrace = false;
+  ExePath.clear();
+}
 
 TEST_F(DbDate, ShowsValues) {
   const std::string today = TKovraDate::ShowDate(Date(), 543);

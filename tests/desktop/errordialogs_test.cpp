@@ -149,7 +149,8 @@ TEST_F(ErrorDialogs, InThai) {
   for (int i = 0; i < 5; ++i) set.Fields(i).SetDisplayLabel(kLabels[i]);
   set.FieldByName("NAME").SetAsString("ร้านบ้านสวนวัสดุภัณฑ์"_th);
   set.server["NAME"] = "ร้านบ้านสวน"_th;
-  TReconcileErrorForm form = Made<TReconcileErrorForm>();
+  const EReconcileError refused("Record not found or changed by another user", "", 1, 0);
+  TReconcileErrorForm form(set, ukModify, refused);
   User::With([&] { return form.ShowModal(); },
              [&](User& user) {
                user.ClickRadio("ActionGroup", 4);

@@ -3,12 +3,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
 #include <cstdio>
 #include <cstdlib>
+
 #include <filesystem>
 
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/files.h"
+#include "tests/support.h"
 
 namespace kvshare {
 namespace {
@@ -139,6 +142,28 @@ TEST(Language, AFileThatCannotBeUsedLeavesThai) {
   }
 }
 
+TEST(Language, AFileIsARegularOneOfAtMostAMegabyte) {
+  const TemporaryFolder folder;
+  ASSERT_EQ(mkfifo(folder.File("pipe.lang").c_str(), 0600), 0);
+  WriteFileBytes(folder.File("whole.lang"), std::string(std::size_t{1} << 20, ' '));
+  WriteFileBytes(folder.File("long.lang"), std::string((std::size_t{1} << 20) + 1, ' '));
+  struct Case {
+    std::string file;
+    const char* why;
+  };
+  for (const auto& [file, why] : {Case{folder.File("pipe.lang"), "It is no regular file"},
+                                  {"/dev/zero", "It is no regular file"},
+                                  {folder.File("long.lang"), "It has more than 1048576 bytes"},
+                                  {folder.File(""), "a directory"}}) {
+    const auto warnings = LoadLanguageFile(file);
+    ASSERT_THAT(warnings, SizeIs(1)) << file;
+    EXPECT_THAT(warnings.front().Text, testing::HasSubstr(why));
+  }
+  LoadLanguageFile(folder.File("whole.lang"));
+  EXPECT_EQ(CurrentLanguage(), "whole");
+  SetLanguage("");
+}
+
 // The environment is read once a process, so each of these runs in a process of its own.
 void PrintCash(const char* language, const std::string& folder) {
   setenv("KVSHARE_LANGUAGE", language, 1);
@@ -153,6 +178,10 @@ TEST(LanguageDeathTest, TheEnvironmentChooses) {
   const std::string folder = testing::TempDir() + "kvshare_languages";
   std::filesystem::create_directories(folder);
   WriteFileBytes(folder + "/part.lang", "# x\n65525 = \"Cash %s\"\n65507 = \"Delete\"\n");
+  const std::string chinese = testing::TempDir() + "kvshare_語";
+  std::filesystem::create_directories(chinese);
+  std::filesystem::copy_file(KVSHARE_LANGUAGES "/en.lang", chinese + "/en.lang",
+                             std::filesystem::copy_options::overwrite_existing);
   struct Case {
     const char* language;
     std::string folder, want;
@@ -163,6 +192,7 @@ TEST(LanguageDeathTest, TheEnvironmentChooses) {
       {"", KVSHARE_LANGUAGES, "^\\[th เงินสด\\]$", "empty"},
       {"th", folder, "^\\[th เงินสด\\]$", "built in: no file needed"},
       {"en", "", "^\\[en Cash\\]$", "found from the library's own place"},
+      {"en", chinese, "^\\[en Cash\\]$", "a place with letters that the code page lacks"},
       {"part", folder,
        "^kvshare: warning: .*part.lang:2: the placeholders of rstrCash .65525. differ from the "
        "Thai "

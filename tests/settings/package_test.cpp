@@ -11,6 +11,16 @@
 #include "kvshare/text/strings.h"
 #include "kvshare/text/strlist.h"
 
+namespace {
+int stopsOfTheProgram = 0;
+}
+
+// A routine of the program that happens to have such a name.
+extern "C" __attribute__((visibility("default"))) void Finalize();
+extern "C" void Finalize() {
+  ++stopsOfTheProgram;
+}
+
 namespace kvshare {
 namespace {
 
@@ -41,6 +51,13 @@ TEST(Package, CreatesEachServiceOnceAndFreesItLast) {
   EXPECT_TRUE(Started()) << "a stop too many does not count against the next start";
   Finalize();
   EXPECT_FALSE(Started());
+}
+
+TEST(Package, AProgramMayHaveARoutineOfThatName) {
+  Initialize();
+  kvshare::Finalize();
+  EXPECT_FALSE(Started());
+  EXPECT_EQ(stopsOfTheProgram, 0);
 }
 
 TEST(Package, StartsModulesInOrder) {

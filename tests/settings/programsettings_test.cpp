@@ -87,6 +87,15 @@ TEST_F(ProgramSettings, NothingStoredGivesTheDefaults) {
   EXPECT_EQ(Format(dsplPercentFmtStr, {Currency::FromRaw(70000)}), "        7.00%");
 }
 
+TEST_F(ProgramSettings, WithoutAHomeTheMasksAreBuiltAllTheSame) {
+  const WithVariable none("KVSHARE_HOME", "");
+  const WithVariable noneOfTheUser("HOME", "");
+  dsplBahtEditMask.clear();
+  SetEditMaskAndFormatStr();
+  EXPECT_EQ(dsplBahtEditMask, "###,###,###,##0.00");
+  EXPECT_FALSE(os::ForceDirectories("C:\\A\\B"));
+}
+
 TEST_F(ProgramSettings, ReadsWhatIsStored) {
   Store("Default", "QtyDigit", "0");
   Store("Default", "BahtDigit", "6");

@@ -72,6 +72,7 @@ bool MoveAcross(const std::string& from, const std::string& to) {
 // missing is a disk that is not in its drive.
 void MakeDriveC(std::string_view drive) {
   const std::string root = WithoutFinalSlash(NativePathOrNone(drive));
+  if (root.empty()) return;  // without a home there is no such drive
   std::error_code ignored;
   if (SameText(drive, "C:") && root == HomeFolder() + "/drive_c") {
     std::filesystem::create_directories(root, ignored);

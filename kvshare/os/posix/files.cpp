@@ -1,7 +1,9 @@
 #include "kvshare/rtl/files.h"
 
 #include <algorithm>
+#include <limits>
 
+#include "kvshare/os/files.h"
 #include "kvshare/os/paths.h"
 #include "kvshare/os/posix/calls.h"
 #include "kvshare/os/posix/descriptor.h"
@@ -26,20 +28,14 @@ void FlushFolder(const std::string& file) {
   if (handle.IsOpen()) ::fsync(handle.Value());
 }
 
-}  // namespace
-
-std::string ReadWhole(const std::string& path) {
-  const Descriptor file(path.c_str(), O_RDONLY);
-  struct stat facts = {};
-  if (!file.IsOpen() || ::fstat(file.Value(), &facts) != 0) ThrowFailed(path, errno);
-  if (S_ISDIR(facts.st_mode)) ThrowFailed(path, EISDIR);
-
-  // One byte more than the file holds, so that the end shows without growing. Pipes and the files
-  // of /proc say 0 and hold more.
+// One byte more than the file holds is asked for, so that the end shows without growing. Pipes and
+// the files of /proc say 0 and hold more. Stops behind `most` bytes.
+std::string ReadToEnd(const Descriptor& file, const std::string& path, const struct stat& facts,
+                      std::size_t most) {
   constexpr std::size_t kLeast = 4096;
   std::string bytes(std::max(static_cast<std::size_t>(facts.st_size) + 1, kLeast), '\0');
   std::size_t size = 0;
-  for (;;) {
+  while (size <= most) {
     const ssize_t n = ::read(file.Value(), bytes.data() + size, bytes.size() - size);
     if (n == 0) break;
     if (n > 0) size += static_cast<std::size_t>(n);
@@ -48,6 +44,21 @@ std::string ReadWhole(const std::string& path) {
   }
   bytes.resize(size);
   return bytes;
+}
+
+struct stat FactsOf(const Descriptor& file, const std::string& path) {
+  struct stat facts = {};
+  if (!file.IsOpen() || ::fstat(file.Value(), &facts) != 0) ThrowFailed(path, errno);
+  if (S_ISDIR(facts.st_mode)) ThrowFailed(path, EISDIR);
+  return facts;
+}
+
+}  // namespace
+
+std::string ReadWhole(const std::string& path) {
+  const Descriptor file(path.c_str(), O_RDONLY);
+  const struct stat facts = FactsOf(file, path);
+  return ReadToEnd(file, path, facts, std::numeric_limits<std::size_t>::max());
 }
 
 void ReplaceFile(const std::string& path, std::string_view bytes, const Calls& calls) {
@@ -68,6 +79,25 @@ void ReplaceFile(const std::string& path, std::string_view bytes, const Calls& c
 }
 
 }  // namespace kvshare::os::posix
+
+namespace kvshare::os {
+
+// Without O_NONBLOCK a pipe that nobody writes to would be waited for.
+std::string ReadNativeFile(const std::string& path, std::size_t most) {
+  const posix::Descriptor file(path.c_str(), O_RDONLY | O_NONBLOCK);
+  const struct stat facts = posix::FactsOf(file, path);
+  if (!S_ISREG(facts.st_mode)) throw EInOutError("It is no regular file", posix::kAccessDenied);
+  const auto tooLong = [most] {
+    throw EInOutError("It has more than " + std::to_string(most) + " bytes",
+                      posix::kGeneralFailure);
+  };
+  if (static_cast<std::uint64_t>(facts.st_size) > most) tooLong();
+  std::string bytes = posix::ReadToEnd(file, path, facts, most);
+  if (bytes.size() > most) tooLong();
+  return bytes;
+}
+
+}  // namespace kvshare::os
 
 namespace kvshare::inline rtl {
 

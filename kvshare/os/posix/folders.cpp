@@ -46,8 +46,12 @@ std::string SystemFolder() {
   return R"(C:\Windows\System32)";
 }
 
+std::string TempFolderName() {
+  return R"(C:\Temp\)";
+}
+
 std::string TempFolder() {
-  std::string folder = R"(C:\Temp\)";
+  std::string folder = TempFolderName();
   ForceDirectories(folder);
   return folder;
 }
