@@ -2,23 +2,29 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 
+#include "kvshare/database/dbxconf.h"
 #include "kvshare/os/drives.h"
 #include "kvshare/os/files.h"
 #include "kvshare/os/folders.h"
 #include "kvshare/os/paths.h"
 #include "kvshare/os/registry.h"
+#include "kvshare/os/sharedlibrary.h"
 #include "kvshare/platform/verinfo.h"
 #include "kvshare/platform/win32.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/environment.h"
 #include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/files.h"
 #include "kvshare/settings/globals.h"
 #include "kvshare/settings/language.h"
 #include "kvshare/settings/numberformats.h"
 #include "kvshare/settings/programsettings.h"
 #include "kvshare/ui/backend.h"
+#include "kvshare/ui/desktop.h"
+#include "kvshare/ui/printer.h"
 
 namespace kvshare::app {
 
@@ -48,7 +54,11 @@ std::string WriteTrouble(const fs::path& folder) {
 void AddHome(Findings& findings) {
   try {
     const std::string home = os::HomeFolder();
-    findings.push_back({"home", home, WriteTrouble(home)});
+    const bool whole = home.starts_with('/');
+    findings.push_back({"home", home,
+                        whole ? WriteTrouble(home)
+                              : "set KVSHARE_HOME to a name that begins with /: this one means "
+                                "another folder wherever a program starts"});
   } catch (const Exception&) {
     findings.push_back({"home", "none", "set KVSHARE_HOME to a folder of this user"});
   }
@@ -179,10 +189,72 @@ void AddFolders(Findings& findings) {
   }
 }
 
-void AddPrinters(Findings& findings) {
-  TSpooler& spooler = UserInterface().Spooler();
-  const std::string printer = spooler.DefaultPrinter();
-  findings.push_back({"printer", printer.empty() ? "none" : Cp874ToUtf8Lossy(printer), ""});
+// A file that the suite keeps beside itself, from a sample of the installation.
+void AddSampledFile(Findings& findings, std::string_view topic, const std::string& name) {
+  const std::string file = os::NativePath(name);
+  findings.push_back({std::string(topic), file,
+                      FileExists(name) ? ""
+                                       : "there is no such file: copy the sample " +
+                                             std::string(topic) + " there, and change it"});
+}
+
+void AddDatabases(Findings& findings) {
+  AddSampledFile(findings, "SqlIntf.ini", GetKovraProgramPath() + "SqlIntf.ini");
+  AddSampledFile(findings, "DConnect.ini", GetDbxConnectFileName());
+  for (const std::string_view driver : {"sqlite", "mysql", "postgres", "firebird", "odbc"}) {
+    const os::SharedLibrary library("kvshare-" + std::string(driver));
+    findings.push_back({"driver " + std::string(driver), library.Loaded() ? library.File() : "none",
+                        library.Loaded() ? ""
+                                         : library.ErrorText() + ": install the library's drivers, "
+                                                                 "and the server's client"});
+  }
+}
+
+void AddCompanion(Findings& findings) {
+  const os::SharedLibrary library("KovraWin.DLL");
+  findings.push_back({"dialogs", library.Loaded() ? library.File() : "none",
+                      library.Loaded() ? ""
+                                       : library.ErrorText() +
+                                             ": install the companion library, or the shop's own"});
+}
+
+std::string PrinterTrouble(const std::vector<std::string>& printers, const std::string& usual) {
+  if (printers.empty()) {
+    return "add a printer to the print spooler, or print into folders: docs/system.md tells how";
+  }
+  if (usual.empty()) return "choose a default printer, or set KVSHARE_PRINTER";
+  if (std::ranges::find(printers, usual) != printers.end()) return {};
+  std::string known;
+  for (const std::string& name : printers) known.append(known.empty() ? "" : ", ").append(name);
+  return "there is no such printer: set KVSHARE_PRINTER to one of " + Cp874ToUtf8Lossy(known);
+}
+
+void AddPrinters(Findings& findings, TSpooler& spooler) {
+  const std::string usual = spooler.DefaultPrinter();
+  findings.push_back({"printer", usual.empty() ? "none" : Cp874ToUtf8Lossy(usual),
+                      PrinterTrouble(spooler.Printers(), usual)});
+}
+
+void AddFonts(Findings& findings, TUserInterface& desktop) {
+  try {
+    desktop.PdfPrinter("fonts.pdf")->Canvas().TextWidth("ก"_th);
+    findings.push_back({"fonts", "with Thai letters", ""});
+  } catch (const EPrinter& e) {
+    findings.push_back({"fonts", "none", e.Message() + ": install fonts-tlwg-garuda-ttf"});
+  }
+}
+
+void AddDesktop(Findings& findings) {
+  try {
+    TUserInterface& desktop = Desktop(TDesktopUse::PaperOnly);
+    findings.push_back({"desktop library", "kvshare-desktop", ""});
+    AddFonts(findings, desktop);
+    AddPrinters(findings, desktop.Spooler());
+  } catch (const EOSError& e) {
+    findings.push_back({"desktop library", "none",
+                        Cp874ToUtf8Lossy(e.Message()) +
+                            ": windows, printers and PDF files need it and its toolkit"});
+  }
 }
 
 }  // namespace
@@ -198,7 +270,9 @@ std::vector<Finding> Examine() {
   AddLanguage(findings);
   AddNumbers(findings);
   AddFolders(findings);
-  AddPrinters(findings);
+  AddDatabases(findings);
+  AddCompanion(findings);
+  AddDesktop(findings);
   return findings;
 }
 

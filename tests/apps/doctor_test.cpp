@@ -33,6 +33,25 @@ TEST_F(Doctor, ShowsWhatIsInForceAndChangesNothing) {
   EXPECT_TRUE(std::filesystem::is_empty(home.Path()));
 }
 
+TEST_F(Doctor, NamesTheFilesAndLibrariesThatAreMissing) {
+  const std::filesystem::path share = home.Drive() / "Program Files/QXN/Share";
+  const std::string missing = "SqlIntf.ini       " + (share / "SqlIntf.ini").string() +
+                              "\n  MEND: there is no such file: copy the sample SqlIntf.ini there";
+  Outcome outcome = Kvshare({"doctor"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_THAT(outcome.out, HasSubstr(missing));
+  EXPECT_THAT(outcome.out, HasSubstr("DConnect.ini      " + home.Drive().string()));
+  EXPECT_THAT(outcome.out, testing::ContainsRegex("driver sqlite     /.+/libkvshare-sqlite.so\n"));
+  home.Make("Program Files/QXN/Share/SqlIntf.ini");
+  const WithVariable printer("KVSHARE_PRINTER", "No Such Printer");
+  outcome = Kvshare({"doctor"});
+  EXPECT_THAT(outcome.out, testing::Not(HasSubstr("copy the sample SqlIntf.ini")));
+  EXPECT_THAT(outcome.out, HasSubstr("printer           No Such Printer\n  MEND: "));
+  const WithVariable relative("KVSHARE_HOME", "here");
+  EXPECT_THAT(Kvshare({"doctor"}).out,
+              HasSubstr("home              here\n  MEND: set KVSHARE_HOME"));
+}
+
 TEST_F(Doctor, SaysWhatToMend) {
   const auto write = [this](const char* name, const char* text) {
     std::ofstream(home.Path() / name) << text;
