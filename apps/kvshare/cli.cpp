@@ -9,6 +9,7 @@
 #include "apps/kvshare/version.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/format.h"
 
 namespace kvshare::app {
 
@@ -95,6 +96,17 @@ int Answer(const CLI::App& app, const CLI::ParseError& error, const Stdio& stdio
                   kWrongUsage);
 }
 
+[[noreturn]] void RefuseCommand(const std::string& path, const std::string& word,
+                                const std::vector<CLI::App*>& known) {
+  std::vector<std::string> names;
+  names.reserve(known.size());
+  for (const CLI::App* command : known) names.push_back(command->get_name());
+  std::string reason = Format("there is no command `%s %s`", {path, word});
+  const std::string near = NearestWord(word, names);
+  if (!near.empty()) reason += Format("; did you mean `%s %s`?", {path, near});
+  throw CLI::ExtrasError(reason, CLI::ExitCodes::ExtrasError);
+}
+
 // Says which word is no command, and which one is near, where the parser would only count words.
 void CheckCommands(CLI::App& app, const std::vector<std::string>& arguments) {
   CLI::App* above = &app;
@@ -104,16 +116,9 @@ void CheckCommands(CLI::App& app, const std::vector<std::string>& arguments) {
     if (known.empty() || word.starts_with('-')) return;
     const auto next =
         std::ranges::find_if(known, [&word](CLI::App* one) { return one->get_name() == word; });
-    if (next == known.end()) {
-      std::vector<std::string> names;
-      for (const CLI::App* one : known) names.push_back(one->get_name());
-      const std::string near = NearestWord(word, names);
-      const std::string hint = near.empty() ? "" : "; did you mean `" + path + " " + near + "`?";
-      throw CLI::ExtrasError("there is no command `" + path + " " + word + "`" + hint,
-                             CLI::ExitCodes::ExtrasError);
-    }
+    if (next == known.end()) RefuseCommand(path, word, known);
     above = *next;
-    path += " " + word;
+    path.append(" ").append(word);
   }
 }
 

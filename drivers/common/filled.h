@@ -15,7 +15,7 @@ enum class Fold : char { None, Lower, Upper };
 // How a server is asked. In the statement ?1 stands for the table's schema, Null where none is
 // named, ?2 for its name as the server keeps it, and ?3 for both as a statement names them.
 struct FilledQuery {
-  std::string_view sql = "";  // "": it cannot be asked
+  std::string_view sql;  // "": it cannot be asked
   Fold fold = Fold::None;
 };
 
