@@ -171,11 +171,7 @@ void FormWindow::FollowForm() {
   if (StateOf(*frame_) == form_.WindowState() && form_.WindowState() == TWindowState::wsNormal) {
     const QPoint place = MainScreenOrigin() + inner.topLeft();
     if (frame_->pos() != place) frame_->move(place);
-    if (StyleOf(form_).sizeable) {
-      frame_->resize(inner.size());
-    } else {
-      frame_->setFixedSize(inner.size());
-    }
+    SetInnerSize(inner.size());
   }
   if (StateOf(*frame_) != form_.WindowState()) {
     frame_->setWindowState(ShownState(form_.WindowState()));
@@ -189,22 +185,42 @@ void FormWindow::TakeBounds() {
   moving_ = true;
   const TWindowState state = StateOf(*frame_);
   if (state != TWindowState::wsMinimized) {
-    TakeFrame();
+    TakeFrame(state);
     const QRect outer = frame_->frameGeometry().translated(-MainScreenOrigin());
     form_.SetBounds({outer.x(), outer.y(), outer.width(), outer.height()});
+    if (unframed_ && state == TWindowState::wsNormal) unframed_ = form_.Bounds();
   }
   form_.SetWindowState(state);
   moving_ = false;
 }
 
-// The system tells what its frame takes once the window is there: the form keeps its inner size,
-// and its place if that is the middle of the screen.
-void FormWindow::TakeFrame() {
+void FormWindow::SetInnerSize(QSize size) {
+  if (StyleOf(form_).sizeable) {
+    frame_->resize(size);
+  } else {
+    frame_->setFixedSize(size);
+  }
+}
+
+// The system tells what its frame takes once the window is there. What the form's bounds were until
+// then is with the frame, so that the window gives way; a window in the middle stays there.
+void FormWindow::TakeFrame(TWindowState state) {
   const TSize frame = FrameSize();
-  if (frame == frameSize_) return;
+  const bool due = unframed_ && state == TWindowState::wsNormal && frame != TSize{};
+  if (frame == frameSize_ && !due) return;
   frameSize_ = frame;
-  form_.TWinControl::SetFrame(frame);
-  if (form_.Position != TPosition::poScreenCenter) return;
+  if (due) {
+    form_.TWinControl::SetFrame({});
+    form_.SetBounds(*std::exchange(unframed_, std::nullopt));
+    form_.SetFrame(frame);
+    SetInnerSize(Reachable({0, 0, form_.ClientWidth(), form_.ClientHeight()}).size());
+  } else {
+    form_.TWinControl::SetFrame(frame);
+  }
+  if (form_.Position == TPosition::poScreenCenter) CenterOnScreen();
+}
+
+void FormWindow::CenterOnScreen() {
   const QScreen* screen = QApplication::primaryScreen();
   const QSize left = (screen->size() - frame_->frameGeometry().size()) / 2;
   frame_->move(screen->geometry().topLeft() +
@@ -296,6 +312,7 @@ void FormWindow::Do(const std::function<void()>& action) {
 void FormWindow::Show() {
   Refresh();
   KeepOnScreens();
+  if (frameSize_ == TSize{}) unframed_ = form_.Bounds();
   if (form_.WindowState() != TWindowState::wsNormal) {
     frame_->setWindowState(ShownState(form_.WindowState()));
   }

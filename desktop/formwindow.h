@@ -5,6 +5,7 @@
 #include <QTimer>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "desktop/controlparts.h"
@@ -52,7 +53,9 @@ class FormWindow final : public TFormWindow, public FormEvents {
   void TakeFocus();
   void FollowForm();
   void TakeBounds();
-  void TakeFrame();
+  void TakeFrame(TWindowState state);
+  void SetInnerSize(QSize size);
+  void CenterOnScreen();
   void KeepOnScreens();
   void RefreshLater();
 
@@ -61,6 +64,9 @@ class FormWindow final : public TFormWindow, public FormEvents {
   std::vector<std::unique_ptr<ControlPart>> parts_;
   QTimer soon_;  // a look at the form that is due
   TSize frameSize_;
+  // The form's bounds while the window was normal and its frame unknown: the window's inner size is
+  // too large by the frame.
+  std::optional<TBounds> unframed_;
   bool stale_ = true;    // the parts are not those of the form's controls
   bool moving_ = false;  // the window is made to follow the form, or the form the window
   bool refreshing_ = false;

@@ -54,6 +54,16 @@ TWinControl::TWinControl(TComponent* owner, std::string_view name) : TControl(ow
   }
 }
 
+void TWinControl::SetClientWidth(int width) {
+  askedClientWidth_ = width;
+  SetWidth(width + frame_.Width);
+}
+
+void TWinControl::SetClientHeight(int height) {
+  askedClientHeight_ = height;
+  SetHeight(height + frame_.Height);
+}
+
 bool TWinControl::CanFocus() const {
   return Visible() && Enabled() && (Parent() == nullptr || Parent()->CanFocus());
 }

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -108,15 +109,21 @@ class KVSHARE_API TWinControl : public TControl {
   // with windows tells it; a frame leaves the bounds as they are.
   int ClientWidth() const { return Width() - frame_.Width; }
   int ClientHeight() const { return Height() - frame_.Height; }
-  void SetClientWidth(int width) { SetWidth(width + frame_.Width); }
-  void SetClientHeight(int height) { SetHeight(height + frame_.Height); }
+  void SetClientWidth(int width);
+  void SetClientHeight(int height);
   virtual void SetFrame(TSize frame) { frame_ = frame; }
 
  protected:
   using TControl::TControl;
 
+  // Whether the inner size is the one that was asked for, and not what the bounds have left.
+  bool HasAskedClientWidth() const { return askedClientWidth_ == ClientWidth(); }
+  bool HasAskedClientHeight() const { return askedClientHeight_ == ClientHeight(); }
+
  private:
   TSize frame_;
+  std::optional<int> askedClientWidth_;
+  std::optional<int> askedClientHeight_;
 };
 
 enum class TWindowState : std::uint8_t { wsNormal, wsMinimized, wsMaximized };
@@ -151,7 +158,8 @@ class KVSHARE_API TForm : public TWinControl {
   TWindowState WindowState() const { return state_; }
   void SetWindowState(TWindowState state) { Set(state_, state); }
 
-  // The inner size stays and the bounds follow.
+  // The bounds are with the frame, and stay; an inner size that SetClientWidth or SetClientHeight
+  // asked for stays instead, and the bounds follow.
   void SetFrame(TSize frame) override;
 
   TFormBorderStyle BorderStyle = TFormBorderStyle::bsSizeable;

@@ -34,8 +34,8 @@ std::vector<TWinControl*> TForm::TabList() const {
 
 void TForm::SetFrame(TSize frame) {
   TBounds bounds = Bounds();
-  bounds.Width = ClientWidth() + frame.Width;
-  bounds.Height = ClientHeight() + frame.Height;
+  if (HasAskedClientWidth()) bounds.Width = ClientWidth() + frame.Width;
+  if (HasAskedClientHeight()) bounds.Height = ClientHeight() + frame.Height;
   TWinControl::SetFrame(frame);
   SetBounds(bounds);
 }

@@ -4,8 +4,10 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <climits>
+#include <functional>
 #include <memory>
 #include <stdexcept>
+#include <utility>
 
 #include "desktop/formwindow.h"
 #include "desktop/windows.h"
@@ -113,6 +115,43 @@ TEST_F(FormWindows, TheSettingsStoreMovesRealWindows) {
   form.Show();
   Settle();
   EXPECT_TRUE(WindowOf(form).isMaximized());
+  Finalize();
+}
+
+TEST_F(FormWindows, AWindowKeepsItsSizeFromStartToStart) {
+  const TemporaryHome home;
+  Initialize();
+  {
+    Ledger form;
+    form.Show();
+    form.SetBounds({70, 60, 444, 333});
+    Settle();
+    MyKovraRegistry->SaveFormPosition(form);
+  }
+  using Restore = std::function<void()>;
+  const std::pair<const char*, std::function<void(TForm&, Restore)>> orders[] = {
+      {"OnCreate", [](TForm& form, Restore restore) { form.OnCreate = std::move(restore); }},
+      {"OnShow", [](TForm& form, Restore restore) { form.OnShow = std::move(restore); }},
+      {"before", [](TForm&, const Restore& restore) { restore(); }},
+      {"after",
+       [](TForm& form, const Restore& restore) {
+         form.Show();
+         restore();
+       }},
+  };
+  for (const auto& [order, restoreIn] : orders) {
+    for (int start = 0; start < 2; ++start) {
+      SCOPED_TRACE(order);
+      Ledger form;
+      restoreIn(form, [&form] { MyKovraRegistry->SetFormPosition(form); });
+      form.Show();
+      Settle();
+      EXPECT_GT(form.Width(), form.ClientWidth()) << "there is a frame";
+      EXPECT_EQ(form.Bounds(), (TBounds{70, 60, 444, 333}));
+      EXPECT_EQ(WindowOf(form).frameGeometry(), QRect(70, 60, 444, 333));
+      MyKovraRegistry->SaveFormPosition(form);
+    }
+  }
   Finalize();
 }
 

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -135,6 +136,42 @@ TEST(Forms, ShowModalCreatesCentresShowsAndRuns) {
   form.OnShow = [&form] { form.ModalResult = mrAbort; };
   backEnd.steps = {[](TForm&) { FAIL() << "there is nothing left to answer"; }};
   EXPECT_EQ(form.ShowModal(), mrAbort);
+}
+
+TEST(Forms, BoundsAreWithTheFrameAndAnAskedInnerSizeIsWithoutIt) {
+  constexpr TSize kFrame{8, 34};
+  struct Case {
+    const char* what;
+    std::function<void(TForm&)> before, after;  // the frame is known
+    TSize outer;
+  };
+  const auto nothing = [](TForm&) {};
+  const auto bounds = [](TForm& form) { form.SetBounds({10, 20, 308, 234}); };
+  const auto inner = [](TForm& form) {
+    form.SetClientWidth(300);
+    form.SetClientHeight(200);
+  };
+  const Case cases[] = {
+      {"bounds before", bounds, nothing, {308, 234}},
+      {"bounds after", nothing, bounds, {308, 234}},
+      {"bounds both times", bounds, bounds, {308, 234}},
+      {"an inner size before", inner, nothing, {308, 234}},
+      {"an inner size after", nothing, inner, {308, 234}},
+      {"bounds over an inner size",
+       [&](TForm& form) { inner(form), bounds(form); },
+       nothing,
+       {308, 234}},
+      {"moved meanwhile", [&](TForm& form) { inner(form), form.SetLeft(7); }, nothing, {308, 234}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    TForm form(nullptr);
+    c.before(form);
+    form.SetFrame(kFrame);
+    c.after(form);
+    EXPECT_EQ((TSize{form.Width(), form.Height()}), c.outer);
+    EXPECT_EQ((TSize{form.ClientWidth(), form.ClientHeight()}), (TSize{300, 200}));
+  }
 }
 
 TEST(Forms, TheMiddleOfTheScreenIsNeverOutsideIt) {

@@ -13,7 +13,8 @@ class SampleForm : public TForm {
 
   SampleForm() : TForm(nullptr, "SampleForm") {
     SetCaption("ใบสำคัญ"_th);
-    SetBounds({0, 0, 400, 300});
+    SetClientWidth(400);
+    SetClientHeight(300);
     Place(kind, "Type:", 10, 5);
     Place(type, "Modified", 60, 5);
     Place(reason, "Error:", 10, 25);
