@@ -97,11 +97,7 @@ std::optional<RegistryValue> ValueOf(Hive hive, std::string_view key, std::strin
 
 void RequireSound(RegistryUse use) {
   const std::string path = store::StoreFile();
-  if (const store::Lease lease = store::Lease::ForReading()) {
-    if (const std::string damage = lease->Damage(); !damage.empty()) {
-      throw StoreError("it is damaged: " + damage);
-    }
-  }
+  if (const store::Lease lease = store::Lease::ForReading()) lease->RequireSound();
   if (use == RegistryUse::Writing) posix::RequireWritable(path);
 }
 

@@ -162,13 +162,23 @@ Change::Change() : lease_(Lease::ForWriting()), outermost_(transaction == nullpt
   if (!outermost_) RequireTransaction();
   Run(outermost_ ? "BEGIN IMMEDIATE" : "SAVEPOINT part");
   open_ = true;
+  try {
+    lease_->RequireSoundOnce();
+  } catch (const StoreError&) {
+    Undo();
+    throw;
+  }
   if (outermost_) transaction = &*lease_;
 }
 
 Change::~Change() {
   const bool parents = lease_->Process() != ThisProcess();
   if (outermost_) transaction = nullptr;
-  if (!open_ || parents || !lease_->Connection().InTransaction()) return;
+  if (open_ && !parents) Undo();
+}
+
+void Change::Undo() {
+  if (!lease_->Connection().InTransaction()) return;
   try {
     Run(outermost_ ? "ROLLBACK" : "ROLLBACK TO part; RELEASE part");
   } catch (const StoreError&) {

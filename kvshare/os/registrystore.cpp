@@ -65,10 +65,25 @@ void RequireOurs(const sqlite::Database& database) {
   if (version != kVersion) throw StoreError("it is damaged: it has no store version");
 }
 
-sqlite::Database OpenStore(const std::string& path, bool immutable) {
-  sqlite::Database database(path, immutable ? sqlite::Mode::Immutable : sqlite::Mode::ReadWrite);
+sqlite::Database OpenAs(sqlite::Mode mode, const std::string& path) {
+  sqlite::Database database(path, mode);
   RequireOurs(database);
   return database;
+}
+
+// Without the shared memory beside the file. The log that a program left behind is read with it.
+std::optional<sqlite::Database> OpenAlone(const std::string& path) {
+  using sqlite::Mode;
+  for (const Mode mode :
+       {posix::MayWrite(path) ? Mode::Exclusive : Mode::Unlocked, Mode::Immutable}) {
+    if (mode == Mode::Immutable && posix::HasLog(path)) break;
+    try {
+      return OpenAs(mode, path);
+    } catch (const AccessError&) {
+      continue;  // the first failure is the one that a user can mend
+    }
+  }
+  return std::nullopt;
 }
 
 }  // namespace
@@ -144,9 +159,20 @@ Session::Session(std::string path, const posix::FileIdentity& identity)
     : path_(std::move(path)),
       identity_(identity),
       process_(ThisProcess()),
-      immutable_(posix::IsInClosedFolder(path_)),
-      database_(OpenStore(path_, immutable_)),
-      statements_(new Statements(database_)) {}
+      store_(Open(path_)),
+      statements_(new Statements(store_.database)) {}
+
+// What a connection keeps beside the file cannot be made on a full disk, nor in a folder that may
+// not be written: what is stored must be read all the same.
+Session::Opened Session::Open(const std::string& path) {
+  if (posix::IsInClosedFolder(path)) return {OpenAs(sqlite::Mode::Immutable, path), false};
+  try {
+    return {OpenAs(sqlite::Mode::ReadWrite, path), true};
+  } catch (const AccessError&) {
+    if (auto alone = OpenAlone(path)) return {std::move(*alone), false};
+    throw;
+  }
+}
 
 // The tables come first: with the journal of later writes they would lie beside the file until its
 // closing, which cannot tell that it failed.
@@ -242,10 +268,17 @@ bool Session::DeleteKey(std::string_view folded) {
   return run.Bind(folded).Bind(first).Bind(end).Next();
 }
 
-std::string Session::Damage() {
-  std::string report = database_.Text("PRAGMA quick_check(1)");
-  if (report == "ok") report.clear();
-  return report;
+void Session::RequireSound() const {
+  const std::int64_t pageSize = Connection().Number("PRAGMA page_size");
+  if (posix::SizeOf(path_) % pageSize != 0) throw StoreError("it is damaged: it was cut short");
+  const std::string report = Connection().Text("PRAGMA integrity_check(1)");
+  if (report != "ok") throw StoreError("it is damaged: " + report);
+}
+
+void Session::RequireSoundOnce() {
+  if (sound_) return;
+  RequireSound();
+  sound_ = true;
 }
 
 }  // namespace kvshare::os::store

@@ -49,9 +49,10 @@ class Session {
     return path_ == path && identity_ == identity;
   }
   unsigned Process() const { return process_; }  // whose connection it is
-  bool Reusable() const { return !immutable_; }
-  void LeaveUntouched() { database_.LeaveUntouched(); }
-  const sqlite::Database& Connection() const { return database_; }
+  // Whether it keeps nobody out and sees what others write.
+  bool Reusable() const { return store_.shared; }
+  void LeaveUntouched() { store_.database.LeaveUntouched(); }
+  const sqlite::Database& Connection() const { return store_.database; }
 
   bool HasKey(std::string_view folded);
   bool HasSubKeys(std::string_view folded);
@@ -66,23 +67,31 @@ class Session {
   bool DeleteValue(std::string_view folded, std::string_view name);
   bool DeleteKey(std::string_view folded);
 
-  // What quietly went wrong in the file, "" when nothing did. Reads all of it.
-  std::string Damage();
+  // Throws StoreError for a file that was cut short, and for what quietly went wrong in it. Reads
+  // all of it.
+  void RequireSound() const;
+  // The same before the first change of this connection, within its transaction.
+  void RequireSoundOnce();
 
  private:
+  struct Opened {
+    sqlite::Database database;
+    bool shared;
+  };
   struct Statements;
   struct Forget {
     void operator()(Statements* statements) const;
   };
 
+  static Opened Open(const std::string& path);
   std::int64_t FindKey(std::string_view folded);  // 0 when absent
   std::int64_t AddKey(std::int64_t parent, std::string_view folded, std::string_view name);
 
   std::string path_;
   posix::FileIdentity identity_;
   unsigned process_;
-  bool immutable_;
-  sqlite::Database database_;
+  bool sound_ = false;
+  Opened store_;
   std::unique_ptr<Statements, Forget> statements_;
 };
 
@@ -121,6 +130,7 @@ class Change {
 
  private:
   void Run(const char* sql);
+  void Undo();
   void RequireTransaction() const;
 
   Lease lease_;

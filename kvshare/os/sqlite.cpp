@@ -2,8 +2,11 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <ctime>
+#include <iterator>
 #include <system_error>
 
 namespace kvshare::os::sqlite {
@@ -38,11 +41,21 @@ const char* ReasonOf(int code) {
   return sqlite3_errstr(code);
 }
 
+bool IsAccess(int code) {
+  constexpr int kCodes[] = {SQLITE_CANTOPEN, SQLITE_IOERR, SQLITE_FULL, SQLITE_READONLY,
+                            SQLITE_PROTOCOL};
+  return std::ranges::find(kCodes, code & 0xFF) != std::end(kCodes);
+}
+
 [[noreturn]] void Throw(sqlite3* handle, int code) {
-  std::string reason = ReasonOf(code);
   const int system = handle != nullptr ? sqlite3_system_errno(handle) : 0;
   const bool ofSystem = (code & 0xFF) == SQLITE_CANTOPEN || (code & 0xFF) == SQLITE_IOERR;
-  if (ofSystem && system != 0) reason += ": " + std::generic_category().message(system);
+  if (ofSystem && (system == ENOSPC || system == EDQUOT)) code = SQLITE_FULL;
+  std::string reason = ReasonOf(code);
+  if (ofSystem && code != SQLITE_FULL && system != 0) {
+    reason += ": " + std::generic_category().message(system);
+  }
+  if (IsAccess(code)) throw AccessError(reason);
   throw StoreError(reason);
 }
 
@@ -82,10 +95,13 @@ std::string ImmutableUri(const std::string& path) {
 sqlite3* Open(const std::string& path, Mode mode) {
   const bool immutable = mode == Mode::Immutable;
   const std::string name = immutable ? ImmutableUri(path) : path;
-  const int flags = SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE |
-                    (immutable ? SQLITE_OPEN_URI | SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE);
+  const int access = immutable                ? SQLITE_OPEN_URI | SQLITE_OPEN_READONLY
+                     : mode == Mode::Unlocked ? SQLITE_OPEN_READONLY
+                                              : SQLITE_OPEN_READWRITE;
+  const int flags = SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE | access;
+  const char* const locks = mode == Mode::Unlocked ? "unix-none" : nullptr;
   sqlite3* handle = nullptr;
-  const int code = sqlite3_open_v2(name.c_str(), &handle, flags, nullptr);
+  const int code = sqlite3_open_v2(name.c_str(), &handle, flags, locks);
   if (code == SQLITE_OK) return handle;
   try {
     Throw(handle, code);
@@ -99,6 +115,10 @@ sqlite3* Open(const std::string& path, Mode mode) {
 
 Database::Database(const std::string& path, Mode mode) : handle_(Open(path, mode)) {
   Check(handle_.get(), sqlite3_busy_handler(handle_.get(), WaitForOthers, nullptr));
+  if (mode == Mode::Exclusive || mode == Mode::Unlocked) {
+    Run("PRAGMA locking_mode=EXCLUSIVE");  // before the first read, which would need the others
+    LeaveUntouched();
+  }
   Run("PRAGMA synchronous=FULL; PRAGMA trusted_schema=OFF; PRAGMA cell_size_check=ON");
 }
 

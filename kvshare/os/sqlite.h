@@ -19,11 +19,23 @@ class StoreError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// The file or one that SQLite keeps beside it cannot be opened, made, written or locked. The file
+// may be readable in another mode.
+class AccessError : public StoreError {
+ public:
+  using StoreError::StoreError;
+};
+
 namespace sqlite {
 
 enum class Mode : std::uint8_t {
   ReadWrite,  // reads where the file may not be written
-  Immutable,  // reads a file that nobody changes, in a folder where no other file can be made
+  // Needs no shared memory beside the file and keeps other connections out meanwhile: for a full
+  // disk.
+  Exclusive,
+  // Reads the file and its log of pending writes without a lock: where nobody can write them.
+  Unlocked,
+  Immutable,  // reads a file that nobody changes and that has no log
 };
 
 // A connection, used by one thread at a time. Everything throws StoreError.

@@ -1,5 +1,7 @@
 #include "tests/os/diskcalls.h"
 
+#include <sys/statfs.h>
+#include <sys/statvfs.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -36,6 +38,17 @@ extern "C" {
   auto& calls = kvshare::DiskCalls::Instance();
   ++calls.flushes;
   return calls.Fails() ? -1 : static_cast<int>(::syscall(SYS_fsync, file));
+}
+
+// A full disk says that nothing is left.
+[[gnu::visibility("default")]] int statvfs(const char* path, struct statvfs* space) {
+  auto& calls = kvshare::DiskCalls::Instance();
+  struct statfs facts = {};
+  if (::statfs(path, &facts) != 0) return -1;
+  *space = {};
+  space->f_frsize = static_cast<unsigned long>(facts.f_frsize);
+  space->f_bavail = calls.left == 0 && calls.error == ENOSPC ? 0 : facts.f_bavail;
+  return 0;
 }
 
 [[gnu::visibility("default")]] ssize_t pwrite64(int file, const void* bytes, size_t size,

@@ -431,6 +431,86 @@ TEST_F(Registry, AWriteIsOneFlush) {
   EXPECT_EQ(calls.flushes - before, kWrites + 1) << "and a read none";
 }
 
+// A till that starts on a full disk or in a closed folder has its settings, also those that wait in
+// the log of a program that was killed.
+TEST_F(Registry, IsReadWhereNothingCanBeMadeBesideIt) {
+  fs::permissions(folder_.Path(), fs::perms{0755});
+  enum class Left { Nothing, Log, LogAndMemory };
+  for (const Left left : {Left::Nothing, Left::Log, Left::LogAndMemory}) {
+    SCOPED_TRACE(static_cast<int>(left));
+    UseHome("home" + std::to_string(static_cast<int>(left)));
+    Store("x", "first");
+    if (left != Left::Nothing) {
+      ASSERT_TRUE(ChildProcess([] {
+                    TRegistry().WriteString("x", "kept");
+                    return true;  // and ends without closing
+                  }).Held());
+      ASSERT_TRUE(fs::exists(File() + "-wal"));
+    }
+    if (left == Left::Log) fs::remove(File() + "-shm");
+    const std::string stored = left == Left::Nothing ? "first" : "kept";
+    const std::string bytes = ReadFileBytes(File());
+    const auto reads = [&](std::string_view reason) {
+      EXPECT_EQ(TRegistry().ReadString("x"), stored);
+      EXPECT_EQ(TRegistry().ReadString("x"), stored) << "and again";
+      EXPECT_EQ(RegistryTrouble(RegistryUse::Reading), "");
+      EXPECT_THROW(TRegistry().WriteString("x", "new"), ERegistryException);
+      EXPECT_THAT(RegistryTrouble(), HasSubstr(reason));
+      EXPECT_EQ(TRegistry().ReadString("x"), stored) << "after the attempt";
+      return !HasFailure();
+    };
+    EXPECT_TRUE(ChildProcess([&] {
+                  auto& calls = DiskCalls::Instance();
+                  calls.error = ENOSPC;
+                  calls.left = 0;
+                  return reads("the disk is full");
+                }).Held());
+    const mode_t log = left == Left::Nothing ? 0 : 0444;
+    fs::permissions(File(), fs::perms{0444});
+    if (log != 0) fs::permissions(File() + "-wal", fs::perms{0444});
+    fs::permissions(Home(), fs::perms{0555});
+    EXPECT_TRUE(HoldsForOrdinaryUser([&] { return reads("it may only be read"); }));
+    fs::permissions(Home(), fs::perms{0755});
+    fs::permissions(File(), fs::perms{0644});
+    if (log != 0) fs::permissions(File() + "-wal", fs::perms{0644});
+    EXPECT_TRUE(ReadFileBytes(File()) == bytes);
+    Store("y", "later");
+    EXPECT_EQ(TRegistry().ReadString("x"), stored);
+  }
+}
+
+// What is left of a file that was cut is never written to, nor is one whose index misses a value.
+TEST_F(Registry, ADamagedFileIsNeverWrittenTo) {
+  TRegistry registry;
+  constexpr int kValues = 60;
+  InOneRegistryTransaction([&] {
+    for (int i = 0; i < kValues; ++i) {
+      registry.WriteString("name " + std::to_string(i), std::string(300, 'x'));
+    }
+  });
+  Store("x", std::string(5000, 'y'));
+  const std::string whole = ReadFileBytes(File());
+  const auto isRefused = [&](const std::string& bytes) {
+    WriteFileBytes(File(), bytes);
+    EXPECT_TRUE(ChildProcess([&] {
+                  EXPECT_THROW(TRegistry().WriteString("x", "new"), ERegistryException);
+                  EXPECT_THAT(RegistryTrouble(RegistryUse::Reading), HasSubstr("damaged"));
+                  return !HasFailure();
+                }).Held());
+    EXPECT_TRUE(ReadFileBytes(File()) == bytes);
+  };
+  for (std::size_t size = 1000; size < whole.size(); size += 1777) {
+    SCOPED_TRACE(size);
+    isRefused(whole.substr(0, size));
+  }
+  // One name in the index, beside the one in the table.
+  std::string flipped = whole;
+  const std::size_t inIndex = flipped.find("NAME 59", flipped.find("NAME 59") + 1);
+  ASSERT_NE(inIndex, std::string::npos);
+  flipped[inIndex + 6] = '!';
+  isRefused(flipped);
+}
+
 // The disk is full, or broken, from the first, second, third ... call on.
 TEST_F(Registry, AFullDiskLosesNothing) {
   auto& calls = DiskCalls::Instance();

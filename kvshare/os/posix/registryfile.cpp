@@ -20,6 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 
 [[noreturn]] void Throw(const std::string& what, int error) {
+  if (error == ENOSPC || error == EDQUOT) throw StoreError("the disk is full");
   throw StoreError(what + ": " + std::generic_category().message(error));
 }
 
@@ -95,6 +96,21 @@ void CreateWhole(const std::string& path, const std::function<void(const std::st
   fill(draft.Path());
   GiveName(draft.Path(), path);
   FlushFolder(folder);
+}
+
+std::int64_t SizeOf(const std::string& path) {
+  struct stat facts = {};
+  if (::stat(path.c_str(), &facts) != 0) Throw("it cannot be reached", errno);
+  return facts.st_size;
+}
+
+bool MayWrite(const std::string& path) {
+  return ::access(path.c_str(), W_OK) == 0;
+}
+
+bool HasLog(const std::string& path) {
+  struct stat facts = {};
+  return ::stat((path + kCompanions[0]).c_str(), &facts) == 0 && facts.st_size > 0;
 }
 
 bool IsInClosedFolder(const std::string& path) {

@@ -3,6 +3,7 @@
 
 #include <sys/types.h>
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -22,6 +23,15 @@ std::optional<FileIdentity> IdentityOf(const std::string& path);
 // Makes the file with its folders: `fill` makes it whole under another name before it gets its own,
 // and a file that is there by then is left alone. Throws StoreError.
 void CreateWhole(const std::string& path, const std::function<void(const std::string&)>& fill);
+
+// In bytes. Throws StoreError.
+std::int64_t SizeOf(const std::string& path);
+
+// Whether this user may write the file itself.
+bool MayWrite(const std::string& path);
+
+// Whether writes wait beside the file to be carried into it.
+bool HasLog(const std::string& path);
 
 // Whether no file can be made beside this one, and none is that SQLite keeps there.
 bool IsInClosedFolder(const std::string& path);
