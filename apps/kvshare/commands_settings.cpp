@@ -68,6 +68,11 @@ struct SettingsOptions {
   bool regedit4 = false;
 };
 
+// HKCR, HKEY_USERS and their like: a key of that name is reached behind its hive.
+bool LooksLikeHive(std::string_view name) {
+  return SameText(name.substr(0, 5), "HKEY_") || (name.size() == 4 && name.starts_with("HK"));
+}
+
 RegistryKey UsageKey(std::string_view utf8) {
   std::string key = UsageText("KEY", utf8);
   RegistryKey result;
@@ -75,7 +80,7 @@ RegistryKey UsageKey(std::string_view utf8) {
   const std::size_t end = std::min(shown.find('\\'), shown.size());
   if (os::FindHive(shown.substr(0, end), result.hive)) {
     result.path = shown.substr(end);
-  } else if (SameText(shown.substr(0, 5), "HKEY_")) {
+  } else if (LooksLikeHive(shown.substr(0, end))) {
     RefuseUsage("KEY", "begins with HKCU or HKLM: other hives are not kept");
   } else {
     result.path = shown;

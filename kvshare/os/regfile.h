@@ -3,9 +3,10 @@
 //   Version5   "Windows Registry Editor Version 5.00", UTF-16LE with a byte-order mark
 //   RegEdit4   "REGEDIT4", code page 874
 //
-// Lines end in CR LF; LF alone is read too, and so is UTF-8 behind its byte-order mark. Bytes that
-// stand for no letter are the letters that Windows makes of them (U+0081, U+F8C1, ...), so that any
-// text survives.
+// Lines end in CR LF; LF alone is read too, and so is UTF-8 behind its byte-order mark or with Thai
+// letters. A key may be followed by a comment; values under a deleted key are ignored; `\r` and
+// `\n` in a text are line breaks. Bytes that stand for no letter are the letters that Windows makes
+// of them (U+0081, U+F8C1, ...), so that any text survives.
 #pragma once
 
 #include <cstdint>
@@ -43,7 +44,8 @@ struct RegSection {
 KVSHARE_API std::vector<RegSection> ParseRegFile(std::string_view bytes);
 
 // Reads back as the same sections. Texts with control characters become hex(1), as editors need
-// them. Throws EConvertError for a key with a line break in its name: the format cannot hold it.
+// them. Throws EConvertError that names the key for a line break in a key's name: the format cannot
+// hold it.
 KVSHARE_API std::string WriteRegFile(const std::vector<RegSection>& sections, RegFormat format);
 
 // Does all that the file says, or nothing. Throws EConvertError as ParseRegFile, ERegistryException

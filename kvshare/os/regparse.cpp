@@ -124,18 +124,23 @@ class Parser {
   }
 
   void TakeKey() {
-    std::u16string_view line = WithoutFinalBlanks(at_.TakeLine());
-    if (line.size() < 2 || line.back() != u']') Fail("the `]` behind the key is missing");
-    line = line.substr(1, line.size() - 2);
+    std::u16string_view line = at_.TakeLine();
+    const std::size_t end = line.rfind(u']');
+    if (end == line.npos) Fail("the `]` behind the key is missing");
+    const std::u16string_view behind = WithoutFinalBlanks(line.substr(end + 1));
+    if (!behind.empty() && behind[behind.find_first_not_of(u" \t")] != u';') {
+      Fail("there is more behind the key");
+    }
+    line = line.substr(1, end - 1);
     RegSection section;
     section.deleted = line.starts_with(u'-');
     const std::string bytes = Bytes(line.substr(section.deleted ? 1 : 0));
     const std::string_view name = bytes;
-    const std::size_t end = std::min(name.find('\\'), name.size());
-    if (!FindHive(name.substr(0, end), section.hive)) {
+    const std::size_t hiveEnd = std::min(name.find('\\'), name.size());
+    if (!FindHive(name.substr(0, hiveEnd), section.hive)) {
       Fail("only keys of HKEY_CURRENT_USER and HKEY_LOCAL_MACHINE can be kept");
     }
-    auto path = store::CleanPath("", name.substr(end));
+    auto path = store::CleanPath("", name.substr(hiveEnd));
     if (!path) Fail("the key's name is too long");
     section.key = std::move(*path);
     if (section.deleted && section.key.empty()) Fail("a whole hive cannot be deleted");
@@ -144,7 +149,6 @@ class Parser {
 
   void TakeValue() {
     if (sections_.empty()) Fail("the value has no key above it");
-    if (sections_.back().deleted) Fail("the value stands under a key that is deleted");
     RegChange change;
     if (!at_.Take(u'@')) change.value.name = TakeQuoted();
     if (change.value.name.size() > store::kLongestValueName) Fail("the value's name is too long");
@@ -155,7 +159,8 @@ class Parser {
     at_.SkipBlanks();
     if (at_.Here() == u';') at_.TakeLine();
     if (!at_.AtLineEnd()) Fail("there is more behind the value");
-    sections_.back().changes.push_back(std::move(change));
+    // As registry editors do, which ignore what stands under a key that is deleted.
+    if (!sections_.back().deleted) sections_.back().changes.push_back(std::move(change));
   }
 
   void TakeData(RegChange& change) {
@@ -183,11 +188,17 @@ class Parser {
       if (at_.AtEnd()) Fail("the closing quote is missing");
       const char16_t c = at_.Take();
       if (c == u'"') return text;
-      if (c == u'\\' && at_.Here() != u'\\' && at_.Here() != u'"') {
-        Fail(R"(a `\` in a text is written `\\`)");
-      }
-      text += Byte(c == u'\\' ? at_.Take() : c);
+      text += c == u'\\' ? TakeEscaped() : Byte(c);
     }
+  }
+
+  char TakeEscaped() {
+    if (at_.Take(u'r')) return '\r';
+    if (at_.Take(u'n')) return '\n';
+    if (at_.Here() != u'\\' && at_.Here() != u'"') {
+      Fail(R"(a `\` in a text is written `\\`)");
+    }
+    return Byte(at_.Take());
   }
 
   std::string TakeInteger() {
@@ -203,10 +214,12 @@ class Parser {
   // Behind `hex`: `:` or `(n):`.
   ValueKind TakeKind() {
     if (at_.Take(u':')) return ValueKind::Binary;
-    int kind = 0;
+    std::uint32_t kind = 0;
     int digits = 0;
     bool good = at_.Take(u'(');
-    for (; HexDigit(at_.Here()) >= 0; ++digits) kind = (kind << 4 | HexDigit(at_.Take())) & 0xFFF;
+    for (; HexDigit(at_.Here()) >= 0; ++digits) {
+      kind = kind << 4 | static_cast<std::uint32_t>(HexDigit(at_.Take()));
+    }
     good = good && digits > 0 && digits <= 8 && at_.Take(u')') && at_.Take(u':');
     if (!good || kind > 0xFF) Fail("hex(n): needs a kind from 0 to ff");
     return static_cast<ValueKind>(kind);

@@ -1,6 +1,8 @@
 #include "kvshare/os/regtext.h"
 
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/utf8mark.h"
@@ -58,6 +60,19 @@ std::u16string DecodeUtf8(std::string_view bytes) {
   return text;
 }
 
+// Nothing for what is not UTF-8 and for what has no Thai letter. Thai text of code page 874 is
+// never UTF-8 throughout: that would need a vowel before each of its letters.
+std::optional<std::u16string> DecodeThaiUtf8(std::string_view bytes) {
+  constexpr auto isThai = [](char16_t letter) { return letter >= 0x0E01 && letter <= 0x0E5B; };
+  try {
+    std::u16string text = DecodeUtf8(bytes);
+    if (std::ranges::any_of(text, isThai)) return text;
+  } catch (const EConvertError&) {
+    return std::nullopt;
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 std::u16string Decode(std::string_view file) {
@@ -68,6 +83,7 @@ std::u16string Decode(std::string_view file) {
     ThrowAtLine(1, "the file is in UTF-16 with the higher byte first; save it as UTF-16LE");
   }
   if (file.starts_with(kUtf8Mark)) return DecodeUtf8(WithoutUtf8Mark(file));
+  if (auto text = DecodeThaiUtf8(file)) return std::move(*text);
   std::u16string text(file.size(), u'\0');
   std::ranges::transform(file, text.begin(), LetterOf);
   return text;

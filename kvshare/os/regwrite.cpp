@@ -30,6 +30,17 @@ void AppendQuoted(std::string& out, std::string_view text) {
   out += '"';
 }
 
+[[noreturn]] void ThrowLineBreak(const RegSection& section) {
+  std::string name(HiveName(section.hive));
+  name += '\\';
+  for (const char c : section.key) {
+    const bool breaks = c == '\r' || c == '\n';
+    breaks ? name += (c == '\r' ? "\\r" : "\\n") : name += c;
+  }
+  throw EConvertError("The key " + name +
+                      " has a line break in its name, which a settings file cannot hold");
+}
+
 // In code page 874; the whole becomes UTF-16 at the end.
 class Writer {
  public:
@@ -39,10 +50,7 @@ class Writer {
   }
 
   void Add(const RegSection& section) {
-    if (section.key.find_first_of("\r\n") != std::string::npos) {
-      throw EConvertError("A key below " + std::string(HiveName(section.hive)) +
-                          " has a line break in its name, which a settings file cannot hold");
-    }
+    if (section.key.find_first_of("\r\n") != std::string::npos) ThrowLineBreak(section);
     out_ += section.deleted ? "[-" : "[";
     out_ += HiveName(section.hive);
     if (!section.key.empty()) out_.append("\\").append(section.key);

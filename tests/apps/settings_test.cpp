@@ -103,6 +103,7 @@ TEST_F(Settings, WrongUsage) {
   const std::vector<std::string> cases[] = {
       {},
       {"list", "HKEY_USERS\\x"},
+      {"set", "HKXX\\x", "Name", "Value"},
       {"list", "HKCU\\😀"},
       {"get", "HKCU"},
       {"set", "K", "n"},

@@ -75,6 +75,9 @@ TEST(RegFile, Values) {
       {RegEdit4("\"a\"=-"), {{"a", kText, ""}, true}, "a deletion"},
       {Version5("\"" + std::string(kThai) + "\"=\"\x80\xFF\x9F\""),
        set(kThai, kText, "\x80\xFF\x9F"), "bytes without a letter"},
+      {RegEdit4(R"("a"="x\r\ny")"), set("a", kText, "x\r\ny"), "line breaks as escapes"},
+      {RegEdit4("\"\xBA\xD2\xB7\"=\"\xE0\xB8\""), set(kThai, kText, "\xE0\xB8"), "no UTF-8"},
+      {"REGEDIT4\n[HKCU\\K]\n\"บาท\"=\"€\"", set(kThai, kText, "\x80"), "UTF-8 without a mark"},
       {"\xEF\xBB\xBFREGEDIT4\n; ä😀\n[HKCU\\K]\n\"บาท\"=\"€\"", set(kThai, kText, "\x80"), "UTF-8"},
   };
   for (const Case& c : cases) {
@@ -86,7 +89,8 @@ TEST(RegFile, Values) {
 
 TEST(RegFile, Keys) {
   const auto sections = ParseRegFile(
-      "\r\n REGEDIT4\t\n;[HKCU\\no]\n[hkey_local_machine\\A]b\\\\C\\] \n[-HKLM\\A;]\n[HKCU]\n");
+      "\r\n REGEDIT4\t\n;[HKCU\\no]\n[hkey_local_machine\\A]b\\\\C\\] \n[-HKLM\\A;] ; why\n"
+      "\"a\"=\"ignored\"\n[HKCU]\t;[\n");
   EXPECT_THAT(sections, ElementsAre(RegSection{Hive::LocalMachine, "A]b\\C", false, {}},
                                     RegSection{Hive::LocalMachine, "A;", true, {}},
                                     RegSection{Hive::CurrentUser, "", false, {}}));
@@ -113,7 +117,7 @@ TEST(RegFile, RefusalsNameTheLine) {
       {"REGEDIT4\r\n\r\n[HKCU\\K\r\n[HKCU\\L]", "line 3: the `]` behind the key is missing"},
       {"REGEDIT4\r\r[-HKCU\\]", "line 3: a whole hive cannot be deleted"},
       {"REGEDIT4\n[HKCU\\" + std::string(256, 'k') + "]", "line 2: the key's name is too long"},
-      {"REGEDIT4\n[-HKCU\\K]\n@=-", "line 3: the value stands under a key that is deleted"},
+      {"REGEDIT4\n[HKCU\\K] why", "line 2: there is more behind the key"},
       {RegEdit4("name=1"), "line 4: neither a key nor a value nor a comment"},
       {RegEdit4("\"a\"=\"b\n\n"), "line 4: the closing quote is missing"},
       {RegEdit4("\"a\"=\"C:\\Apps\""), "line 4: a `\\` in a text is written `\\\\`"},
@@ -122,6 +126,7 @@ TEST(RegFile, RefusalsNameTheLine) {
       {RegEdit4("\"a\"=dword:"), "line 4: a dword has one to eight digits 0-9, a-f"},
       {RegEdit4("\"a\"=dword:123456789"), "line 4: a dword has one to eight digits 0-9, a-f"},
       {RegEdit4("\"a\"=hex(100):"), "line 4: hex(n): needs a kind from 0 to ff"},
+      {RegEdit4("\"a\"=hex(ffff0001):41"), "line 4: hex(n): needs a kind from 0 to ff"},
       {RegEdit4("\"a\"=hex:1,"), "line 4: a byte of two digits 0-9, a-f is missing"},
       {RegEdit4("\"a\"=hex:123"), "line 4: there is more behind the value"},
       {RegEdit4("\"a\"=hex:1,\\"), "line 4: no line goes on behind the `\\`"},
@@ -160,7 +165,7 @@ TEST(RegFile, LooksAsEditorsWriteIt) {
   EXPECT_EQ(MessageOf<EConvertError>([] {
               WriteRegFile({{Hive::CurrentUser, "a\nb", false, {}}}, RegFormat::RegEdit4);
             }),
-            "A key below HKEY_CURRENT_USER has a line break in its name, which a settings file "
+            "The key HKEY_CURRENT_USER\\a\\nb has a line break in its name, which a settings file "
             "cannot hold");
 }
 
