@@ -11,25 +11,42 @@ namespace kvshare::desktop {
 
 namespace {
 
-http_t* Connect() {
+http_t* Connect(std::chrono::milliseconds patience) {
   // Without this the user would be asked at a terminal that nobody may be watching.
   cupsSetPasswordCB2(
       [](const char*, http_t*, const char*, const char*, void*) -> const char* { return nullptr; },
       nullptr);
   constexpr int kBlocking = 1;
   http_t* http = httpConnect2(cupsServer(), ippPort(), nullptr, AF_UNSPEC, cupsEncryption(),
-                              kBlocking, kCupsSeconds * 1000, nullptr);
-  if (http != nullptr) httpSetTimeout(http, kCupsSeconds, nullptr, nullptr);
+                              kBlocking, static_cast<int>(patience.count()), nullptr);
   return http;
 }
 
 }  // namespace
 
-CupsConnection::CupsConnection() : http_(Connect(), httpClose) {}
+// The library begins a request that was not answered again, with a wait of its own: all of them
+// together must end in time.
+CupsConnection::CupsConnection(std::chrono::seconds patience)
+    : patience_(patience), until_(Clock::now() + patience), http_(Connect(patience), httpClose) {
+  if (!http_) return;
+  constexpr double kLook = 0.5;  // seconds between two looks at the clock
+  const auto goOn = [](http_t* /*http*/, void* connection) {
+    return Clock::now() < static_cast<CupsConnection*>(connection)->until_ ? 1 : 0;
+  };
+  httpSetTimeout(Http(), kLook, goOn, this);
+}
 
-std::string CupsReason() {
+bool CupsAnswered() {
+  return cupsLastError() < IPP_STATUS_REDIRECTION_OTHER_SITE;
+}
+
+std::string CupsConnection::Reason() const {
+  if (!IsOpen()) return "the print spooler is down";
+  // A call that broke off leaves the text of an earlier one, such as "Success".
   const char* reason = cupsLastErrorString();
-  if (reason == nullptr) return "the print spooler does not answer";
+  if (reason == nullptr || CupsAnswered() || Clock::now() >= until_) {
+    return "the print spooler does not answer";
+  }
   try {
     return Utf8ToCp874(reason);
   } catch (const EConvertError&) {
@@ -45,6 +62,7 @@ CupsJob::CupsJob(std::string printer, const std::string& title, const char* form
   constexpr int kLastDocument = 1;
   open_ = cupsStartDocument(connection_.Http(), printer_.c_str(), id_, title.c_str(), format,
                             kLastDocument) == HTTP_STATUS_CONTINUE;
+  connection_.Heard();
 }
 
 CupsJob::~CupsJob() {
@@ -54,6 +72,7 @@ CupsJob::~CupsJob() {
 bool CupsJob::Write(std::string_view bytes) {
   open_ = open_ && cupsWriteRequestData(connection_.Http(), bytes.data(), bytes.size()) ==
                        HTTP_STATUS_CONTINUE;
+  if (open_) connection_.Heard();
   return open_;
 }
 
@@ -67,7 +86,8 @@ bool CupsJob::Finish() {
 
 // By a connection of its own: the job's one is in the middle of the document.
 void CupsJob::Cancel() const {
-  const CupsConnection another;
+  constexpr std::chrono::seconds kShort{2};
+  const CupsConnection another(kShort);
   constexpr int kKeepHistory = 0;
   if (another.IsOpen()) cupsCancelJob2(another.Http(), printer_.c_str(), id_, kKeepHistory);
 }

@@ -1,29 +1,43 @@
-// Talks with CUPS that end by themselves: no call waits for longer than kCupsSeconds.
+// Talks with CUPS that end by themselves: a spooler that stays silent is given up after
+// kCupsPatience.
 #pragma once
 
 #include <cups/cups.h>
 
+#include <chrono>
 #include <memory>
 #include <string>
 #include <string_view>
 
 namespace kvshare::desktop {
 
-inline constexpr int kCupsSeconds = 10;
+inline constexpr std::chrono::seconds kCupsPatience{8};
 
 class CupsConnection {
  public:
-  CupsConnection();
+  explicit CupsConnection(std::chrono::seconds patience = kCupsPatience);
+  CupsConnection(const CupsConnection&) = delete;
+  CupsConnection& operator=(const CupsConnection&) = delete;
 
   bool IsOpen() const { return http_ != nullptr; }
   http_t* Http() const { return http_.get(); }
 
+  // The spooler has answered: it may be silent as long again.
+  void Heard() { until_ = Clock::now() + patience_; }
+
+  // Why the last call of this connection failed, in code page 874.
+  std::string Reason() const;
+
  private:
+  using Clock = std::chrono::steady_clock;
+
+  std::chrono::seconds patience_;
+  Clock::time_point until_;
   std::unique_ptr<http_t, void (*)(http_t*)> http_;
 };
 
-// What the last call of this thread was refused with, in code page 874.
-std::string CupsReason();
+// Whether the last call of this thread was done.
+bool CupsAnswered();
 
 // A job of one document. What was not finished is cancelled when this is destroyed.
 class CupsJob {
@@ -37,6 +51,9 @@ class CupsJob {
   bool IsOpen() const { return open_; }
   bool Write(std::string_view bytes);  // once false, always false
   bool Finish();
+
+  // Why the last call failed, in code page 874.
+  std::string Reason() const { return connection_.Reason(); }
 
  private:
   void Cancel() const;

@@ -34,10 +34,6 @@ std::optional<std::string> InCp874(std::string_view name) {
   }
 }
 
-bool Answered() {
-  return cupsLastError() < IPP_STATUS_REDIRECTION_OTHER_SITE;
-}
-
 // Adds what the attribute tells to the queue that is being read, which another group ends.
 void TakeAttribute(std::vector<Queue>& queues, bool& inQueue, ipp_attribute_t* attribute) {
   const char* const name = ippGetName(attribute);
@@ -52,14 +48,24 @@ void TakeAttribute(std::vector<Queue>& queues, bool& inQueue, ipp_attribute_t* a
   }
 }
 
-// None where the spooler does not answer, which Answered() tells, or has none.
-std::vector<Queue> Queues(const CupsConnection& connection) {
-  if (!connection.IsOpen()) return {};
+// The spooler's answer that it has no such thing.
+bool SaysNone() {
+  return cupsLastError() == IPP_STATUS_ERROR_NOT_FOUND;
+}
+
+// None where the spooler has none, and where it cannot be asked: then `trouble` says why.
+std::vector<Queue> Queues(const CupsConnection& connection, std::string& trouble) {
+  trouble.clear();
+  if (!connection.IsOpen()) {
+    trouble = connection.Reason();
+    return {};
+  }
   constexpr const char* kAsked[] = {kName, kAccepting};
   ipp_t* request = ippNewRequest(IPP_OP_CUPS_GET_PRINTERS);
   ippAddStrings(request, IPP_TAG_OPERATION, IPP_TAG_KEYWORD, "requested-attributes",
                 std::size(kAsked), nullptr, kAsked);
   const Answer answer(cupsDoRequest(connection.Http(), request, "/"), ippDelete);
+  if (!CupsAnswered() && !SaysNone()) trouble = connection.Reason();
   std::vector<Queue> queues;
   bool inQueue = false;
   for (ipp_attribute_t* attribute = ippFirstAttribute(answer.get()); attribute != nullptr;
@@ -70,9 +76,10 @@ std::vector<Queue> Queues(const CupsConnection& connection) {
 }
 
 // The one of that name, as it is spelled before one that differs in letter case.
-std::optional<Queue> FindQueue(const CupsConnection& connection, std::string_view printer) {
+std::optional<Queue> FindQueue(const CupsConnection& connection, std::string_view printer,
+                               std::string& trouble) {
   std::optional<Queue> found;
-  for (Queue& queue : Queues(connection)) {
+  for (Queue& queue : Queues(connection, trouble)) {
     const auto name = InCp874(queue.name);
     if (!name || !SameText(*name, printer)) continue;
     if (!found || *name == printer) found = std::move(queue);
@@ -87,8 +94,10 @@ class RawPrinter : public TPrinterHandle {
   bool StartDoc(std::string_view title) override {
     if (job_) return false;
     job_.emplace(printer_, Cp874ToUtf8Lossy(title), CUPS_FORMAT_RAW);
-    if (!job_->IsOpen()) job_.reset();
-    return job_.has_value();
+    if (job_->IsOpen()) return true;
+    trouble_ = job_->Reason();
+    job_.reset();
+    return false;
   }
 
   bool StartPage() override {
@@ -97,19 +106,27 @@ class RawPrinter : public TPrinterHandle {
     return true;
   }
 
-  bool Write(std::string_view bytes) override { return inPage_ && job_->Write(bytes); }
+  bool Write(std::string_view bytes) override { return inPage_ && Done(job_->Write(bytes)); }
 
   bool EndPage() override { return std::exchange(inPage_, false); }
 
   bool EndDoc() override {
-    const bool sent = job_ && job_->Finish();
+    const bool sent = job_ && Done(job_->Finish());
     job_.reset();
     inPage_ = false;
     return sent;
   }
 
+  std::string Trouble() const override { return trouble_; }
+
  private:
+  bool Done(bool done) {
+    if (!done) trouble_ = job_->Reason();
+    return done;
+  }
+
   std::string printer_;  // UTF-8
+  std::string trouble_;
   std::optional<CupsJob> job_;
   bool inPage_ = false;  // only while there is a job
 };
@@ -119,10 +136,9 @@ class RawPrinter : public TPrinterHandle {
 }
 
 Queue RequireQueue(std::string_view printer) {
-  const CupsConnection connection;
-  if (!connection.IsOpen()) Refuse(printer, "the print spooler is down");
-  auto queue = FindQueue(connection, printer);
-  if (!queue) Refuse(printer, Answered() ? "there is none of that name" : CupsReason());
+  std::string trouble;
+  auto queue = FindQueue(CupsConnection(), printer, trouble);
+  if (!queue) Refuse(printer, trouble.empty() ? "there is none of that name" : trouble);
   return *std::move(queue);
 }
 
@@ -130,7 +146,7 @@ Queue RequireQueue(std::string_view printer) {
 
 std::vector<std::string> CupsSpooler::Printers() {
   std::vector<std::string> printers;
-  for (const Queue& queue : Queues(CupsConnection())) {
+  for (const Queue& queue : Queues(CupsConnection(), trouble_)) {
     if (auto name = InCp874(queue.name)) printers.push_back(*std::move(name));
   }
   std::ranges::sort(printers);
@@ -138,28 +154,36 @@ std::vector<std::string> CupsSpooler::Printers() {
 }
 
 std::string CupsSpooler::DefaultPrinter() {
+  trouble_.clear();
   if (const std::string_view chosen = Environment("KVSHARE_PRINTER"); !chosen.empty()) {
     return InCp874(chosen).value_or("");
   }
   const CupsConnection connection;
-  if (!connection.IsOpen()) return {};
+  if (!connection.IsOpen()) {
+    trouble_ = connection.Reason();
+    return {};
+  }
   if (const char* name = cupsGetDefault2(connection.Http()); name != nullptr) {
     return InCp874(name).value_or("");
   }
-  if (!Answered() && cupsLastError() != IPP_STATUS_ERROR_NOT_FOUND) return {};
-  const std::vector<Queue> queues = Queues(connection);
+  if (!CupsAnswered() && !SaysNone()) {
+    trouble_ = connection.Reason();
+    return {};
+  }
+  const std::vector<Queue> queues = Queues(connection, trouble_);
   return queues.size() == 1 ? InCp874(queues.front().name).value_or("") : "";
 }
 
 std::unique_ptr<TPrinterHandle> CupsSpooler::Open(std::string_view printer) {
-  const auto queue = FindQueue(CupsConnection(), printer);
+  const auto queue = FindQueue(CupsConnection(), printer, trouble_);
   if (!queue) return nullptr;
   return std::make_unique<RawPrinter>(queue->name);
 }
 
 Paper CupsSpooler::PaperOf(std::string_view printer) {
   const CupsConnection connection;
-  const auto queue = FindQueue(connection, printer);
+  const auto queue = FindQueue(connection, printer, paperTrouble_);
+  paperAsked_ = std::chrono::steady_clock::now();
   if (!queue) return {};
   const auto freeOne = [](cups_dest_t* destination) { cupsFreeDests(1, destination); };
   const std::unique_ptr<cups_dest_t, decltype(freeOne)> destination(
@@ -179,14 +203,21 @@ Paper CupsSpooler::PaperOf(std::string_view printer) {
   return printable ? paper : Paper{};
 }
 
+std::string CupsSpooler::FreshPaperTrouble() const {
+  constexpr std::chrono::seconds kFresh{2};
+  const bool fresh = std::chrono::steady_clock::now() - paperAsked_ < kFresh;
+  return fresh ? paperTrouble_ : std::string();
+}
+
 void CupsSpooler::RequirePrinter(std::string_view printer) {
+  if (const std::string trouble = FreshPaperTrouble(); !trouble.empty()) Refuse(printer, trouble);
   if (!RequireQueue(printer).accepting) Refuse(printer, "it does not accept jobs");
 }
 
 void CupsSpooler::PrintPdf(std::string_view printer, std::string_view title,
                            std::string_view bytes) {
   CupsJob job(RequireQueue(printer).name, Cp874ToUtf8Lossy(title), CUPS_FORMAT_PDF);
-  if (!job.Write(bytes) || !job.Finish()) Refuse(printer, CupsReason());
+  if (!job.Write(bytes) || !job.Finish()) Refuse(printer, job.Reason());
 }
 
 }  // namespace kvshare::desktop

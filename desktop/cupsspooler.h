@@ -1,6 +1,7 @@
 // The system's print spooler, CUPS.
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -21,7 +22,7 @@ struct Paper {
 };
 
 // The queues of the spooler that CUPS_SERVER names, else of this machine's. Nothing here waits for
-// more than some seconds at a time, and nobody is asked for a password.
+// more than ten seconds, and nobody is asked for a password.
 class CupsSpooler : public TSpooler {
  public:
   std::vector<std::string> Printers() override;  // none while the spooler is down
@@ -30,6 +31,7 @@ class CupsSpooler : public TSpooler {
   std::string DefaultPrinter() override;
   // Ignores the case of a..z. The document goes to the printer byte for byte.
   std::unique_ptr<TPrinterHandle> Open(std::string_view printer) override;
+  std::string Trouble() const override { return trouble_; }
 
   // The sheet that the printer takes unless told; A4 where it does not say.
   Paper PaperOf(std::string_view printer);
@@ -41,6 +43,15 @@ class CupsSpooler : public TSpooler {
   // A whole PDF document as a job, which the spooler makes ready for the printer. Throws EPrinter
   // with the reason; then there is no job.
   void PrintPdf(std::string_view printer, std::string_view title, std::string_view bytes);
+
+ private:
+  // What kept the paper from being known a moment ago, "" without: a spooler that was silent is not
+  // waited for again.
+  std::string FreshPaperTrouble() const;
+
+  std::string trouble_;
+  std::string paperTrouble_;
+  std::chrono::steady_clock::time_point paperAsked_;
 };
 
 }  // namespace kvshare::desktop

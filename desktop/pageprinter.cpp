@@ -102,6 +102,7 @@ void PdfPrinter::Deliver(std::string_view pdf) {
 
 std::string SpoolerPrinter::RequireDefault() {
   std::string printer = spooler_.DefaultPrinter();
+  if (const std::string trouble = spooler_.Trouble(); !trouble.empty()) throw EPrinter(trouble);
   if (printer.empty()) throw EPrinter("There is no default printer currently selected");
   return printer;
 }

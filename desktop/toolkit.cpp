@@ -8,8 +8,12 @@
 #include <QLoggingCategory>
 #include <QPluginLoader>
 #include <algorithm>
+#include <chrono>
+#include <future>
 #include <memory>
 #include <string>
+#include <thread>
+#include <utility>
 
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/environment.h"
@@ -23,39 +27,51 @@ namespace {
   throw EOSError(std::string("There is no display: ").append(why));
 }
 
-void RequireDisplay() {
-  xcb_connection_t* const display = xcb_connect(nullptr, nullptr);
-  const bool answers = xcb_connection_has_error(display) == 0;
-  xcb_disconnect(display);
-  if (answers) return;
+using Display = std::unique_ptr<xcb_connection_t, void (*)(xcb_connection_t*)>;
+
+// Connects in a thread of its own, which stays behind when the display accepts and never answers:
+// the connection cannot be broken off.
+Display ConnectInTime() {
+  constexpr std::chrono::seconds kPatience{5};
+  std::packaged_task<Display()> connect(
+      [] { return Display(xcb_connect(nullptr, nullptr), xcb_disconnect); });
+  std::future<Display> display = connect.get_future();
+  std::thread(std::move(connect)).detach();
+  if (display.wait_for(kPatience) == std::future_status::ready) return display.get();
+  ThrowNoDisplay("the one that DISPLAY names accepts and does not answer");
+}
+
+// The connection is for the caller to keep until the toolkit has its own: a display may start anew
+// when the last of its programs leaves.
+Display RequireDisplay() {
+  Display display = ConnectInTime();
+  if (xcb_connection_has_error(display.get()) == 0) return display;
   const bool named = !Environment("DISPLAY").empty();
   ThrowNoDisplay(named ? "the one that DISPLAY names does not answer" : "DISPLAY is not set");
 }
 
-void RequirePlugin(const char* platform) {
+void RequirePlugin(const std::string& platform) {
   const QString folder = QLibraryInfo::path(QLibraryInfo::PluginsPath) + "/platforms/";
-  if (!QPluginLoader(folder + "libq" + platform + ".so").load()) {
-    ThrowNoDisplay(std::string("the toolkit's library for ") + platform + " cannot be loaded");
+  if (!QPluginLoader(folder + "libq" + platform.c_str() + ".so").load()) {
+    ThrowNoDisplay("the toolkit's library for " + platform + " cannot be loaded");
   }
 }
 
-// The toolkit's name for the kind of display. It would end the process where one does not answer or
-// a part of its own is missing, so that both are found out before.
-const char* UsablePlatform(TDesktopUse use) {
-  const bool chosen = Environment("QT_QPA_PLATFORM") == "offscreen";
-  const bool onDisplay = use == TDesktopUse::Windows && !chosen;
-  const char* platform = onDisplay ? "xcb" : "offscreen";
-  if (onDisplay) RequireDisplay();
-  RequirePlugin(platform);
-  return platform;
+bool IsOnDisplay(TDesktopUse use) {
+  return use == TDesktopUse::Windows && Environment("QT_QPA_PLATFORM") != "offscreen";
 }
 
+// The toolkit would end the process where the display does not answer or a part of its own is
+// missing, so that both are found out before.
 std::unique_ptr<QGuiApplication> MakeApplication(TDesktopUse use) {
+  const bool onDisplay = IsOnDisplay(use);
+  const Display display = onDisplay ? RequireDisplay() : Display(nullptr, xcb_disconnect);
   // By arguments: what a variable says would be inherited by the programs that this one starts.
   static char name[] = "kvshare";
   static char option[] = "-platform";
   static std::string platform;
-  platform = UsablePlatform(use);
+  platform = onDisplay ? "xcb" : "offscreen";
+  RequirePlugin(platform);
   static char* arguments[] = {name, option, platform.data(), nullptr};
   static int count = 3;
   QCoreApplication::setAttribute(Qt::AA_DisableSessionManager);

@@ -50,11 +50,17 @@ class Spooler {
   std::unique_ptr<TSpooler> folders_;
 };
 
+void RequireAnswer(const TSpooler& spooler) {
+  if (const std::string trouble = spooler.Trouble(); !trouble.empty()) throw EPrinter(trouble);
+}
+
 RowPrinter PrintList(const Options& options) {
   return [&options](const auto& print, Row& row) {
     const Spooler spooler(options);
+    const std::vector<std::string> printers = spooler->Printers();
+    RequireAnswer(*spooler);
     const std::string usual = spooler->DefaultPrinter();
-    for (const std::string& printer : spooler->Printers()) {
+    for (const std::string& printer : printers) {
       row.Clear();
       row.Cell("printer") = printer;
       if (row.Json()) {
@@ -70,6 +76,7 @@ RowPrinter PrintList(const Options& options) {
 std::string ChosenPrinter(const Options& options, TSpooler& spooler) {
   if (!options.printer.empty()) return UsageText("--printer", options.printer);
   std::string usual = spooler.DefaultPrinter();
+  RequireAnswer(spooler);
   if (usual.empty()) throw EPrinter("There is no default printer currently selected");
   return usual;
 }
@@ -89,9 +96,13 @@ std::string PrintOne(TSpooler& spooler, const std::string& printer, const std::s
     const std::string name = UsageText("FILE", file);
     const std::string bytes = ReadFileBytes(name);
     const auto handle = spooler.Open(printer);
-    if (!handle) return "there is no printer " + printer;
+    if (!handle) {
+      const std::string trouble = spooler.Trouble();
+      return trouble.empty() ? "there is no printer " + printer : trouble;
+    }
     if (SendBytes(*handle, ExtractFileName(name), bytes)) return {};
-    return "the printer " + printer + " refuses it";
+    const std::string trouble = handle->Trouble();
+    return "the printer " + printer + " refuses it" + (trouble.empty() ? "" : ": " + trouble);
   } catch (const EInOutError& e) {
     return e.Message();
   }

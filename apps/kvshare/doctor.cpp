@@ -230,9 +230,14 @@ std::string PrinterTrouble(const std::vector<std::string>& printers, const std::
 }
 
 void AddPrinters(Findings& findings, TSpooler& spooler) {
-  const std::string usual = spooler.DefaultPrinter();
+  const std::vector<std::string> printers = spooler.Printers();
+  const std::string trouble = spooler.Trouble();
+  // A spooler that is silent is not asked again, and a printer that was chosen needs no question.
+  const bool known = trouble.empty() || !Environment("KVSHARE_PRINTER").empty();
+  const std::string usual = known ? spooler.DefaultPrinter() : "";
   findings.push_back({"printer", usual.empty() ? "none" : Cp874ToUtf8Lossy(usual),
-                      PrinterTrouble(spooler.Printers(), usual)});
+                      trouble.empty() ? PrinterTrouble(printers, usual)
+                                      : Cp874ToUtf8Lossy(trouble) + ": start the spooler (cups)"});
 }
 
 void AddFonts(Findings& findings, TUserInterface& desktop) {

@@ -27,6 +27,9 @@ class KVSHARE_API TPrinterHandle {
   virtual bool Write(std::string_view bytes) = 0;
   virtual bool EndPage() = 0;
   virtual bool EndDoc() = 0;
+
+  // Why the last call was refused, in code page 874; "" where the printer does not tell.
+  virtual std::string Trouble() const { return {}; }
 };
 
 class KVSHARE_API TSpooler {
@@ -39,6 +42,10 @@ class KVSHARE_API TSpooler {
   virtual std::vector<std::string> Printers() = 0;  // code page 874
   virtual std::string DefaultPrinter() = 0;         // "" when there is none
   virtual std::unique_ptr<TPrinterHandle> Open(std::string_view printer) = 0;  // nullptr: refused
+
+  // Why the last call could not be answered, in code page 874: the spooler is down. "" where it
+  // could, also by "there is none".
+  virtual std::string Trouble() const { return {}; }
 };
 
 // A spooler that keeps its jobs in a folder, for servers and for machines without a printer. Every
