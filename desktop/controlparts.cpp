@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "desktop/border.h"
 #include "desktop/gridpart.h"
 #include "desktop/look.h"
 #include "desktop/toolkit.h"
@@ -203,6 +204,9 @@ class MemoWidget : public QPlainTextEdit {
     if (event->key() == Qt::Key_Escape || (enter && isReadOnly())) return event->ignore();
     QPlainTextEdit::keyPressEvent(event);
   }
+
+ private:
+  Border border_{*this};
 };
 
 class MemoPart : public Part<TMemo, MemoWidget> {

@@ -166,9 +166,14 @@ void FormWindow::FollowForm() {
   if (moving_) return;
   moving_ = true;
   frame_->setWindowTitle(Shown(form_.Caption()));
-  const QRect inner =
-      Reachable({form_.Left(), form_.Top(), form_.ClientWidth(), form_.ClientHeight()});
-  if (StateOf(*frame_) == form_.WindowState() && form_.WindowState() == TWindowState::wsNormal) {
+  const bool staysNormal =
+      StateOf(*frame_) == form_.WindowState() && form_.WindowState() == TWindowState::wsNormal;
+  // A form that was maximised before it had a window comes back to its old bounds.
+  if (staysNormal || !frame_->isVisible()) {
+    const TBounds& bounds = form_.NormalBounds();
+    const TSize frame{form_.Width() - form_.ClientWidth(), form_.Height() - form_.ClientHeight()};
+    const QRect inner = Reachable(
+        {bounds.Left, bounds.Top, bounds.Width - frame.Width, bounds.Height - frame.Height});
     const QPoint place = MainScreenOrigin() + inner.topLeft();
     if (frame_->pos() != place) frame_->move(place);
     SetInnerSize(inner.size());
@@ -312,7 +317,7 @@ void FormWindow::Do(const std::function<void()>& action) {
 void FormWindow::Show() {
   Refresh();
   KeepOnScreens();
-  if (frameSize_ == TSize{}) unframed_ = form_.Bounds();
+  if (frameSize_ == TSize{}) unframed_ = form_.NormalBounds();
   if (form_.WindowState() != TWindowState::wsNormal) {
     frame_->setWindowState(ShownState(form_.WindowState()));
   }

@@ -11,6 +11,7 @@
 #include <QTableView>
 #include <utility>
 
+#include "desktop/border.h"
 #include "desktop/toolkit.h"
 #include "desktop/typedletters.h"
 
@@ -151,6 +152,7 @@ class GridPart::View : public QTableView {
     corner_.setGeometry(frameWidth(), frameWidth(), verticalHeader()->width(),
                         horizontalHeader()->height());
     corner_.raise();
+    border_.raise();
   }
 
   // A text that is being typed becomes the cell's.
@@ -187,6 +189,7 @@ class GridPart::View : public QTableView {
   Model& model_;
   FormEvents& events_;
   QLabel corner_{this};
+  Border border_{*this};
   bool putting_ = false;
   bool committing_ = false;  // the cell is given what was typed
 };

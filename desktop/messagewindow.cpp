@@ -9,11 +9,14 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
+#include <QScrollBar>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <vector>
 
+#include "desktop/border.h"
 #include "desktop/look.h"
 #include "desktop/owner.h"
 #include "desktop/toolkit.h"
@@ -65,7 +68,7 @@ class MessageWindow : public QDialog {
       QApplication::clipboard()->setText(text_.text());
     } else if (event->matches(QKeySequence::Cancel)) {
       Dismiss();
-    } else {
+    } else if (!Scroll(event->key())) {
       QDialog::keyPressEvent(event);
     }
   }
@@ -75,6 +78,22 @@ class MessageWindow : public QDialog {
   }
 
  private:
+  // While the keyboard is at a button, which has no use for these keys.
+  bool Scroll(int key) {
+    struct KeyRow {
+      int key;
+      QAbstractSlider::SliderAction action;
+    };
+    constexpr KeyRow kKeys[] = {{Qt::Key_PageUp, QAbstractSlider::SliderPageStepSub},
+                                {Qt::Key_PageDown, QAbstractSlider::SliderPageStepAdd},
+                                {Qt::Key_Home, QAbstractSlider::SliderToMinimum},
+                                {Qt::Key_End, QAbstractSlider::SliderToMaximum}};
+    const auto* row = std::ranges::find(kKeys, key, &KeyRow::key);
+    if (row == std::end(kKeys)) return false;
+    scrolled_.verticalScrollBar()->triggerAction(row->action);
+    return true;
+  }
+
   void Dismiss() {
     if (message_.EscapeResult() != mrNone || buttons_.empty()) done(message_.EscapeResult());
   }
@@ -104,7 +123,7 @@ class MessageWindow : public QDialog {
     text_.hide();
     scrolled_.setPlainText(text);
     scrolled_.setReadOnly(true);
-    scrolled_.setFocusPolicy(Qt::ClickFocus);
+    scrolled_.setFocusPolicy(Qt::StrongFocus);
     scrolled_.setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     scrolled_.setAccessibleName(text);
     scrolled_.setFixedSize(most.width(), std::min(size.height() + 2 * kIconSize, most.height()));
@@ -137,6 +156,7 @@ class MessageWindow : public QDialog {
   QHBoxLayout buttonRow_;
   QLabel icon_;
   QPlainTextEdit scrolled_;
+  Border border_{scrolled_};
   QLabel text_{this};
   std::vector<std::unique_ptr<QPushButton>> buttons_;
 };

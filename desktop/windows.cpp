@@ -75,6 +75,13 @@ TSize WindowsInterface::ScreenSize() {
   return screen == nullptr ? TSize{} : TSize{screen->size().width(), screen->size().height()};
 }
 
+TBounds WindowsInterface::WorkArea() {
+  const QScreen* screen = QApplication::primaryScreen();
+  if (screen == nullptr) return {};
+  const QRect free = screen->availableGeometry().translated(-screen->geometry().topLeft());
+  return {free.x(), free.y(), free.width(), free.height()};
+}
+
 int WindowsInterface::TextHeight(std::string_view /*text*/) {
   return QFontMetrics(WindowFont()).height();
 }

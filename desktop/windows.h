@@ -14,6 +14,7 @@ class WindowsInterface : public PaperInterface {
   void RunUntilHidden(TForm& form) override;
 
   TSize ScreenSize() override;
+  TBounds WorkArea() override;
   int TextHeight(std::string_view text) override;
   TPicture CaptureScreen() override;
 };

@@ -146,6 +146,7 @@ class WatchingInterface : public TUserInterface {
   void ProcessMessages() override { watched_.ProcessMessages(); }
   void RunUntilHidden(TForm& form) override { watched_.RunUntilHidden(form); }
   TSize ScreenSize() override { return watched_.ScreenSize(); }
+  TBounds WorkArea() override { return watched_.WorkArea(); }
   int TextHeight(std::string_view text) override { return watched_.TextHeight(text); }
 
  private:

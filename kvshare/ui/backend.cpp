@@ -50,6 +50,11 @@ void TUserInterface::ProcessMessages() {}
 
 void TUserInterface::RunUntilHidden(TForm& /*form*/) {}
 
+TBounds TUserInterface::WorkArea() {
+  const TSize screen = ScreenSize();
+  return {0, 0, screen.Width, screen.Height};
+}
+
 TSize TUserInterface::ScreenSize() {
   return {};
 }

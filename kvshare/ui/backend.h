@@ -45,6 +45,9 @@ class KVSHARE_API TUserInterface {
 
   // The screen's size, 0 by 0 where there is none.
   virtual TSize ScreenSize();
+  // What a maximised window takes: the screen without the desktop's own bars; 0 by 0 where there is
+  // no screen.
+  virtual TBounds WorkArea();
   // The height of a line of the text in the system's font; 13, as is usual, where there is none.
   virtual int TextHeight(std::string_view text);
 

@@ -156,7 +156,11 @@ class KVSHARE_API TForm : public TWinControl {
   std::vector<TWinControl*> TabList() const;
 
   TWindowState WindowState() const { return state_; }
-  void SetWindowState(TWindowState state) { Set(state_, state); }
+  // Without a window a maximised form has the work area of the back end's screen, and comes back to
+  // the bounds that it had before. A window does the same by itself.
+  void SetWindowState(TWindowState state);
+  // The bounds to which a form that was maximised without a window comes back, else Bounds().
+  const TBounds& NormalBounds() const { return normalBounds_ ? *normalBounds_ : Bounds(); }
 
   // The bounds are with the frame, and stay; an inner size that SetClientWidth or SetClientHeight
   // asked for stays instead, and the bounds follow.
@@ -218,6 +222,7 @@ class KVSHARE_API TForm : public TWinControl {
  private:
   friend class TControl;
   void Remove(const TControl& control);
+  void FollowWindowState(TWindowState state);
   TButton* FirstButton(bool TButton::*role) const;
   void CenterOn(TSize screen);
   void Prepare();
@@ -225,6 +230,7 @@ class KVSHARE_API TForm : public TWinControl {
   std::vector<TControl*> controls_;
   TWinControl* active_ = nullptr;
   TWindowState state_ = TWindowState::wsNormal;
+  std::optional<TBounds> normalBounds_;
   bool created_ = false;
   bool showing_ = false;
   std::unique_ptr<TFormWindow> window_;

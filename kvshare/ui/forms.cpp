@@ -40,6 +40,22 @@ void TForm::SetFrame(TSize frame) {
   SetBounds(bounds);
 }
 
+void TForm::SetWindowState(TWindowState state) {
+  if (state_ != state && window_ == nullptr) FollowWindowState(state);
+  Set(state_, state);
+}
+
+void TForm::FollowWindowState(TWindowState state) {
+  if (state == TWindowState::wsMaximized) {
+    const TBounds workArea = UserInterface().WorkArea();
+    if (workArea.Width == 0) return;
+    if (!normalBounds_) normalBounds_ = Bounds();
+    SetBounds(workArea);
+  } else if (state == TWindowState::wsNormal && normalBounds_) {
+    SetBounds(*std::exchange(normalBounds_, std::nullopt));
+  }
+}
+
 void TForm::CenterOn(TSize screen) {
   TBounds bounds = Bounds();
   bounds.Left = std::max(0, (screen.Width - bounds.Width) / 2);

@@ -32,6 +32,25 @@ std::string TableOf(const TStringGrid& grid) {
   return Cp874ToUtf8(text);
 }
 
+// At each side of the area, on one of the screen's pixels that are nearest to it.
+void ExpectBorder(const User& user, const char* name) {
+  const auto& area = user.Find<QWidget>(name);
+  const QImage picture = user.Window().grab().toImage();
+  const double scale = picture.devicePixelRatio();
+  const QRectF place(area.mapTo(&user.Window(), QPointF()) * scale, area.size() * scale);
+  const QRgb border = area.palette().window().color().darker(140).lighter(108).rgb();
+  const auto isBorder = [&](QPointF at, QPointF inwards) {
+    for (const double step : {-1.0, 0.0, 1.0}) {
+      if (picture.pixel((at + step * inwards).toPoint()) == border) return true;
+    }
+    return false;
+  };
+  EXPECT_TRUE(isBorder({place.left(), place.center().y()}, {1, 0})) << name << " on the left";
+  EXPECT_TRUE(isBorder({place.right() - 1, place.center().y()}, {1, 0})) << name << " on the right";
+  EXPECT_TRUE(isBorder({place.center().x(), place.top()}, {0, 1})) << name << " above";
+  EXPECT_TRUE(isBorder({place.center().x(), place.bottom() - 1}, {0, 1})) << name << " below";
+}
+
 class ErrorDialogs : public testing::Test {
  protected:
   ErrorDialogs() { set.server = {{"QTY", "7"}}; }
@@ -156,6 +175,7 @@ TEST_F(ErrorDialogs, InThai) {
                user.ClickRadio("ActionGroup", 4);
                EXPECT_THAT(user.TableShown("UpdateData"),
                            HasSubstr("ชื่อลูกค้า|ร้านบ้านสวนวัสดุภัณฑ์|ร้านบ้านสวน|ร้านบ้านสวน"));
+               for (const char* area : {"ErrorMsg", "UpdateData"}) ExpectBorder(user, area);
                Shoot(user.Window(), "reconcile-dialog");
              });
 }

@@ -155,6 +155,19 @@ TEST_F(FormWindows, AWindowKeepsItsSizeFromStartToStart) {
   Finalize();
 }
 
+TEST_F(FormWindows, AFormThatWasMaximisedBeforeItsWindowComesBack) {
+  Ledger form;
+  form.SetBounds({70, 60, 444, 333});
+  form.SetWindowState(TWindowState::wsMaximized);
+  EXPECT_EQ(form.Bounds(), windows.WorkArea());
+  form.Show();
+  Settle();
+  EXPECT_TRUE(WindowOf(form).isMaximized());
+  WindowOf(form).setWindowState(Qt::WindowNoState);
+  Settle();
+  EXPECT_EQ(form.Bounds(), (TBounds{70, 60, 444, 333}));
+}
+
 TEST_F(FormWindows, AWindowOutOfReachComesBack) {
   Ledger form;
   form.SetBounds({5000, 5000, 300, 200});  // where another screen was

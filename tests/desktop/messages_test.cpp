@@ -4,6 +4,7 @@
 
 #include <QClipboard>
 #include <QPushButton>
+#include <QScrollBar>
 
 #include "desktop/windows.h"
 #include "kvshare/rtl/cp874.h"
@@ -103,6 +104,13 @@ TEST_F(MessageWindows, TextsAreShownAsTheyAre) {
         const QSize screen = QApplication::primaryScreen()->availableSize();
         EXPECT_LE(user.Window().width(), screen.width());
         EXPECT_LE(user.Window().height(), screen.height()) << "its button can be reached";
+        const QScrollBar& bar = *user.Window().findChild<QPlainTextEdit*>()->verticalScrollBar();
+        user.Key(Qt::Key_PageDown);
+        EXPECT_GT(bar.value(), 0);
+        user.Key(Qt::Key_End);
+        EXPECT_EQ(bar.value(), bar.maximum());
+        user.Key(Qt::Key_Home);
+        EXPECT_EQ(bar.value(), 0);
       },
       longText);
 }

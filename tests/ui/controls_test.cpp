@@ -62,6 +62,27 @@ TEST(Controls, AWindowFollowsEveryChangeAndGoesBeforeItsForm) {
                                 "Bar 1,2 3x4", "0 controls", main, "gone"));
 }
 
+TEST(Controls, AMaximisedFormWithoutAWindowHasTheWorkAreaAndComesBack) {
+  THeadlessInterface backEnd;
+  const TUseInterface use(backEnd);
+  const TBounds place{10, 20, 300, 200};
+  const TBounds screen{0, 0, backEnd.screen.Width, backEnd.screen.Height};
+  TForm form(nullptr, "Main");
+  form.SetBounds(place);
+  for (const TWindowState over : {wsMaximized, wsMinimized}) {
+    form.SetWindowState(wsMaximized);
+    EXPECT_EQ(form.Bounds(), screen);
+    EXPECT_EQ(form.NormalBounds(), place);
+    form.SetWindowState(over);
+    form.SetWindowState(wsMaximized);
+    form.SetWindowState(wsNormal);
+    EXPECT_EQ(form.Bounds(), place);
+  }
+  backEnd.screen = {};
+  form.SetWindowState(wsMaximized);
+  EXPECT_EQ(form.Bounds(), place) << "there is no screen";
+}
+
 TEST(Controls, AMainFormIsShownUntilItIsClosedAndOwnsTheProgramsWindows) {
   THeadlessInterface backEnd;
   const TUseInterface use(backEnd);
