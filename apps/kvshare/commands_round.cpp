@@ -31,7 +31,7 @@ struct RoundOptions {
 };
 
 void ListModes(CodeList list, const std::function<void(const Row&)>& print, Row& row) {
-  const int codes = list == CodeList::Price ? kPriceCodes : kRoundModes;
+  const int codes = list == CodeList::Price ? kPriceRoundCodes : kRoundModes;
   for (int code = 0; code < codes; ++code) {
     const auto word = static_cast<Word>(code);
     const TRoundModeInfo& info = RoundModeInfo(

@@ -30,7 +30,7 @@ std::optional<TKovraMoneyRound> ParseRoundMode(std::string_view text, CodeList l
 
 bool IsUnlistedCode(std::string_view text, CodeList list) {
   const auto code = ParseCode(text);
-  return code && *code >= (list == CodeList::Price ? kPriceCodes : kRoundModes);
+  return code && *code >= (list == CodeList::Price ? kPriceRoundCodes : kRoundModes);
 }
 
 TKovraMoneyRound UsageRoundMode(std::string_view option, std::string_view text) {

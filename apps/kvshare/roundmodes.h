@@ -10,7 +10,6 @@ namespace kvshare::app {
 
 // The two code lists that settings and database columns use.
 enum class CodeList : std::uint8_t { Full, Price };
-inline constexpr int kPriceCodes = 13;
 
 // The mode of a name in any letter case or of a code; nothing for another text. A code that its
 // list lacks is mrNoRound, as the library reads it.

@@ -10,30 +10,6 @@ namespace {
 
 constexpr Int128 kPercent = Int128{100} * Currency::kScale;
 
-enum class Way : std::uint8_t { TowardZero, AwayFromZero, Nearest };
-
-// How the digits past the fourth decimal are dropped so that the mode decides as on all of them:
-// every step and every tie of a mode is a multiple of 0.0001.
-constexpr Way WayOf(TKovraMoneyRound mode) {
-  switch (mode) {
-    case mrUpToBaht:
-    case mrUpTo25:
-    case mrUpTo50:
-    case mrUpto5Baht:
-    case mrUpto10Baht:
-    case mrUpto50Baht:
-    case mrUpto100Baht:
-      return Way::AwayFromZero;
-    case mrNoRound:
-    case mrFourDigits:
-    case mrFiveDigits:
-    case mrSixDigits:
-      return Way::Nearest;
-    default:
-      return Way::TowardZero;
-  }
-}
-
 Currency VatOf(Currency base, Currency rate, const Rules& rules) {
   const Int128 whole = rules.priceIncludesVat ? kPercent + rate.Raw() : kPercent;
   return RoundQuotient(Int128{base.Raw()} * rate.Raw(), whole, rules.vatMode);
@@ -102,23 +78,6 @@ class Calculation {
 };
 
 }  // namespace
-
-Currency RoundQuotient(Int128 numerator, Int128 denominator, TKovraMoneyRound mode) {
-  const Int128 quotient = numerator / denominator;
-  const bool rest = numerator % denominator != 0;
-  switch (WayOf(mode)) {
-    case Way::Nearest:
-      return Currency::FromWide(DivideHalfEven(numerator, denominator));
-    case Way::AwayFromZero:
-      return TKovraMoney::Round_Baht(Currency::FromWide(quotient + (!rest           ? 0
-                                                                    : numerator < 0 ? -1
-                                                                                    : 1)),
-                                     mode);
-    case Way::TowardZero:
-      break;
-  }
-  return TKovraMoney::Round_Baht(Currency::FromWide(quotient), mode);
-}
 
 bool Receipt::Closes() const {
   LineAmounts sum;

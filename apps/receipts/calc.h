@@ -63,12 +63,6 @@ class UnprintableDocument : public std::runtime_error {
   receipts::Column column_;
 };
 
-// numerator / denominator ten-thousandths, rounded once by the mode: a value just below a tie in
-// the fifth decimal does not reach it. Modes of four decimals and more, and mrNoRound, give the
-// nearest ten-thousandth, a tie to the even one. |numerator| < 2^126, denominator > 0.
-// Throws EIntOverflow.
-Currency RoundQuotient(Int128 numerator, Int128 denominator, TKovraMoneyRound mode);
-
 // Throws UnprintableDocument.
 Receipt Calculate(const Document& document, const Rules& rules);
 

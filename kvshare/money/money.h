@@ -42,7 +42,8 @@ enum TKovraMoneyRound : std::uint8_t {
   mrNear100Baht,
   mrUpto100Baht
 };
-inline constexpr int kRoundModes = 28;
+inline constexpr int kRoundModes = mrUpto100Baht + 1;
+inline constexpr int kPriceRoundCodes = 13;  // of the shorter price list
 
 // Stateless; every operation is static. The library creates one instance, KovraMoney.
 class KVSHARE_API TKovraMoney {
@@ -156,9 +157,15 @@ struct TRoundModeInfo {
   std::string_view Name;  // "mrNearBaht"
   Word Caption;           // identifier of its caption in the message catalogue
 };
-// `Mode` is one of the 28; others give the row of mrNoRound.
+// A mode that is not listed gives the row of mrNoRound.
 KVSHARE_API const TRoundModeInfo& RoundModeInfo(TKovraMoneyRound Mode);
 // The mode of a name in any letter case, or nullptr.
 KVSHARE_API const TRoundModeInfo* FindRoundMode(std::string_view Name);
+
+// Numerator / Denominator ten-thousandths, rounded once by the mode: a value just below a tie in the
+// fifth decimal does not reach it, one just above a step goes up. Modes of four decimals and more,
+// mrNoRound and unknown modes give the nearest ten-thousandth, a tie to the even one.
+// |Numerator| < 2^126, Denominator > 0. Throws EIntOverflow where the result leaves Currency's range.
+KVSHARE_API Currency RoundQuotient(Int128 Numerator, Int128 Denominator, TKovraMoneyRound Mode);
 
 }  // namespace kvshare

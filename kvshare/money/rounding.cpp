@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -5,9 +6,9 @@
 #include <string_view>
 #include <utility>
 
+#include "kvshare/settings/catalogue.h"
 #include "kvshare/money/money.h"
 #include "kvshare/rtl/strutils.h"
-#include "kvshare/settings/catalogue.h"
 
 namespace kvshare {
 
@@ -64,13 +65,20 @@ consteval bool RowsStandInOrder() {
 }
 static_assert(RowsStandInOrder());
 
+// Ties of a `near` mode are whole ten-thousandths.
+consteval bool StepsHaveAHalf() {
+  return std::ranges::all_of(kModes,
+                             [](const ModeRow& row) { return row.step == 1 || row.step % 2 == 0; });
+}
+static_assert(StepsHaveAHalf());
+
 // What is added to a magnitude before its rest is cut off.
 constexpr std::uint64_t Bias(const ModeRow& row) {
   switch (row.way) {
     case Way::Down:
       return 0;
     case Way::Near:
-      return row.step / 2;  // every step above 1 is even
+      return row.step / 2;
     case Way::Up:
       return row.step - 1;
   }
@@ -120,6 +128,7 @@ TKovraMoneyRound TKovraMoney::PrRoundType(Word Code) {
   constexpr std::array kPriceModes = {
       mrNoRound,   mrDownToBaht, mrNearBaht,    mrUpToBaht,   mrDownTo25,   mrNear25,   mrUpTo25,
       mrOneDigits, mrTwoDigits,  mrThreeDigits, mrFourDigits, mrFiveDigits, mrSixDigits};
+  static_assert(kPriceModes.size() == kPriceRoundCodes);
   return Code < kPriceModes.size() ? kPriceModes[Code] : mrNoRound;
 }
 
@@ -146,6 +155,16 @@ void TKovraMoney::ShareValue(Currency Amount, Currency Percent, Currency& Share,
   const Currency share = RoundTo(MulDiv(Amount, Percent, Currency::FromInt(100)), 2);
   Rest = Amount - share;
   Share = share;
+}
+
+// A rest behind the fourth decimal decides only upwards: steps and their halves are whole
+// ten-thousandths.
+Currency RoundQuotient(Int128 Numerator, Int128 Denominator, TKovraMoneyRound Mode) {
+  const ModeRow& row = kModes[Mode < kModes.size() ? Mode : mrNoRound];
+  if (row.step == 1) return Currency::FromWide(DivideHalfEven(Numerator, Denominator));
+  Int128 whole = Numerator / Denominator;
+  if (row.way == Way::Up && Numerator % Denominator != 0) whole += Numerator < 0 ? -1 : 1;
+  return TKovraMoney::Round_Baht(Currency::FromWide(whole), Mode);
 }
 
 const TRoundModeInfo& RoundModeInfo(TKovraMoneyRound Mode) {

@@ -122,6 +122,35 @@ TEST(Rounding, EveryModeIsAsDescribed) {
   }
 }
 
+// On the whole quotient: no step of four decimals in between.
+TEST(Rounding, AQuotientIsRoundedOnce) {
+  std::mt19937_64 random(25690405);
+  for (int i = 0; i < 20'000; ++i) {
+    const auto denominator = static_cast<std::int64_t>(random() % 20'000 + 1);
+    // Around a multiple of a half step: at it, and less than a ten-thousandth beside it.
+    const Int128 near = Int128{random() % 4'000} * 500 * denominator;
+    const Int128 magnitude = near + static_cast<std::int64_t>(random() % 5) - (near > 1 ? 2 : 0);
+    for (Word code = 0; code < kRoundModes; ++code) {
+      const TKovraMoneyRound mode = TKovraMoney::RoundType(code);
+      const Int128 whole = magnitude / denominator;
+      const bool goesUp = RoundModeInfo(mode).Name.starts_with("mrUp");
+      const Int128 lifted = goesUp && magnitude % denominator != 0 ? whole + 1 : whole;
+      const bool keepsAll = mode == mrNoRound || (mode >= mrFourDigits && mode <= mrSixDigits);
+      const Int128 described =
+          keepsAll ? DivideHalfEven(magnitude, denominator) : Described(lifted, mode);
+      for (const int sign : {1, -1}) {
+        ASSERT_EQ(RoundQuotient(sign * magnitude, denominator, mode),
+                  Currency::FromWide(sign * described))
+            << RoundModeInfo(mode).Name;
+      }
+    }
+  }
+  EXPECT_EQ(RoundQuotient(200'001, 10, mrUpToBaht), 3_baht) << "2.00001 goes up";
+  EXPECT_EQ(RoundQuotient(124'999, 10, mrNear25), 1.25_baht) << "and 1.24999 is near";
+  EXPECT_EQ(RoundQuotient(-5, 10, TKovraMoneyRound{200}), 0_baht) << "a tie to the even one";
+  EXPECT_THROW(RoundQuotient(Int128{1} << 100, 1, mrUpToBaht), EIntOverflow);
+}
+
 TEST(Rounding, OddArgumentsHaveAResult) {
   EXPECT_EQ(TKovraMoney::Round_Baht(1.2345_baht, static_cast<TKovraMoneyRound>(200)), 1.2345_baht);
   EXPECT_EQ(TKovraMoney::Round_Baht(1.2345_baht, 28), 1.2345_baht);
