@@ -7,7 +7,7 @@
 #include <string>
 #include <unordered_map>
 
-#include "kvshare/data/clientdataset.h"
+#include "kvshare/data/client/clientdataset.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/datetime.h"
 

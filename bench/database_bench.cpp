@@ -9,6 +9,7 @@
 
 #include "kvshare/database/dblog.h"
 #include "kvshare/database/dbxconf.h"
+#include "kvshare/database/sqldialect.h"
 #include "kvshare/os/appendfile.h"
 #include "kvshare/os/files.h"
 #include "kvshare/os/paths.h"
@@ -16,8 +17,7 @@
 #include "kvshare/platform/win32.h"
 #include "kvshare/rtl/files.h"
 #include "kvshare/rtl/formatdatetime.h"
-#include "kvshare/settings/package.h"
-#include "kvshare/settings/sqldialect.h"
+#include "kvshare/start/package.h"
 #include "tests/support.h"
 
 namespace kvshare {

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "kvshare/data/clientdataset.h"
-#include "kvshare/data/editmask.h"
+#include "kvshare/data/client/clientdataset.h"
+#include "kvshare/data/fields/editmask.h"
 #include "kvshare/dates/dbdate.h"
 #include "kvshare/rtl/formatsettings.h"
 #include "kvshare/settings/globals.h"

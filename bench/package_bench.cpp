@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <memory>
 
-#include "kvshare/settings/catalogue.h"
-#include "kvshare/settings/package.h"
+#include "kvshare/messages/catalogue.h"
+#include "kvshare/start/package.h"
 
 namespace kvshare {
 namespace {

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "kvshare/os/registry.h"
+#include "kvshare/os/registry/registry.h"
 #include "kvshare/rtl/stringlist.h"
 #include "tests/support.h"
 

@@ -5,7 +5,7 @@
 #include <benchmark/benchmark.h>
 
 #include "bench/servers/bare.h"
-#include "kvshare/data/sqlquery.h"
+#include "kvshare/data/sql/sqlquery.h"
 #include "kvshare/database/sqlfunc.h"
 #include "tests/drivers/server.h"
 

@@ -7,10 +7,10 @@
 #include <filesystem>
 #include <string>
 
-#include "kvshare/data/clientdataset.h"
-#include "kvshare/data/provider.h"
-#include "kvshare/data/sqlconnection.h"
-#include "kvshare/data/sqlquery.h"
+#include "kvshare/data/client/clientdataset.h"
+#include "kvshare/data/client/provider.h"
+#include "kvshare/data/sql/sqlconnection.h"
+#include "kvshare/data/sql/sqlquery.h"
 #include "kvshare/database/sqlbatch.h"
 #include "kvshare/database/sqlfunc.h"
 #include "kvshare/database/sqlsplit.h"

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "kvshare/data/clientdataset.h"
+#include "kvshare/data/client/clientdataset.h"
 #include "kvshare/database/recerror.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/cp874.h"

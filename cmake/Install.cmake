@@ -5,69 +5,17 @@ include(CMakePackageConfigHelpers)
 install(TARGETS kvshare EXPORT KvShareTargets
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}")
 
-# Headers that only the library's own sources include; all others are reached from kvshare.h.
-set(internal_headers
-  data/answerwatch.h
-  data/base64.h
-  data/clientrecords.h
-  data/decimals.h
-  data/driverlibrary.h
-  data/named.h
-  data/packet.h
-  data/packetfields.h
-  data/packetlog.h
-  data/packetvalues.h
-  data/packetxml.h
-  data/record.h
-  data/recordtable.h
-  data/resolver.h
-  data/roworder.h
-  data/uniqueindex.h
-  data/updatesql.h
-  data/secrets.h
-  data/wireforms.h
-  data/wiretexts.h
-  database/sqlsplit.h
-  database/tablenames.h
-  money/words.h
-  os/appendfile.h
-  os/commandline.h
-  os/console.h
-  os/imagereader.h
-  os/jobfile.h
-  os/loadedlibrary.h
-  os/mask.h
-  os/posix
-  os/registrystore.h
-  os/regtext.h
-  os/sqlite.h
-  os/tree.h
-  platform/storedvalues.h
-  platform/win32rules.h
-  rtl/bytepattern.h
-  rtl/calendar.h
-  rtl/decimal.h
-  rtl/digits.h
-  rtl/environment.h
-  rtl/iniparser.h
-  rtl/lines.h
-  rtl/longdecimal.h
-  rtl/textcursor.h
-  rtl/utf8mark.h
-  rtl/within.h
-  settings/loadentry.h
-  settings/placeholders.h
-  settings/programlocale.h
-  ui/bitmapformat.h
-  ui/bitmaprle.h
-  ui/consoleform.h
-  ui/consoleparts.h
-  ui/consoletext.h)
-foreach(header IN LISTS internal_headers)
-  list(APPEND not_these PATTERN ${header} EXCLUDE)
+# A header whose `#pragma once` follows the line `// Internal header.` is for the library's own
+# sources; all others are reached from kvshare.h.
+file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE "${PROJECT_SOURCE_DIR}/kvshare"
+  "${PROJECT_SOURCE_DIR}/kvshare/*.h")
+foreach(header IN LISTS headers)
+  file(STRINGS "kvshare/${header}" mark LIMIT_COUNT 1 REGEX "^// Internal header\\.$")
+  if(NOT mark)
+    cmake_path(GET header PARENT_PATH folder)
+    install(FILES "kvshare/${header}" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kvshare/${folder}")
+  endif()
 endforeach()
-install(DIRECTORY kvshare/ DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/kvshare"
-  FILES_MATCHING PATTERN "*.h" ${not_these})
 
 install(DIRECTORY packaging/languages/ DESTINATION "${CMAKE_INSTALL_DATADIR}/kvshare/languages"
   FILES_MATCHING PATTERN "*.lang")

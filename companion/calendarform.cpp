@@ -2,11 +2,11 @@
 
 #include "companion/datetexts.h"
 #include "kvshare/dates/date.h"
+#include "kvshare/messages/catalogue.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/format.h"
-#include "kvshare/settings/catalogue.h"
 #include "kvshare/settings/globals.h"
 
 namespace kvshare::companion {

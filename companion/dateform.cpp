@@ -2,9 +2,9 @@
 
 #include "companion/calendarform.h"
 #include "companion/datetexts.h"
+#include "kvshare/messages/catalogue.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/format.h"
-#include "kvshare/settings/catalogue.h"
 
 namespace kvshare::companion {
 

@@ -3,12 +3,12 @@
 #include <algorithm>
 
 #include "kvshare/dates/date.h"
+#include "kvshare/messages/catalogue.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/datetime.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/strutils.h"
-#include "kvshare/settings/catalogue.h"
 
 namespace kvshare::companion {
 

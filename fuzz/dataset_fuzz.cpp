@@ -7,9 +7,9 @@
 #include <string>
 #include <string_view>
 
-#include "apps/kvshare/datasetfile.h"
-#include "apps/kvshare/fieldspecs.h"
-#include "apps/kvshare/rowset.h"
+#include "apps/kvshare/data/datasetfile.h"
+#include "apps/kvshare/data/fieldspecs.h"
+#include "apps/kvshare/data/rowset.h"
 #include "kvshare/rtl/exceptions.h"
 #include "tests/apps/tempfile.h"
 

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "apps/kvshare/explain.h"
+#include "apps/kvshare/commands/explain.h"
 #include "kvshare/dates/date.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/exceptions.h"

@@ -4,11 +4,11 @@
 #include <cstdlib>
 #include <fstream>
 
+#include "kvshare/database/sqldialect.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/lines.h"
 #include "kvshare/rtl/strutils.h"
 #include "kvshare/settings/globals.h"
-#include "kvshare/settings/sqldialect.h"
 #include "tests/support.h"
 
 namespace {

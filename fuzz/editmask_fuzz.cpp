@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "kvshare/data/editmask.h"
-#include "kvshare/data/errors.h"
+#include "kvshare/data/contract/errors.h"
+#include "kvshare/data/fields/editmask.h"
 #include "kvshare/rtl/formatsettings.h"
 
 namespace {

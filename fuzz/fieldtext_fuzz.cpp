@@ -8,12 +8,12 @@
 #include <string>
 #include <string_view>
 
-#include "kvshare/data/clientdataset.h"
+#include "kvshare/data/client/clientdataset.h"
 #include "kvshare/dates/dbdate.h"
+#include "kvshare/messages/catalogue.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/formatsettings.h"
-#include "kvshare/settings/catalogue.h"
 #include "kvshare/settings/globals.h"
 
 namespace {

@@ -5,9 +5,9 @@
 #include <cstdlib>
 #include <string>
 
+#include "kvshare/messages/language.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/format.h"
-#include "kvshare/settings/language.h"
 
 namespace {
 

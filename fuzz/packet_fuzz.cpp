@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "kvshare/data/clientdataset.h"
+#include "kvshare/data/client/clientdataset.h"
 #include "kvshare/rtl/exceptions.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // Settings files of any bytes: what is read is written and reads back the same, in both formats.
-#include "kvshare/os/regfile.h"
+#include "kvshare/os/registry/regfile.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "apps/kvshare/sqltext.h"
+#include "apps/kvshare/data/sqltext.h"
 #include "kvshare/database/sqlsplit.h"
 #include "kvshare/rtl/stringlist.h"
 

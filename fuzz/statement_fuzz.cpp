@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "kvshare/data/statement.h"
+#include "kvshare/data/sql/statement.h"
 
 using kvshare::data::Lexis;
 

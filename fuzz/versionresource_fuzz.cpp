@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "kvshare/os/versionresource.h"
+#include "kvshare/os/version/versionresource.h"
 #include "kvshare/rtl/cp874.h"
 #include "tests/os/images.h"
 

@@ -4,8 +4,8 @@
 #include <exception>
 #include <new>
 
-#include "apps/kvshare/commands.h"
-#include "apps/kvshare/suggestion.h"
+#include "apps/kvshare/commands/commands.h"
+#include "apps/kvshare/terminal/suggestion.h"
 #include "apps/kvshare/version.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "apps/kvshare/stream.h"
+#include "apps/kvshare/terminal/stream.h"
 
 namespace kvshare::app {
 

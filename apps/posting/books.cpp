@@ -3,10 +3,10 @@
 #include <string>
 
 #include "apps/receipts/amounts.h"
-#include "kvshare/data/sqlquery.h"
+#include "kvshare/data/sql/sqlquery.h"
+#include "kvshare/database/sqldialect.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/formatdatetime.h"
-#include "kvshare/settings/sqldialect.h"
 
 namespace kvshare::posting {
 

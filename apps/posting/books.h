@@ -6,7 +6,7 @@
 
 #include "apps/receipts/calc.h"
 #include "apps/receipts/model.h"
-#include "kvshare/data/sqlconnection.h"
+#include "kvshare/data/sql/sqlconnection.h"
 
 namespace kvshare::posting {
 

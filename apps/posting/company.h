@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "kvshare/data/sqlconnection.h"
+#include "kvshare/data/sql/sqlconnection.h"
 #include "kvshare/database/sqlbatch.h"
 
 namespace kvshare::posting {

@@ -8,8 +8,8 @@
 
 #include "apps/receipts/calc.h"
 #include "apps/receipts/model.h"
-#include "kvshare/data/sqlconnection.h"
-#include "kvshare/data/sqlquery.h"
+#include "kvshare/data/sql/sqlconnection.h"
+#include "kvshare/data/sql/sqlquery.h"
 #include "kvshare/rtl/exceptions.h"
 
 namespace kvshare::posting {

@@ -13,7 +13,7 @@
 #include <utility>
 #include <vector>
 
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::drivers {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::drivers {
 

@@ -5,7 +5,7 @@
 #include <charconv>
 #include <cmath>
 
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::drivers {
 namespace {

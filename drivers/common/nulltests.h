@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::drivers {
 

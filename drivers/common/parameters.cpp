@@ -4,7 +4,7 @@
 #include <charconv>
 #include <cstdint>
 
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::drivers {
 namespace {

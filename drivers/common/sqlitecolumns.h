@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::drivers::sqlite {
 

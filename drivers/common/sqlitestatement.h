@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "drivers/common/sqliteplaces.h"
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::drivers::sqlite {
 

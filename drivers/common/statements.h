@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::drivers {
 

@@ -18,7 +18,7 @@
 #include "drivers/firebird/handles.h"
 #include "drivers/firebird/parameters.h"
 #include "drivers/firebird/rows.h"
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::firebird {
 namespace {

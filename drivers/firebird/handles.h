@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "drivers/firebird/status.h"
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::firebird {
 

@@ -7,7 +7,7 @@
 
 #include "drivers/common/statements.h"
 #include "drivers/firebird/handles.h"
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::firebird {
 

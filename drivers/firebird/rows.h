@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "drivers/firebird/handles.h"
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::firebird {
 

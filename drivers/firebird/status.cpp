@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::firebird {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::mysql {
 

@@ -15,7 +15,7 @@
 #include "drivers/mysql/errors.h"
 #include "drivers/mysql/rows.h"
 #include "drivers/mysql/transaction.h"
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::mysql {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::mysql {
 namespace {

@@ -4,7 +4,7 @@
 #include <mysql.h>
 
 #include "drivers/common/transaction.h"
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::mysql {
 

@@ -14,7 +14,7 @@
 #include "drivers/odbc/rows.h"
 #include "drivers/odbc/transaction.h"
 #include "drivers/odbc/utf16.h"
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::odbc {
 namespace {

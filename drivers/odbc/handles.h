@@ -13,7 +13,7 @@
 #include "drivers/common/exactly.h"
 #include "drivers/common/filled.h"
 #include "drivers/common/statements.h"
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::odbc {
 

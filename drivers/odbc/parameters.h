@@ -5,7 +5,7 @@
 #include <string>
 
 #include "drivers/odbc/handles.h"
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::odbc {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "drivers/odbc/handles.h"
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::odbc {
 

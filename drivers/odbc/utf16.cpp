@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::odbc {
 namespace {

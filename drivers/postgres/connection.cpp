@@ -17,7 +17,7 @@
 #include "drivers/postgres/errors.h"
 #include "drivers/postgres/parameters.h"
 #include "drivers/postgres/rows.h"
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::postgres {
 namespace {

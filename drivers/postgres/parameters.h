@@ -9,7 +9,7 @@
 
 #include "drivers/common/statements.h"
 #include "drivers/postgres/errors.h"
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::postgres {
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "drivers/postgres/errors.h"
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::postgres {
 

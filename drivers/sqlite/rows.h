@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "drivers/sqlite/handles.h"
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::drivers::sqlite {
 

@@ -2,9 +2,10 @@
 
 #include <algorithm>
 
+#include "kvshare/messages/catalogue.h"
 #include "kvshare/os/appendfile.h"
 #include "kvshare/os/files.h"
-#include "kvshare/os/registry.h"
+#include "kvshare/os/registry/registry.h"
 #include "kvshare/platform/verinfo.h"
 #include "kvshare/platform/win32.h"
 #include "kvshare/rtl/datetime.h"
@@ -13,7 +14,6 @@
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/formatdatetime.h"
 #include "kvshare/rtl/strutils.h"
-#include "kvshare/settings/catalogue.h"
 #include "kvshare/ui/messages.h"
 
 namespace kvshare {

@@ -5,9 +5,9 @@
 
 #include "kvshare/database/posterror.h"
 #include "kvshare/database/recerror.h"
+#include "kvshare/messages/catalogue.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/strutils.h"
-#include "kvshare/settings/catalogue.h"
 #include "kvshare/ui/messages.h"
 
 namespace kvshare {

@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "kvshare/data/clientdataset.h"
+#include "kvshare/data/client/clientdataset.h"
 #include "kvshare/export.h"
 #include "kvshare/settings/globals.h"
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "kvshare/data/editmask.h"
+#include "kvshare/data/fields/editmask.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/ui/backend.h"
 

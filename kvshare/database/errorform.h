@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "kvshare/data/dataset.h"
-#include "kvshare/data/updates.h"
+#include "kvshare/data/fields/dataset.h"
+#include "kvshare/data/records/updates.h"
 #include "kvshare/export.h"
 #include "kvshare/rtl/stringlist.h"
 #include "kvshare/rtl/variant.h"

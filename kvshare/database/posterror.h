@@ -1,7 +1,7 @@
 // The dialog about a record that could not be posted.
 #pragma once
 
-#include "kvshare/data/dataset.h"
+#include "kvshare/data/fields/dataset.h"
 #include "kvshare/database/errorform.h"
 #include "kvshare/export.h"
 

@@ -1,7 +1,7 @@
 // The dialog about a change that the server refused.
 #pragma once
 
-#include "kvshare/data/clientdataset.h"
+#include "kvshare/data/client/clientdataset.h"
 #include "kvshare/database/errorform.h"
 #include "kvshare/export.h"
 

@@ -1,6 +1,6 @@
 #include "kvshare/database/sqlbatch.h"
 
-#include "kvshare/data/errors.h"
+#include "kvshare/data/contract/errors.h"
 #include "kvshare/database/sqlsplit.h"
 #include "kvshare/database/sqltransaction.h"
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "kvshare/data/sqlconnection.h"
+#include "kvshare/data/sql/sqlconnection.h"
 #include "kvshare/export.h"
 #include "kvshare/rtl/stringlist.h"
 

@@ -12,9 +12,9 @@
 #include <string>
 #include <string_view>
 
-#include "kvshare/data/dataset.h"
-#include "kvshare/data/sqlconnection.h"
-#include "kvshare/data/sqlquery.h"
+#include "kvshare/data/fields/dataset.h"
+#include "kvshare/data/sql/sqlconnection.h"
+#include "kvshare/data/sql/sqlquery.h"
 #include "kvshare/export.h"
 #include "kvshare/rtl/stringlist.h"
 

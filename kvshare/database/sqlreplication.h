@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-#include "kvshare/data/sqlconnection.h"
+#include "kvshare/data/sql/sqlconnection.h"
 #include "kvshare/export.h"
 #include "kvshare/rtl/datetime.h"
 

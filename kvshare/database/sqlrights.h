@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "kvshare/data/sqlconnection.h"
+#include "kvshare/data/sql/sqlconnection.h"
 #include "kvshare/export.h"
 
 namespace kvshare {

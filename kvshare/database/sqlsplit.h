@@ -1,7 +1,8 @@
-// Lists of lines taken apart into statements. Internal.
+// Lists of lines taken apart into statements.
 //
 // Each line is trimmed of bytes <= 32; an empty one is skipped; one with a `;` is cut before its
 // first `;`, wherever that stands: in a quoted text and in a comment too.
+// Internal header.
 #pragma once
 
 #include <cstddef>

@@ -1,7 +1,7 @@
 // Several statements as one.
 #pragma once
 
-#include "kvshare/data/sqlconnection.h"
+#include "kvshare/data/sql/sqlconnection.h"
 #include "kvshare/export.h"
 
 namespace kvshare {

@@ -1,4 +1,5 @@
-// Names of tables as drivers give them. Internal.
+// Names of tables as drivers give them.
+// Internal header.
 #pragma once
 
 #include "kvshare/export.h"

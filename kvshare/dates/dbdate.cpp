@@ -2,12 +2,12 @@
 
 #include "kvshare/database/dblog.h"
 #include "kvshare/dates/date.h"
+#include "kvshare/messages/catalogue.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/formatsettings.h"
 #include "kvshare/rtl/variant.h"
-#include "kvshare/settings/catalogue.h"
 #include "kvshare/settings/globals.h"
 
 namespace kvshare {

@@ -14,8 +14,8 @@
 #include <string>
 #include <string_view>
 
-#include "kvshare/data/clientdataset.h"
-#include "kvshare/data/field.h"
+#include "kvshare/data/client/clientdataset.h"
+#include "kvshare/data/fields/field.h"
 #include "kvshare/export.h"
 #include "kvshare/settings/globals.h"
 

@@ -4,11 +4,11 @@
 
 #include "kvshare/dates/date.h"
 #include "kvshare/dates/dbdate.h"
+#include "kvshare/messages/catalogue.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/strutils.h"
-#include "kvshare/settings/catalogue.h"
 
 namespace kvshare {
 

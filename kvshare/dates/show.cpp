@@ -4,13 +4,13 @@
 #include <cstdint>
 
 #include "kvshare/dates/date.h"
+#include "kvshare/messages/catalogue.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/digits.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/formatdatetime.h"
 #include "kvshare/rtl/strutils.h"
-#include "kvshare/settings/catalogue.h"
 #include "kvshare/settings/globals.h"
 
 namespace kvshare {

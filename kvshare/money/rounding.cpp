@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "kvshare/settings/catalogue.h"
+#include "kvshare/messages/catalogue.h"
 #include "kvshare/money/money.h"
 #include "kvshare/rtl/strutils.h"
 

@@ -1,4 +1,5 @@
 // What the Thai and the English spelling share; not part of the interface.
+// Internal header.
 #pragma once
 
 #include <cstddef>

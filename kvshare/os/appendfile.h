@@ -1,4 +1,5 @@
 // Text files at whose ends several processes write at once.
+// Internal header.
 #pragma once
 
 #include <string_view>

@@ -1,4 +1,5 @@
-// Command lines, taken apart by the platform's rules. Inside the library.
+// Command lines, taken apart by the platform's rules.
+// Internal header.
 #pragma once
 
 #include <string>

@@ -1,4 +1,5 @@
-// The program's talk with whoever watches it. Inside the library.
+// The program's talk with whoever watches it.
+// Internal header.
 #pragma once
 
 #include <optional>

@@ -1,5 +1,6 @@
 // Files that appear in a folder whole and numbered upwards: what a spooler is made of. Names are
-// the system's. Inside the library.
+// the system's.
+// Internal header.
 #pragma once
 
 #include <string>

@@ -1,4 +1,5 @@
 // Where the libraries of this process come from.
+// Internal header.
 #pragma once
 
 #include <string>

@@ -1,4 +1,5 @@
-// A mask of names, made ready for many of them. Inside the library; see filesearch.h.
+// A mask of names, made ready for many of them; see filesearch.h.
+// Internal header.
 #pragma once
 
 #include <cstddef>

@@ -1,8 +1,9 @@
-// Whole folders by the system's names, which may have letters that the interface's lack. Inside the
-// library and its command; programs use platform/files.h, which tells the rules.
+// Whole folders by the system's names, which may have letters that the interface's lack. For
+// the library and its command; programs use platform/files.h, which tells the rules.
 //
 // Memory grows with the entries of one folder and the depth, descriptors with neither. A folder
 // that changes meanwhile is no error: what has gone is left out.
+// Internal header.
 #pragma once
 
 #include <cstdint>

@@ -1,7 +1,7 @@
 #include "kvshare/platform/fileinfo.h"
 
 #include "kvshare/os/folders.h"
-#include "kvshare/os/versionresource.h"
+#include "kvshare/os/version/versionresource.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/files.h"
 #include "kvshare/rtl/format.h"

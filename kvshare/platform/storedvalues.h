@@ -1,12 +1,13 @@
 // Single values of the registry for callers to whom a failed read is a default and a failed write
-// no event. Internal.
+// no event.
+// Internal header.
 #pragma once
 
 #include <functional>
 #include <string>
 #include <string_view>
 
-#include "kvshare/os/registry.h"
+#include "kvshare/os/registry/registry.h"
 
 namespace kvshare {
 

@@ -1,4 +1,5 @@
-// The rules of win32.cpp that a test can only reach apart from the machine. Inside the library.
+// The rules of win32.cpp that a test can only reach apart from the machine.
+// Internal header.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,5 @@
-// A text to look for, prepared once. Internal: programs use Pos and the text helpers.
+// A text to look for, prepared once. Programs use Pos and the text helpers.
+// Internal header.
 #pragma once
 
 #ifdef __SSE2__

@@ -1,5 +1,6 @@
 // The arithmetic of the calendar: days and milliseconds as integers, for the routines that take
 // moments apart and put them together.
+// Internal header.
 #pragma once
 
 #include <bit>

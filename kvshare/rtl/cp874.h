@@ -1,6 +1,6 @@
-// Text in code page 874, the Thai code page: one byte a letter, 0x80..0xFF above ASCII. Inside the
-// library every text is such bytes; these conversions stand at the edges (terminal, UTF-8 files,
-// toolkit, database wire).
+// Text in code page 874, the Thai code page: one byte a letter, 0x80..0xFF above ASCII.
+// Inside the library every text is such bytes; these conversions stand at the edges (terminal, UTF-8
+// files, toolkit, database wire).
 //
 // Source: the Unicode Consortium's table CP874.TXT. Bytes 81-84, 86-90, 98-9F, DB-DE and FC-FF
 // stand for no letter.

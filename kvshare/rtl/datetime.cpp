@@ -8,6 +8,7 @@
 
 #include "kvshare/rtl/calendar.h"
 #include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/localtime.h"
 
 namespace kvshare::inline rtl {
 
@@ -26,8 +27,7 @@ LocalClock ReadLocalClock() {
   const auto now = std::chrono::floor<milliseconds>(std::chrono::system_clock::now());
   const auto seconds = std::chrono::floor<std::chrono::seconds>(now);
   const std::time_t stamp = std::chrono::system_clock::to_time_t(seconds);
-  std::tm local{};
-  ::localtime_r(&stamp, &local);
+  const std::tm local = LocalTimeOf(stamp);
   const int second = std::min(local.tm_sec, 59);  // a leap second has no place in the day
   return {EncodeDate(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday),
           EncodeTime(local.tm_hour, local.tm_min, second,

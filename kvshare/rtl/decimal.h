@@ -1,5 +1,6 @@
-// The decimal digits that every number text is made from. Internal: programs use Format,
+// The decimal digits that every number text is made from. Programs use Format,
 // FormatFloat and the conversions.
+// Internal header.
 #pragma once
 
 #include <array>

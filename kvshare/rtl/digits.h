@@ -1,4 +1,5 @@
 // Decimal digits without a detour, for the routines that make a million texts.
+// Internal header.
 #pragma once
 
 #include <array>

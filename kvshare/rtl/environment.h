@@ -1,4 +1,4 @@
-// Environment variables. Internal.
+// Environment variables.
 #pragma once
 
 #include <cstdlib>

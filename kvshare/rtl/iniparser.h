@@ -1,9 +1,10 @@
-// The text of an initialisation file: how it is read, and edits that keep every other byte. Inside
-// the library; programs use TIniFile.
+// The text of an initialisation file: how it is read, and edits that keep every other byte.
+// Programs use TIniFile.
 //
-// Lines end at LF, CR LF or CR. A header is `[name]` after blanks, what follows `]` counts for
-// nothing; a comment begins with `;` after blanks; a key is a line with a `=`. The first section of
+// Lines end at LF, CR LF or CR. A header is `[name]` after blanks, and what follows `]` is ignored; a
+// comment begins with `;` after blanks; a key is a line with a `=`. The first section of
 // a name and the first key of a name in it count; both ignore case.
+// Internal header.
 #pragma once
 
 #include <cstddef>

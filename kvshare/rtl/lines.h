@@ -1,4 +1,5 @@
 // Lines of a text, without copying one.
+// Internal header.
 #pragma once
 
 #include <cstddef>

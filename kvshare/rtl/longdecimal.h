@@ -1,4 +1,5 @@
-// A decimal of any number of digits, for values that no amount and no real can hold. Internal.
+// A decimal of any number of digits, for values that no amount and no real can hold.
+// Internal header.
 #pragma once
 
 #include <cstddef>

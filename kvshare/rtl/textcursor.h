@@ -1,4 +1,5 @@
 // A place in a text that is read from left to right, for the strict conversions.
+// Internal header.
 #pragma once
 
 #include <algorithm>

@@ -1,4 +1,5 @@
-// The mark that some editors put in front of UTF-8. Internal.
+// The mark that some editors put in front of UTF-8.
+// Internal header.
 #pragma once
 
 #include <string_view>

@@ -1,4 +1,5 @@
-// Arguments that lie in what a routine is about to change. Internal.
+// Arguments that lie in what a routine is about to change.
+// Internal header.
 #pragma once
 
 #include <functional>

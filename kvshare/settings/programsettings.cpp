@@ -1,8 +1,9 @@
 #include "kvshare/settings/programsettings.h"
 
+#include "kvshare/messages/programlocale.h"
 #include "kvshare/os/files.h"
 #include "kvshare/os/folders.h"
-#include "kvshare/os/registry.h"
+#include "kvshare/os/registry/registry.h"
 #include "kvshare/platform/verinfo.h"
 #include "kvshare/platform/win32.h"
 #include "kvshare/rtl/convert.h"
@@ -12,7 +13,6 @@
 #include "kvshare/rtl/inifile.h"
 #include "kvshare/settings/globals.h"
 #include "kvshare/settings/numberformats.h"
-#include "kvshare/settings/programlocale.h"
 #include "kvshare/ui/application.h"
 
 namespace kvshare {

@@ -1,4 +1,5 @@
-// Sizes of a Windows bitmap's headers, in bytes. Internal.
+// Sizes of a Windows bitmap's headers, in bytes.
+// Internal header.
 #pragma once
 
 #include <cstdint>

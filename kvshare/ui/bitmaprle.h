@@ -1,4 +1,5 @@
-// The runs of a compressed Windows bitmap. Inside the library.
+// The runs of a compressed Windows bitmap.
+// Internal header.
 #pragma once
 
 #include <array>

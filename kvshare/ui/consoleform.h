@@ -1,5 +1,5 @@
-// A form at a terminal, without windows: shown as lines, worked with by typed lines. Inside the
-// library.
+// A form at a terminal, without windows: shown as lines, worked with by typed lines.
+// Internal header.
 #pragma once
 
 #include <string>

@@ -1,5 +1,5 @@
-// What a form shows at a terminal, in the order in which it is shown and numbered. Inside the
-// library.
+// What a form shows at a terminal, in the order in which it is shown and numbered.
+// Internal header.
 #pragma once
 
 #include <algorithm>

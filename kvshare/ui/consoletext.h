@@ -1,5 +1,6 @@
 // Texts of anybody, a server among them, for a terminal: no byte of them steers it. Code page 874
-// in and out. Inside the library.
+// in and out.
+// Internal header.
 #pragma once
 
 #include <cstddef>

@@ -1,7 +1,7 @@
 // The list of companies.
 #include <gmock/gmock.h>
 
-#include "kvshare/data/clientdataset.h"
+#include "kvshare/data/client/clientdataset.h"
 #include "tests/apps/shop.h"
 
 namespace kvshare::app {

@@ -7,7 +7,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "apps/kvshare/moments.h"
+#include "apps/kvshare/log/moments.h"
 #include "kvshare/dates/date.h"
 #include "kvshare/money/money.h"
 #include "kvshare/rtl/convert.h"

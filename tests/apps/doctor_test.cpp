@@ -3,7 +3,7 @@
 
 #include <fstream>
 
-#include "kvshare/os/registry.h"
+#include "kvshare/os/registry/registry.h"
 #include "kvshare/platform/verinfo.h"
 #include "tests/apps/tempfile.h"
 #include "tests/support.h"

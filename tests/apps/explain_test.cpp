@@ -1,8 +1,8 @@
-#include "apps/kvshare/explain.h"
+#include "apps/kvshare/commands/explain.h"
 
 #include <gtest/gtest.h>
 
-#include "apps/kvshare/moments.h"
+#include "apps/kvshare/log/moments.h"
 #include "kvshare/dates/date.h"
 #include "kvshare/rtl/cp874.h"
 #include "tests/apps/tempfile.h"

@@ -1,10 +1,10 @@
-#include "apps/kvshare/logbook.h"
+#include "apps/kvshare/log/logbook.h"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
 
-#include "apps/kvshare/logfollower.h"
+#include "apps/kvshare/log/logfollower.h"
 #include "tests/apps/tempfile.h"
 #include "tests/support.h"
 

@@ -1,12 +1,12 @@
 // A record of the shop as a form, by what its user types and presses.
-#include "apps/kvshare/recordform.h"
+#include "apps/kvshare/data/recordform.h"
 
 #include <gtest/gtest.h>
 
 #include <set>
 #include <utility>
 
-#include "apps/kvshare/startedlibrary.h"
+#include "apps/kvshare/commands/startedlibrary.h"
 #include "kvshare/database/sqlfunc.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"

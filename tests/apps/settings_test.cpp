@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "kvshare/os/registry.h"
+#include "kvshare/os/registry/registry.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/files.h"
 #include "tests/apps/tempfile.h"

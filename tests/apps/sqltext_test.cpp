@@ -1,4 +1,4 @@
-#include "apps/kvshare/sqltext.h"
+#include "apps/kvshare/data/sqltext.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "apps/kvshare/stream.h"
+#include "apps/kvshare/terminal/stream.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "kvshare/os/versionresourcebuilder.h"
+#include "kvshare/os/version/versionresourcebuilder.h"
 #include "kvshare/rtl/files.h"
 #include "tests/apps/tempfile.h"
 #include "tests/os/images.h"

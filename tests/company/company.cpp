@@ -4,13 +4,13 @@
 #include <fstream>
 
 #include "kvshare/database/dbxconf.h"
+#include "kvshare/database/sqldialect.h"
 #include "kvshare/database/sqlfunc.h"
 #include "kvshare/rtl/files.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/inifile.h"
 #include "kvshare/settings/globals.h"
-#include "kvshare/settings/package.h"
-#include "kvshare/settings/sqldialect.h"
+#include "kvshare/start/package.h"
 
 namespace kvshare {
 namespace {

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "kvshare/data/sqlquery.h"
+#include "kvshare/data/sql/sqlquery.h"
 #include "kvshare/ui/backend.h"
 #include "tests/support.h"
 

@@ -1,10 +1,10 @@
 // What the fragments of the sample dialect mean on the real server.
+#include "kvshare/database/sqldialect.h"
 #include "kvshare/database/sqlreplication.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/datetime.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/settings/globals.h"
-#include "kvshare/settings/sqldialect.h"
 #include "tests/company/company.h"
 
 namespace kvshare {

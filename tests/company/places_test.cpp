@@ -1,5 +1,5 @@
 // Statements with parameters, as the real server reads them; values that have no form.
-#include "kvshare/data/errors.h"
+#include "kvshare/data/contract/errors.h"
 #include "kvshare/rtl/format.h"
 #include "tests/apps/tempfile.h"
 #include "tests/company/company.h"

@@ -15,7 +15,7 @@
 
 #include "apps/receipts/calc.h"
 #include "apps/receipts/dayreader.h"
-#include "kvshare/data/sqlquery.h"
+#include "kvshare/data/sql/sqlquery.h"
 #include "kvshare/database/sqlfunc.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/cp874.h"

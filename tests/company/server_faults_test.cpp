@@ -4,8 +4,8 @@
 #include <thread>
 #include <utility>
 
-#include "kvshare/data/clientdataset.h"
-#include "kvshare/data/provider.h"
+#include "kvshare/data/client/clientdataset.h"
+#include "kvshare/data/client/provider.h"
 #include "kvshare/database/dbxconf.h"
 #include "kvshare/database/sqlbatch.h"
 #include "kvshare/database/sqlfunc.h"

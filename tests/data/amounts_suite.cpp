@@ -4,7 +4,7 @@
 #include <optional>
 #include <random>
 
-#include "kvshare/data/errors.h"
+#include "kvshare/data/contract/errors.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/types.h"
 #include "tests/support.h"

@@ -1,4 +1,4 @@
-#include "kvshare/data/clientdataset.h"
+#include "kvshare/data/client/clientdataset.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "kvshare/data/clientdataset.h"
-#include "kvshare/data/provider.h"
+#include "kvshare/data/client/clientdataset.h"
+#include "kvshare/data/client/provider.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/types.h"
 #include "tests/data/sqlite.h"

@@ -1,9 +1,9 @@
 #include <gmock/gmock.h>
 
-#include "kvshare/data/errors.h"
-#include "kvshare/data/secrets.h"
-#include "kvshare/data/sqlconnection.h"
-#include "kvshare/data/sqlquery.h"
+#include "kvshare/data/contract/errors.h"
+#include "kvshare/data/sql/secrets.h"
+#include "kvshare/data/sql/sqlconnection.h"
+#include "kvshare/data/sql/sqlquery.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 #include "tests/data/sqlite.h"

@@ -6,7 +6,7 @@
 #include <chrono>
 #include <ostream>
 
-#include "kvshare/data/errors.h"
+#include "kvshare/data/contract/errors.h"
 #include "kvshare/database/sqlfunc.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"

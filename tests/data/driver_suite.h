@@ -13,8 +13,8 @@
 #include <string>
 #include <vector>
 
-#include "kvshare/data/sqlconnection.h"
-#include "kvshare/data/sqlquery.h"
+#include "kvshare/data/sql/sqlconnection.h"
+#include "kvshare/data/sql/sqlquery.h"
 
 namespace kvshare {
 

@@ -1,10 +1,10 @@
 // Whatever call into a driver fails, a program gets an exception of the library's.
 #include <gmock/gmock.h>
 
-#include "kvshare/data/clientdataset.h"
-#include "kvshare/data/errors.h"
-#include "kvshare/data/provider.h"
-#include "kvshare/data/sqlquery.h"
+#include "kvshare/data/client/clientdataset.h"
+#include "kvshare/data/client/provider.h"
+#include "kvshare/data/contract/errors.h"
+#include "kvshare/data/sql/sqlquery.h"
 #include "tests/support.h"
 
 namespace kvshare {

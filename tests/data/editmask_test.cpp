@@ -1,9 +1,9 @@
-#include "kvshare/data/editmask.h"
+#include "kvshare/data/fields/editmask.h"
 
 #include <gtest/gtest.h>
 
-#include "kvshare/data/clientdataset.h"
-#include "kvshare/data/errors.h"
+#include "kvshare/data/client/clientdataset.h"
+#include "kvshare/data/contract/errors.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/formatsettings.h"
 #include "tests/support.h"

@@ -2,7 +2,7 @@
 // `Fail` of the connection, or before there is one by the entry that it is loaded through.
 #include <string>
 
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::data {
 namespace {

@@ -1,4 +1,4 @@
-#include "kvshare/data/field.h"
+#include "kvshare/data/fields/field.h"
 
 #include <functional>
 #include <random>
@@ -6,7 +6,7 @@
 #include <variant>
 #include <vector>
 
-#include "kvshare/data/dataset.h"
+#include "kvshare/data/fields/dataset.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"

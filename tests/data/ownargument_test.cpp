@@ -1,8 +1,8 @@
 // Texts that lie in the object which they are given to.
 #include <gtest/gtest.h>
 
-#include "kvshare/data/clientdataset.h"
-#include "kvshare/data/sqlconnection.h"
+#include "kvshare/data/client/clientdataset.h"
+#include "kvshare/data/sql/sqlconnection.h"
 
 namespace kvshare {
 namespace {

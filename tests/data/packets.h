@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "kvshare/data/clientdataset.h"
+#include "kvshare/data/client/clientdataset.h"
 #include "kvshare/rtl/exceptions.h"
 #include "tests/support.h"
 

@@ -1,12 +1,12 @@
-#include "kvshare/data/sqlquery.h"
+#include "kvshare/data/sql/sqlquery.h"
 
 #include <gmock/gmock.h>
 
 #include <cmath>
 #include <random>
 
-#include "kvshare/data/clientdataset.h"
-#include "kvshare/data/provider.h"
+#include "kvshare/data/client/clientdataset.h"
+#include "kvshare/data/client/provider.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/format.h"

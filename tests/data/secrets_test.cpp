@@ -1,4 +1,4 @@
-#include "kvshare/data/secrets.h"
+#include "kvshare/data/sql/secrets.h"
 
 #include <gtest/gtest.h>
 

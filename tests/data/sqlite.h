@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "kvshare/data/sqlconnection.h"
+#include "kvshare/data/sql/sqlconnection.h"
 
 namespace kvshare {
 

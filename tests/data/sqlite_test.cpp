@@ -5,9 +5,9 @@
 #include <fstream>
 #include <functional>
 
-#include "kvshare/data/clientdataset.h"
-#include "kvshare/data/errors.h"
-#include "kvshare/data/provider.h"
+#include "kvshare/data/client/clientdataset.h"
+#include "kvshare/data/client/provider.h"
+#include "kvshare/data/contract/errors.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/cp874.h"
 #include "tests/data/amounts_suite.h"

@@ -1,5 +1,5 @@
 // How each server reads statements.
-#include "kvshare/data/statement.h"
+#include "kvshare/data/sql/statement.h"
 
 #include <gmock/gmock.h>
 

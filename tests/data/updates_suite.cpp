@@ -8,9 +8,9 @@
 #include <random>
 #include <set>
 
-#include "kvshare/data/clientdataset.h"
-#include "kvshare/data/errors.h"
-#include "kvshare/data/provider.h"
+#include "kvshare/data/client/clientdataset.h"
+#include "kvshare/data/client/provider.h"
+#include "kvshare/data/contract/errors.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"

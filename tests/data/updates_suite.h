@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "kvshare/data/provider.h"
+#include "kvshare/data/client/provider.h"
 #include "tests/data/driver_suite.h"
 
 namespace kvshare {

@@ -10,13 +10,13 @@
 #include <sstream>
 #include <string>
 
-#include "kvshare/data/sqlquery.h"
+#include "kvshare/data/sql/sqlquery.h"
 #include "kvshare/database/dbxconf.h"
 #include "kvshare/database/sqlfunc.h"
 #include "kvshare/os/paths.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/settings/globals.h"
-#include "kvshare/settings/package.h"
+#include "kvshare/start/package.h"
 #include "kvshare/ui/backend.h"
 #include "tests/data/sqlite.h"
 #include "tests/support.h"

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "kvshare/data/clientdataset.h"
+#include "kvshare/data/client/clientdataset.h"
 #include "kvshare/database/posterror.h"
 #include "kvshare/database/recerror.h"
 #include "kvshare/rtl/cp874.h"

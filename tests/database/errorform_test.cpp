@@ -5,7 +5,7 @@
 
 #include <array>
 
-#include "kvshare/data/clientdataset.h"
+#include "kvshare/data/client/clientdataset.h"
 #include "kvshare/database/posterror.h"
 #include "kvshare/database/recerror.h"
 #include "kvshare/dates/dbdate.h"

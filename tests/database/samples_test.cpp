@@ -2,13 +2,13 @@
 #include <gtest/gtest.h>
 
 #include "kvshare/database/dbxconf.h"
+#include "kvshare/database/sqldialect.h"
 #include "kvshare/os/files.h"
 #include "kvshare/os/paths.h"
 #include "kvshare/rtl/files.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/inifile.h"
 #include "kvshare/settings/globals.h"
-#include "kvshare/settings/sqldialect.h"
 #include "tests/support.h"
 
 namespace kvshare {

@@ -2,8 +2,8 @@
 // what he decides reaches the server.
 #include <gtest/gtest.h>
 
-#include "kvshare/data/clientdataset.h"
-#include "kvshare/data/provider.h"
+#include "kvshare/data/client/clientdataset.h"
+#include "kvshare/data/client/provider.h"
 #include "kvshare/database/dbpost.h"
 #include "kvshare/database/recerror.h"
 #include "tests/database/company.h"

@@ -8,7 +8,7 @@
 #include "kvshare/platform/kovrawin.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/settings/datetimeformat.h"
-#include "kvshare/settings/package.h"
+#include "kvshare/start/package.h"
 #include "tests/desktop/shot.h"
 #include "tests/desktop/user.h"
 #include "tests/support.h"

@@ -15,7 +15,7 @@
 #include "kvshare/platform/verinfo.h"
 #include "kvshare/platform/win32.h"
 #include "kvshare/rtl/cp874.h"
-#include "kvshare/settings/package.h"
+#include "kvshare/start/package.h"
 #include "kvshare/ui/application.h"
 #include "kvshare/ui/stdcontrols.h"
 #include "tests/desktop/shot.h"

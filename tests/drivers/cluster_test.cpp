@@ -9,7 +9,7 @@
 #include <cstdlib>
 #include <thread>
 
-#include "kvshare/data/sqlconnection.h"
+#include "kvshare/data/sql/sqlconnection.h"
 #include "kvshare/database/sqlreplication.h"
 #include "tests/drivers/server.h"
 #include "tests/os/childprocess.h"

@@ -12,7 +12,7 @@
 #include "drivers/common/sqlitestatement.h"
 #include "drivers/common/statements.h"
 #include "drivers/common/transaction.h"
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 
 namespace kvshare::drivers {
 namespace {

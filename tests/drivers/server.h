@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "kvshare/data/driver.h"
+#include "kvshare/data/contract/driver.h"
 #include "tests/drivers/dialect.h"
 
 namespace kvshare {

@@ -47,6 +47,9 @@ extern "C" {
   if (::statfs(path, &facts) != 0) return -1;
   *space = {};
   space->f_frsize = static_cast<unsigned long>(facts.f_frsize);
+  space->f_bsize = static_cast<unsigned long>(facts.f_bsize);
+  space->f_blocks = facts.f_blocks;
+  space->f_bfree = facts.f_bfree;
   space->f_bavail = calls.left == 0 && calls.error == ENOSPC ? 0 : facts.f_bavail;
   return 0;
 }

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "kvshare/os/imagereader.h"
+#include "kvshare/os/version/imagereader.h"
 
 namespace kvshare::os {
 

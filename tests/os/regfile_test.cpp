@@ -1,4 +1,4 @@
-#include "kvshare/os/regfile.h"
+#include "kvshare/os/registry/regfile.h"
 
 #include <gmock/gmock.h>
 

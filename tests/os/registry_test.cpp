@@ -1,4 +1,4 @@
-#include "kvshare/os/registry.h"
+#include "kvshare/os/registry/registry.h"
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>

@@ -7,7 +7,7 @@
 #include <random>
 #include <vector>
 
-#include "kvshare/os/registry.h"
+#include "kvshare/os/registry/registry.h"
 #include "tests/os/childprocess.h"
 #include "tests/support.h"
 

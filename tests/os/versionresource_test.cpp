@@ -1,4 +1,4 @@
-#include "kvshare/os/versionresource.h"
+#include "kvshare/os/version/versionresource.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -6,7 +6,7 @@
 
 #include <vector>
 
-#include "kvshare/os/versionresourcebuilder.h"
+#include "kvshare/os/version/versionresourcebuilder.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/files.h"

@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "kvshare/os/folders.h"
-#include "kvshare/os/versionresource.h"
+#include "kvshare/os/version/versionresource.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/files.h"
-#include "kvshare/settings/package.h"
+#include "kvshare/start/package.h"
 #include "kvshare/ui/backend.h"
 #include "tests/os/images.h"
 #include "tests/support.h"

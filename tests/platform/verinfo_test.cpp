@@ -9,7 +9,7 @@
 
 #include "kvshare/os/files.h"
 #include "kvshare/os/folders.h"
-#include "kvshare/os/registry.h"
+#include "kvshare/os/registry/registry.h"
 #include "kvshare/platform/fileinfo.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"

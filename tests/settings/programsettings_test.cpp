@@ -10,7 +10,7 @@
 #include "kvshare/rtl/format.h"
 #include "kvshare/settings/globals.h"
 #include "kvshare/settings/numberformats.h"
-#include "kvshare/settings/package.h"
+#include "kvshare/start/package.h"
 #include "kvshare/ui/application.h"
 #include "tests/support.h"
 

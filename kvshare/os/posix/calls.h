@@ -1,5 +1,6 @@
-// The system calls of which each can fail after a file has been begun. Inside the library; a test
-// passes calls that fail.
+// The system calls of which each can fail after a file has been begun. A test passes calls that
+// fail.
+// Internal header.
 #pragma once
 
 #include <fcntl.h>

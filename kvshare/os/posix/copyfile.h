@@ -1,4 +1,5 @@
-// One file's way into another folder. Inside the library.
+// One file's way into another folder.
+// Internal header.
 #pragma once
 
 namespace kvshare::os::posix {

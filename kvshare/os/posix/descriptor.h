@@ -1,4 +1,5 @@
-// A file that is open. Inside the library.
+// A file that is open.
+// Internal header.
 #pragma once
 
 #include <fcntl.h>

@@ -1,4 +1,5 @@
-// The drives as they stand in drives.ini. Inside the library.
+// The drives as they stand in drives.ini.
+// Internal header.
 #pragma once
 
 #include <memory>

@@ -1,4 +1,5 @@
-// The system's errors as the platform numbers them. Inside the library.
+// The system's errors as the platform numbers them.
+// Internal header.
 #pragma once
 
 #include <string>

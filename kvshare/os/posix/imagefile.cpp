@@ -5,11 +5,11 @@
 
 #include <cerrno>
 
-#include "kvshare/os/imagereader.h"
 #include "kvshare/os/paths.h"
 #include "kvshare/os/posix/descriptor.h"
 #include "kvshare/os/posix/errors.h"
-#include "kvshare/os/versionresource.h"
+#include "kvshare/os/version/imagereader.h"
+#include "kvshare/os/version/versionresource.h"
 #include "kvshare/rtl/exceptions.h"
 
 namespace kvshare::os {

@@ -1,4 +1,5 @@
 // Programs and libraries as files.
+// Internal header.
 #pragma once
 
 #include <string>

@@ -1,4 +1,5 @@
-// The entries of one folder. Inside the library.
+// The entries of one folder.
+// Internal header.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,5 @@
-// A name of the interface on its way to the system's. Inside the library.
+// A name of the interface on its way to the system's.
+// Internal header.
 #pragma once
 
 #include <sys/stat.h>

@@ -1,4 +1,5 @@
-// Where the running program lies, the system's own bytes. Inside the library.
+// Where the running program lies, the system's own bytes.
+// Internal header.
 #pragma once
 
 #include <string>

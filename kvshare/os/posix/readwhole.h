@@ -1,4 +1,5 @@
-// A file by the system's name. Inside the library.
+// A file by the system's name.
+// Internal header.
 #pragma once
 
 #include <string>

@@ -1,4 +1,5 @@
-// Names that differ in letter case from those on the disk. Inside the library.
+// Names that differ in letter case from those on the disk.
+// Internal header.
 #pragma once
 
 #include <compare>

@@ -1,4 +1,5 @@
-// A file under way to another one's place. Inside the library.
+// A file under way to another one's place.
+// Internal header.
 #pragma once
 
 #include <string>

@@ -1,4 +1,5 @@
-// Names and failures of a walk, for who asked for it. Inside the library.
+// Names and failures of a walk, for who asked for it.
+// Internal header.
 #pragma once
 
 #include <string>

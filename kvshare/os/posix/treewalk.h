@@ -1,5 +1,5 @@
-// The way through a tree: each folder is opened from its parent, never by its whole name. Inside
-// the library.
+// The way through a tree: each folder is opened from its parent, never by its whole name.
+// Internal header.
 #pragma once
 
 #include <cstddef>

@@ -1,0 +1,58 @@
+// A day's documents as command lines name and compute them.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+#include "apps/kvshare/terminal/inputfile.h"
+#include "apps/kvshare/terminal/stream.h"
+#include "apps/receipts/calc.h"
+#include "apps/receipts/dayreader.h"
+#include "apps/receipts/print.h"
+
+namespace kvshare::app {
+
+// How documents are computed, as typed.
+struct RuleOptions {
+  std::string round = "mrTwoDigits";
+  std::string vatRound = "mrTwoDigits";
+  std::string vat = "document";
+  std::string cashStep;
+  bool priceIncludesVat = false;
+};
+
+// Adds `--round`, `--vat-round`, `--vat`, `--cash-step` and `--price-includes-vat`.
+void AddRules(CLI::App& command, RuleOptions& options);
+
+// Refuses the usage of a mode that there is not.
+receipts::Rules UsageRules(const RuleOptions& options);
+
+// How receipts are set, as typed.
+struct LayoutOptions {
+  std::string discount = "line";
+  std::string era;
+  std::size_t width = 80;
+};
+
+// Adds `--discount`, `--era` and `--width`.
+void AddLayout(CLI::App& command, LayoutOptions& options);
+
+// In the digits that the user has stored for this command. Refuses the usage of an era that there
+// is not; throws EConvertError for digits that cannot be used.
+receipts::Layout UsageLayout(const LayoutOptions& options, const RuleOptions& rules);
+
+// The file, or standard input for `-`. Throws StreamError.
+class DayInput {
+ public:
+  DayInput(const std::string& name, const Stdio& stdio)
+      : file_(name == "-" ? InputFile() : InputFile(name)), in_(stdio.in) {}
+
+  // Feeds the reader to the end.
+  void FeedTo(receipts::DayReader& reader) const;
+
+ private:
+  InputFile file_;
+  int in_;
+};
+
+}  // namespace kvshare::app

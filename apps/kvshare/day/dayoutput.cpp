@@ -1,0 +1,39 @@
+#include "apps/kvshare/day/dayoutput.h"
+
+#include "apps/receipts/json.h"
+#include "kvshare/rtl/cp874.h"
+
+namespace kvshare::app {
+
+void DayOutput::Report(const receipts::Problem& problem) {
+  failed_ = failed_ || !problem.warning;
+  progress_.Erase();
+  err_.Buffer() += problem.Message();
+  err_.EndLine();
+}
+
+void DayOutput::ReportDocument(const receipts::Document& document, std::string_view what,
+                               bool warning) {
+  Report({document.row, 0, "",
+          std::string("document ").append(Cp874ToUtf8Lossy(document.number)).append(what),
+          warning});
+}
+
+void DayOutput::Print(const receipts::Document& document, const receipts::Receipt& receipt,
+                      const receipts::Layout& layout) {
+  if (json_) {
+    AppendJson(out_.Buffer(), document, receipt);
+    out_.EndLine();
+  } else {
+    AppendReceipt(out_.Buffer(), document, receipt, layout);
+    out_.EndBlock();
+  }
+}
+
+void DayOutput::Finish() {
+  progress_.Erase();
+  out_.Flush();
+  err_.Flush();
+}
+
+}  // namespace kvshare::app
