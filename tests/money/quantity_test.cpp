@@ -48,6 +48,7 @@ TEST_F(QuantityText, StrZeroIsAsDescribedAtEveryWidth) {
   constexpr Currency kAmounts[] = {0_baht,
                                    0.0001_baht,
                                    -0.0001_baht,
+                                   0.0005_baht,
                                    0.005_baht,
                                    0.9949_baht,
                                    0.995_baht,
@@ -127,6 +128,8 @@ TEST_F(QuantityText, SkuTextOfOddArguments) {
     EXPECT_EQ(TKovraMoney::ShowSkuQty(2, 0, c.decimals, 6, c.qty, 12_baht, c.rate), c.want)
         << c.why;
   }
+  EXPECT_EQ(TKovraMoney::ShowSkuQty(1, 1, 0, 0, 29.5_baht, 12_baht, "1"), "          29")
+      << "without decimals the quantity is cut";
   EXPECT_EQ(TKovraMoney::ShowSkuQty(1, 2, 0, 0, 29_baht, 12_baht, ""), "")
       << "the rate is read in every mode";
   FormatSettings.DecimalSeparator = ',';

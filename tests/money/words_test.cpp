@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
 #include <vector>
@@ -64,7 +65,9 @@ std::string DescribedNumber(std::int64_t n) {
 std::string DescribedEngNote(Currency amount) {
   const std::string s = TKovraMoney::StrZero(TKovraMoney::RoundTo(amount, 2), 16, 2);
   const auto whole = static_cast<std::int32_t>(StrToInt64(Copy(s, 2, 12)));
-  const std::string c = DescribedNumber(StrToInt(Copy(s, 15, 2)));
+  std::string satang(Copy(s, 15, 2));
+  std::ranges::replace(satang, '.', '0');
+  const std::string c = DescribedNumber(StrToInt(satang));
   std::string words = DescribedNumber(whole);
   return c.empty() ? words.append("Baht Only") : words.append("Baht ").append(c).append("Stang");
 }
@@ -100,6 +103,18 @@ TEST(Words, AreAsDescribed) {
     TKovraMoney::AppendEngCrncy(text, amount, "Baht", "Stang");
     ASSERT_EQ(text,
               std::string(">").append(DescribedThaiNote(amount)).append(DescribedEngNote(amount)));
+  }
+}
+
+// Past the twelve digits that are read: what is cut off there decides the words.
+TEST(Words, EnglishOfAmountsPastTheirDigits) {
+  FormatSettings = TFormatSettings::UsEnglish();
+  std::mt19937_64 random(1968);
+  for (int i = 0; i < 20'000; ++i) {
+    const std::int64_t whole =
+        10'000'000'000'000 + static_cast<std::int64_t>(random() % 90'000'000'000'000);
+    const Currency amount = Currency::FromRaw(whole * Currency::kScale + i % 10'000);
+    ASSERT_EQ(TKovraMoney::EngNote(amount), DescribedEngNote(amount)) << amount.Raw();
   }
 }
 

@@ -3,6 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <random>
+#include <string>
 
 namespace kvshare {
 namespace {
@@ -50,16 +54,37 @@ TEST(Currency, FromRealTiesToEven) {
     Currency want;
   };
   constexpr Case kCases[] = {
-      {0.00005, 0_baht},        {0.00015, 0.0002_baht},
-      {-0.00015, -0.0002_baht}, {2.00003125, 2_baht},
-      {-0.25, -0.25_baht},      {922337203685477.5, 922337203685477.5_baht},
-      {1e-300, 0_baht},         {4398046511104.001, 4398046511104.001_baht},
+      {0.00005, 0_baht},
+      {0.00015, 0.0002_baht},
+      {-0.00015, -0.0002_baht},
+      {2.00003125, 2_baht},
+      {-0.25, -0.25_baht},
+      {922337203685477.5, 922337203685477.5_baht},
+      {1e-300, 0_baht},
+      {4398046511104.001, 4398046511104.001_baht},
+      {1.2345678901, 1.2346_baht},
   };
   for (const Case& c : kCases) EXPECT_EQ(FloatToCurrency(c.value).Raw(), c.want.Raw()) << c.value;
   for (const Case& c : kCases) EXPECT_EQ(FloatToCurrency(CurrencyToFloat(c.want)), c.want);
   EXPECT_EQ(CurrencyToFloat(617475130136601_baht), 617475130136601) << "the count passes 2^53";
   EXPECT_THROW(FloatToCurrency(922337203685477.625), EInvalidOp);
   EXPECT_THROW(FloatToCurrency(std::nan("")), EInvalidOp);
+}
+
+// The nearest double, as the conversion of the amount's digits finds it, where the count of
+// ten-thousandths is none itself.
+TEST(Currency, ToTheNearestReal) {
+  std::mt19937_64 random(25691126);
+  for (int i = 0; i < 50'000; ++i) {
+    const Currency amount =
+        Currency::FromRaw(static_cast<std::int64_t>(random() >> (random() % 11)));
+    char text[32];
+    std::snprintf(text, sizeof text, "%lld.%04d", static_cast<long long>(Trunc(amount)),
+                  static_cast<int>(std::abs(Frac(amount).Raw())));
+    const std::string digits =
+        (amount.Raw() < 0 && Trunc(amount) == 0 ? "-" : "") + std::string(text);
+    ASSERT_EQ(CurrencyToFloat(amount), std::strtod(digits.c_str(), nullptr)) << digits;
+  }
 }
 
 }  // namespace

@@ -31,6 +31,7 @@ constexpr std::string_view kFile =
     "no key\r\n"
     "Double=\" in \"\r\n"
     "Single='%S'\r\n"
+    "Nothing=\"\"\r\n"
     "Twice=''a''\r\n"
     "Mixed=\"a'\r\n"
     "Lone=\"\r\n"
@@ -68,6 +69,7 @@ TEST_F(IniFile, ReadsAsThePlatformDoes) {
       {"Main", "no key", "?", "no ="},
       {"Main", "Double", " in ", "blanks inside quotes stay"},
       {"Main", "Single", "%S", "single quotes"},
+      {"Main", "Nothing", "", "nothing between quotes"},
       {"Main", "Twice", "'a'", "one pair only"},
       {"Main", "Mixed", "\"a'", "unequal quotes stay"},
       {"Main", "Lone", "\"", "a lone quote stays"},
@@ -160,6 +162,7 @@ TEST_F(IniFile, WritingKeepsEveryOtherByte) {
       {"[s]\na=1\n;c\n\n[t]\n", "s", "k", "v", "[s]\na=1\n;c\nk=v\n\n[t]\n",
        "behind the last line"},
       {"[s]\r\na=1", "s", "k", "v", "[s]\r\na=1\r\nk=v\r\n", "a last line without end"},
+      {"[s]\na=1\n\n", "s", "k", "v", "[s]\na=1\nk=v\n\n", "a blank line at the end"},
       {"[s]\na='1'\n", "t", "k", "v", "[s]\na='1'\n\n[t]\nk=v\n", "new section"},
       {"[s]\nk=\"q\"\n", "s", "k", "'w'", "[s]\nk=\"'w'\"\n", "quotes that would be taken off"},
       {"[s]\n", "s", "k", " v", "[s]\nk=\" v\"\n", "blanks that would be dropped"},
