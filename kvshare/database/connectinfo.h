@@ -18,9 +18,9 @@ KVSHARE_API std::string GetCompanyListFileName();
 // list the name is a connection of the connection file, and everything else lies in the program's
 // folder.
 //
-// A company that is not in the list, and one whose connection is not in the connection file, are
-// told by a message box. The globals are then as before, but of the latter KovraDataBaseName and
-// KovraAliasName are the new ones.
+// A message box reports a company that is not in the list, and one whose connection is not in the
+// connection file. The globals then keep their values, except that a missing connection leaves
+// KovraDataBaseName and KovraAliasName set to the new names.
 //
 // Throws EDBClient and EInOutError for a list that cannot be read, EDatabaseError
 // `Field '%s' not found` for one that lacks a field, EInOutError for a folder that cannot be made.

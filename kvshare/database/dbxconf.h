@@ -49,8 +49,8 @@ KVSHARE_API std::string GetdbxVendorLib(std::string_view alias);    // "LIBMYSQL
 // parameters of the driver.
 KVSHARE_API void GetdbxParams(std::string_view alias, TStrings& params);
 
-// The login as it is stored, in plain; "" where there is none. A section with the names
-// EncryptUser, DecryptUser, EncryptPwd and DecryptPwd instead has none that is plain.
+// The login that is stored in plain text; "" where the section has none. A section that uses the
+// names EncryptUser, DecryptUser, EncryptPwd and DecryptPwd stores no plain login.
 KVSHARE_API std::string GetdbxUserName(std::string_view alias);
 KVSHARE_API std::string GetdbxPassword(std::string_view alias);
 

@@ -81,7 +81,7 @@ KVSHARE_API bool ExistTableBySQL(TSQLConnection& Connection, std::string_view Ta
                                  std::string_view FieldName);
 
 // Replaces the list by the names of tables and views, without owner and quotes, and without those
-// that code page 874 cannot spell. Whether there are quotes is told by the first name alone: it
+// that code page 874 cannot spell. The first name alone decides whether names are quoted: it
 // begins and ends with one same character, no letter A to Z, which stands in it an even number of
 // times; what stands between its last two is the name. All names are then cut likewise; one without
 // them is left empty or cut. The drivers of this library give names of any form so that they come

@@ -64,7 +64,7 @@ class KVSHARE_API TKovraMoney {
   // taken as 0. Throws EIntOverflow where the result leaves Currency's range.
   static Currency RoundTo(Currency Amount, int Digits);
 
-  // Exact equality, without a tolerance: that of the two texts with eight decimals.
+  // Exact equality, without a tolerance: the two amounts have the same text with eight decimals.
   static bool IsEqual(Currency A, Currency B);
 
   // Share = Amount * Percent / 100 (half to even at four decimals), then RoundTo(Share, 2);

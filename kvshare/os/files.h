@@ -22,7 +22,7 @@ KVSHARE_API std::optional<TDateTime> FileAge(std::string_view name);
 // Bytes of a file. Throws EInOutError: 2 missing, 3 no such folder, 5 denied or a folder.
 KVSHARE_API std::int64_t FileSize(std::string_view name);
 
-// Creates a folder with all that lead to it, that of C: itself among them. True when it exists
+// Creates a folder and its missing parents, the folder of C: included. True when it exists
 // afterwards. One final `\` is dropped; a name shorter than three bytes is taken for a drive and is
 // true. Throws EInOutError `Unable to create directory` (code 3) for "" and for a relative name
 // whose first folder is missing.
@@ -65,7 +65,7 @@ KVSHARE_API int FileGetAttr(std::string_view name);
 // write the file, without it its owner may again; other bits are ignored.
 KVSHARE_API int FileSetAttr(std::string_view name, int attributes);
 
-// The process's current folder, without a final `\` except that of a root.
+// The process's current folder, without a final `\` unless it is a root.
 KVSHARE_API std::string CurrentFolder();
 
 // The full name against the current folder, see rtl/filenames.h.

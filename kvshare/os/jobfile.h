@@ -26,8 +26,8 @@ class JobFile {
   // Once false, always false: a job that lacks a piece never appears.
   bool Write(std::string_view bytes);
 
-  // Flushes the file and names it NNNNNN-`name`: a number above that of every job that the folder
-  // has had, also those that have been taken away. Several processes get different ones.
+  // Flushes the file and names it NNNNNN-`name`. The number is greater than the number of every job
+  // that the folder has had, removed jobs included. Several processes get different ones.
   bool Publish(std::string_view name);
 
  private:

@@ -15,7 +15,7 @@ namespace kvshare::os {
 // needs one), is empty or has a letter that the code page lacks.
 KVSHARE_API std::optional<std::string> ComputerName(std::size_t bufferSize);
 
-// The login name: KVSHARE_USER, else that of the effective user. None likewise.
+// The login name: KVSHARE_USER, else the name of the effective user. None likewise.
 KVSHARE_API std::optional<std::string> LoginName(std::size_t bufferSize);
 
 // The first IPv4 address of the computer's host name, dotted; "" when it has none.

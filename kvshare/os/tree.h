@@ -36,7 +36,7 @@ using TreeReader = std::function<void(const TreeEntry&)>;
 
 KVSHARE_API std::uint64_t CountTree(const TreeScope& scope, const TreeFailure& failed = {});
 
-// The files of every subfolder come before those of its parent; the mask is that of files alone.
+// The files of a subfolder come before its parent's; the mask applies to files only.
 KVSHARE_API void ListTree(const TreeScope& scope, const TreeReader& read,
                           const TreeFailure& failed = {});
 
@@ -52,10 +52,10 @@ struct TreeDeletion {
   std::uint64_t folders = 0;
 };
 
-// Throws EInOutError for the first folder that cannot be removed, of which `failed` is told too.
+// Throws EInOutError for the first folder that cannot be removed, after calling `failed` for it.
 KVSHARE_API TreeDeletion DeleteTree(const TreeScope& scope, const TreeFailure& failed = {});
 
-// What DeleteTree would delete, in its order; `failed` is told of folders that would not be empty.
+// What DeleteTree would delete, in its order; calls `failed` for folders that would not be empty.
 KVSHARE_API void ListDeletion(const TreeScope& scope, const TreeReader& read,
                               const TreeFailure& failed = {});
 

@@ -80,16 +80,16 @@ KVSHARE_API void LoadKovraWin();
 // Unloads the library, or one load of it; nothing while hKovraWin is 0 or no load is left.
 KVSHARE_API void FreeKovraWin();
 
-// Calls an entry of the loaded library by its name; shows `Program NAME Not Found in KovraWin.DLL`
-// where there is none, or where no library is loaded.
+// Calls an entry of the loaded library by its name. Shows `Program NAME Not Found in KovraWin.DLL`
+// where the library lacks it or no library is loaded.
 KVSHARE_API void ExecuteProcedure(std::string_view name);
 KVSHARE_API void DoProcedure();  // ExecuteProcedure("DoProcedure"); does not load either
 
 // --- The dialogs
 
-// Texts end at a zero byte. Captions, except that of ExecGetGroupName, and in/out texts are cut
-// after 64 letters, and in/out texts come back so in any case. Where the entry is missing or
-// throws, a function returns 0, false, or what it was given.
+// Texts end at a zero byte. Captions (but not ExecGetGroupName's) and in/out texts are cut after 64
+// letters, and an in/out text comes back cut in any case. Where the entry is missing or throws, a
+// function returns 0, false, or the value that it was given.
 
 KVSHARE_API double ExecCalculator(std::int32_t mode, double value);  // 0
 KVSHARE_API TDateTime ExecCalendar(std::int32_t mode, TDateTime date);

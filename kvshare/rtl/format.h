@@ -113,7 +113,7 @@ KVSHARE_API void AppendFormat(std::string& out, std::string_view format,
                               const TFormatSettings& settings = FormatSettings);
 
 // As AppendFormat, but the pattern must have a placeholder for every argument as well: fewer throw
-// the second error. `%%` is none; one that begins with `index:`, and a `*`, count as any other.
+// the second error. `%%` is not a placeholder; `index:` and `*` placeholders count like any other.
 KVSHARE_API void AppendFormatAll(std::string& out, std::string_view format,
                                  std::initializer_list<TVarRec> args,
                                  const TFormatSettings& settings = FormatSettings);

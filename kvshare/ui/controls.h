@@ -201,8 +201,8 @@ class KVSHARE_API TForm : public TWinControl {
   TWinControl* ActiveControl() const { return active_; }
   void SetActiveControl(TWinControl* control);
 
-  // The button of Enter and that of Esc: the first that can be clicked, else the first, else
-  // nullptr.
+  // The button that Enter clicks and the button that Esc clicks: the first one that can be clicked,
+  // else the first one, else nullptr.
   TButton* DefaultButton() const;
   TButton* CancelButton() const;
 

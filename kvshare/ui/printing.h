@@ -43,8 +43,8 @@ class KVSHARE_API TSpooler {
   virtual std::string DefaultPrinter() = 0;         // "" when there is none
   virtual std::unique_ptr<TPrinterHandle> Open(std::string_view printer) = 0;  // nullptr: refused
 
-  // Why the last call could not be answered, in code page 874: the spooler is down. "" where it
-  // could, also by "there is none".
+  // Why the spooler could not answer the last call, in code page 874; "" where it answered, even
+  // that there is no such printer.
   virtual std::string Trouble() const { return {}; }
 };
 
@@ -52,8 +52,8 @@ class KVSHARE_API TSpooler {
 // folder in `spool` of os::HomeFolder() is a printer, unless its name begins with `.` or code page
 // 874 cannot hold it. A job becomes a file in it, NNNNNN-TITLE.prn, numbered upwards across all
 // processes, and appears there whole, on the disk, when the document ends; what a file name cannot
-// hold is `_` in TITLE. The default printer is that of the environment variable KVSHARE_PRINTER,
-// whether it exists or not, else the first by name. Open ignores the case of a..z.
+// hold is `_` in TITLE. The environment variable KVSHARE_PRINTER names the default printer, whether
+// it exists or not; without it the first by name is the default. Open ignores the case of a..z.
 KVSHARE_API std::unique_ptr<TSpooler> MakeFolderSpooler();
 
 }  // namespace kvshare

@@ -47,8 +47,8 @@ class KVSHARE_API TFieldDefs {
   std::vector<TFieldDef> defs_;
 };
 
-// A field whose value is that of a record of another set: where `LookupKeyFields` there have the
-// values of `KeyFields` here, its `LookupResultField`. Null where there is none.
+// A field that shows a value of another set: `LookupResultField` of the first record there whose
+// `LookupKeyFields` equal this record's `KeyFields`. Null where no record matches.
 struct TLookup {
   std::string KeyFields;
   TClientDataSet* LookupDataSet = nullptr;  // outlives the field
@@ -123,7 +123,7 @@ class KVSHARE_API TClientDataSet : public TDataSet {
   // By the fields of the order, or of the primary key where there is no order.
   bool FindKey(std::span<const Variant> values);
   bool FindKey(const Variant& value) { return FindKey(std::span(&value, 1)); }
-  // The value of `resultField` in the record that Locate would go to; Null where there is none.
+  // The value of `resultField` in the record that Locate would go to; Null where no record matches.
   Variant Lookup(std::string_view keyFields, std::span<const Variant> values,
                  std::string_view resultField) const;
 

@@ -22,7 +22,7 @@ std::optional<DecimalDigits> DigitsOf(std::string_view text);  // nothing for an
 // are equal. False, and nothing appended, for another text.
 bool AppendShortest(std::string& out, std::string_view text, char decimalSeparator);
 
-// The order of the numbers, whatever their length; texts that are none follow behind, by their
+// Compares two numbers of any length. Texts that are not numbers sort behind all numbers, by their
 // bytes.
 std::strong_ordering CompareDecimals(std::string_view a, std::string_view b);
 

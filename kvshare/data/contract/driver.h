@@ -99,9 +99,9 @@ class KVSHARE_API Cursor {
   virtual std::string_view Text(int column) const = 0;
 };
 
-// A parameter's value: null, whole number, real, text, bytes, exact number, or a day or time. The
-// server is told which of them it gets: an amount beside an expression is a number there, not a
-// text that happens to have digits.
+// A parameter's value: null, whole number, real, text, bytes, exact number, or a day or time. A
+// driver binds each with the server's type for it: an amount beside an expression must be a number
+// there, not a text that happens to have digits.
 struct Bytes {
   std::string bytes;
   bool operator==(const Bytes&) const = default;
@@ -237,7 +237,7 @@ class KVSHARE_API Connection {
   virtual bool InsertReturns() const { return false; }
 
   // How long a statement waits for what another connection has locked before it fails as Busy;
-  // 0: not at all. Drivers have 10 s until they are told.
+  // 0: not at all. The default is 10 s.
   virtual void SetLockTimeout(std::int32_t milliseconds) = 0;
 
   // Whether calls wait for a server that may never answer. Abort, from another thread, then makes

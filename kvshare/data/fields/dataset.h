@@ -59,11 +59,11 @@ class KVSHARE_API TDataSet : public TComponent {
   // Does nothing when it is open. Stands on the first record then; a failed one leaves the set
   // closed, without fields.
   void Open();
-  // Does nothing when it is closed; a pending edit is dropped.
+  // Does nothing when it is closed. A pending edit is dropped.
   void Close();
 
-  // Bof: after Open and First, until a move away. Eof: after a move past the last record. An empty
-  // set is both, its fields are Null, and moves do nothing.
+  // Bof is true after Open and First until the set moves away; Eof after a move past the last
+  // record. In an empty set both are true, all fields are Null, and moves do nothing.
   bool Bof() const { return bof_; }
   bool Eof() const { return eof_; }
   bool IsEmpty() const { return empty_; }
@@ -80,27 +80,31 @@ class KVSHARE_API TDataSet : public TComponent {
   void Prior();
   void Last();
 
-  // To the first record whose fields (`CODE;DAY`) have these values, in the order of the records;
-  // else false, and the set stays where it is. Throws `Field '%s' not found`, and
-  // `Invalid value for field '%s'` for a value that the field could not have.
+  // Moves to the first record, in the order of the set, whose fields (`CODE;DAY`) have these
+  // values. Returns false and stays on the current record when no record matches. Throws
+  // `Field '%s' not found`, and `Invalid value for field '%s'` for a value that does not fit the
+  // field's type.
   virtual bool Locate(std::string_view keyFields, std::span<const Variant> values,
                       TLocateOptions options = {});
   bool Locate(std::string_view keyField, const Variant& value, TLocateOptions options = {}) {
     return Locate(keyField, std::span(&value, 1), options);
   }
 
-  void Edit();  // does nothing in dsEdit and dsInsert; of an empty set it is Insert
+  void Edit();  // does nothing in dsEdit and dsInsert; in an empty set it calls Insert
+  // Insert puts the new record before the current one, Append behind the last one; an order of the
+  // set decides where it is seen once it is posted.
   void Insert();
   void Append();
-  // Of a record that is being inserted it is Cancel. Throws
+  // Calls Cancel while a record is being inserted. Throws
   // `Cannot perform this operation on an empty dataset`.
   void Delete();
-  // BeforePost; then the first required field that is Null is refused
-  // (`Field '%s' must have a value`), the record stored, and AfterPost told. An EDatabaseError of
-  // these two goes to OnPostError; what that throws takes its place. After a failure state and
-  // values are as before. In another state: `Dataset not in edit or insert mode`.
+  // Calls BeforePost, checks required fields (the first that is Null throws
+  // `Field '%s' must have a value`), stores the record and calls AfterPost. An EDatabaseError of
+  // the check or of the storing goes to OnPostError; an exception thrown there replaces
+  // it. A failure leaves state and values as they were. In any other state Post throws
+  // `Dataset not in edit or insert mode`.
   void Post();
-  void Cancel();  // elsewhere: does nothing
+  void Cancel();  // does nothing unless a record is being edited or inserted
 
   // Whether a value was stored since Edit, Insert or Append.
   bool Modified() const { return modified_; }
@@ -111,17 +115,18 @@ class KVSHARE_API TDataSet : public TComponent {
   TDataSetNotifyEvent OnCalcFields;  // stores the calculated fields, and no others
   TDataSetErrorEvent OnPostError;
 
-  // A closed set without fields of its own has none. Throws EListError for a bad index.
+  // 0 for a closed set without persistent fields. Fields throws EListError for a bad index.
   int FieldCount() const { return static_cast<int>(fields_.size()); }
   TField& Fields(int index) const;
 
-  // By name, letter case ignored: nullptr; `Field '%s' not found`.
+  // By name, ignoring letter case. For an unknown name FindField returns nullptr, and FieldByName
+  // throws `Field '%s' not found`.
   TField* FindField(std::string_view name) const;
   TField& FieldByName(std::string_view name) const;
 
  protected:
-  // What a kind of dataset supplies. InternalOpen makes the fields; the moves go to the first, next
-  // record and so on, and tell whether there is one.
+  // Overridden by each kind of dataset. InternalOpen makes the fields. Each move returns whether
+  // there is a record to move to.
   virtual void InternalOpen() = 0;
   virtual void InternalClose() noexcept = 0;
   virtual bool InternalFirst() = 0;
@@ -131,9 +136,9 @@ class KVSHARE_API TDataSet : public TComponent {
 
   // Throws for a current record that can be neither edited nor deleted.
   virtual void CheckRecordEditable() const {}
-  // Of sets that can be modified. InternalPost and InternalDelete do all or nothing; the latter
-  // goes to the record behind, else to the one before. Both, and InternalCancel, tell whether there
-  // is a record in view.
+  // Overridden by sets that can be modified. InternalPost and InternalDelete do all of their work,
+  // or throw and change nothing. InternalDelete moves to the next record, or to the previous one at
+  // the end. InternalPost, InternalCancel and InternalDelete return whether a record is in view.
   virtual void InternalEdit();
   virtual void InternalInsert(bool append);
   virtual bool InternalPost();

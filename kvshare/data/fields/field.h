@@ -77,7 +77,7 @@ struct TProviderFlags {
 //
 // Storing goes the same way for every setter: the dataset must be in dsEdit or dsInsert
 // (`Dataset not in edit or insert mode`), the field not ReadOnly (`Field '%s' cannot be modified`),
-// OnValidate must not throw, and then the value is stored and OnChange told. While OnValidate runs
+// OnValidate must not throw; then the value is stored and OnChange called. While OnValidate runs
 // the field reads as the value that is to be stored, until the handler stores one itself.
 class KVSHARE_API TField : public TComponent {
  public:
@@ -193,8 +193,8 @@ class KVSHARE_API TField : public TComponent {
   // Unassigned. Throws as SetValue does, but the value is neither rounded nor cut, and may lie out
   // of range.
   data::OwnedCell Converted(const Variant& value);
-  // The value to look for among those of this field: as Converted, but a number that the field
-  // cannot have, 5.5 among whole ones, is none of them and not an error.
+  // The value to search for in this field: as Converted, but a number that the field cannot hold,
+  // such as 5.5 in an integer field, matches no record instead of raising an error.
   data::OwnedCell Sought(const Variant& value);
   // The value in another record of the same columns.
   Variant ValueIn(const TRecordReader& record) const;

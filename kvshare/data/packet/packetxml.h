@@ -36,7 +36,8 @@ class PacketPlace {
   ~PacketPlace() = default;
 };
 
-// Hears of a packet. What it throws ends the reading and is thrown again by it.
+// Receives the elements of a packet. An exception thrown by a callback stops the parser and is
+// rethrown by ReadPacketXml.
 class PacketHandler {
  public:
   PacketHandler() = default;
@@ -44,17 +45,17 @@ class PacketHandler {
   PacketHandler(const PacketHandler&) = delete;
   PacketHandler& operator=(const PacketHandler&) = delete;
 
-  // Names and values by turns, then nullptr; as the parser has them.
+  // `attributes` alternates names and values, in UTF-8, and ends with nullptr.
   virtual void Start(const char* name, const char** attributes, PacketText& text,
                      const PacketPlace& place) = 0;
   virtual void End() = 0;
-  // All that was heard counts for nothing: it is read from the beginning again.
+  // Discards everything received so far: the packet is parsed again from its beginning.
   virtual void Restart() = 0;
 };
 
-// Throws PacketError for what is no XML, for a document type, for text between elements and for
-// letters that the code page lacks. A PacketError of the handler without a line gets that of the
-// element.
+// Throws PacketError for text that is not well-formed XML, for a document type declaration, for
+// text between elements and for letters that the code page lacks. A PacketError thrown by the
+// handler without a line gets the line of the current element.
 void ReadPacketXml(std::string_view packet, PacketHandler& handler);
 
 }  // namespace kvshare::data

@@ -37,8 +37,8 @@ enum class TReconcileAction : std::uint8_t {
 };
 using enum TReconcileAction;
 
-// Why a server refused a change. ErrorCode is the server's where it tells one, else 1;
-// PreviousError that of the error before in the same run, 0 for the first.
+// Why a server refused a change. ErrorCode is the server's error number, or 1 where the server
+// gives none. PreviousError is the ErrorCode of the previous error in the run, 0 for the first.
 class KVSHARE_API EReconcileError : public EDatabaseError {
  public:
   EReconcileError(std::string_view message, std::string_view context, int errorCode,
