@@ -62,7 +62,7 @@ CupsJob::CupsJob(std::string printer, const std::string& title, const char* form
   constexpr int kLastDocument = 1;
   open_ = cupsStartDocument(connection_.Http(), printer_.c_str(), id_, title.c_str(), format,
                             kLastDocument) == HTTP_STATUS_CONTINUE;
-  connection_.Heard();
+  if (open_) connection_.Heard();
 }
 
 CupsJob::~CupsJob() {

@@ -1,4 +1,4 @@
-// What the Thai and the English spelling share; not part of the interface.
+// What the Thai and the English spelling share.
 // Internal header.
 #pragma once
 

@@ -104,6 +104,7 @@ TEST_F(Settings, WrongUsage) {
       {},
       {"list", "HKEY_USERS\\x"},
       {"set", "HKXX\\x", "Name", "Value"},
+      {"set", "hkcr\\x", "Name", "Value"},
       {"list", "HKCU\\😀"},
       {"get", "HKCU"},
       {"set", "K", "n"},

@@ -70,7 +70,8 @@ struct SettingsOptions {
 
 // HKCR, HKEY_USERS and their like: a key of that name is reached behind its hive.
 bool LooksLikeHive(std::string_view name) {
-  return SameText(name.substr(0, 5), "HKEY_") || (name.size() == 4 && name.starts_with("HK"));
+  return SameText(name.substr(0, 5), "HKEY_") ||
+         (name.size() == 4 && SameText(name.substr(0, 2), "HK"));
 }
 
 RegistryKey UsageKey(std::string_view utf8) {
