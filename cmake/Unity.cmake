@@ -1,8 +1,21 @@
-# kvshare_unity(TARGET): with KVSHARE_UNITY a target's sources are compiled eight at a time, so that
-# headers are read once for all of them. A name in an unnamed namespace then has to be the only one of
-# its kind among neighbours; the other builds compile each source by itself, with its own includes.
+# kvshare_unity(TARGET): with KVSHARE_UNITY up to eight sources of one folder are compiled as one, so
+# that headers are read once for all of them. A name in an unnamed namespace then has to be the only
+# one of its kind in its folder; the other builds compile each source by itself, with its own includes.
 function(kvshare_unity target)
-  if(KVSHARE_UNITY)
-    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
+  if(NOT KVSHARE_UNITY)
+    return()
   endif()
+  get_target_property(sources ${target} SOURCES)
+  foreach(source IN LISTS sources)
+    cmake_path(GET source PARENT_PATH folder)
+    cmake_path(RELATIVE_PATH folder BASE_DIRECTORY ${PROJECT_SOURCE_DIR})
+    string(MAKE_C_IDENTIFIER "${folder}" room)
+    if(NOT DEFINED count_${room})
+      set(count_${room} 0)
+    endif()
+    math(EXPR group "${count_${room}} / 8")
+    math(EXPR count_${room} "${count_${room}} + 1")
+    set_source_files_properties(${source} PROPERTIES UNITY_GROUP "${room}_${group}")
+  endforeach()
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
 endfunction()
