@@ -15,7 +15,7 @@
 #include "kvshare/os/paths.h"
 #include "kvshare/platform/verinfo.h"
 #include "kvshare/platform/win32.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/formatdatetime.h"
 #include "kvshare/start/package.h"
 #include "tests/support.h"

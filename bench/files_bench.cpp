@@ -12,8 +12,8 @@
 #include <string>
 
 #include "kvshare/os/paths.h"
-#include "kvshare/platform/files.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/platform/filehelpers.h"
+#include "kvshare/rtl/filebytes.h"
 
 namespace kvshare {
 namespace {

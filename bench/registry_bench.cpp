@@ -21,7 +21,7 @@ namespace {
 constexpr const char* kKey = "Software\\Acme\\Ledger v5.2\\FormPosition\\MainForm";
 constexpr int kValues = 100;
 
-// A home of its own in the current folder, so that the figures are those of its disk: /tmp may lie
+// A home of its own in the current folder, so that the figures measure its disk: /tmp may lie
 // in memory.
 class Home {
  public:

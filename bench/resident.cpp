@@ -6,7 +6,7 @@
 
 namespace {
 
-// From the kernel's exact sum over all mappings, -1 where there is none.
+// From the kernel's exact sum over all mappings, -1 where the kernel gives none.
 long ResidentKilobytes() {
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
       std::fopen("/proc/self/smaps_rollup", "r"), std::fclose);

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "companion/fraction.h"
+#include "kvshare/rtl/ascii.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/currency.h"
 #include "kvshare/rtl/format.h"
@@ -11,10 +12,6 @@
 namespace kvshare::companion {
 
 namespace {
-
-constexpr bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
 
 class Line {
  public:
@@ -93,7 +90,7 @@ class Line {
     return inside;
   }
 
-  // The digits that stand here, which go on those of `number`.
+  // The digits that stand here, which are put behind the digits of `number`.
   int Digits(Fraction& number) {
     int count = 0;
     for (; IsDigit(Next()); ++at_, ++count) {

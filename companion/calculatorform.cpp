@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "companion/arithmetic.h"
+#include "kvshare/rtl/ascii.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/format.h"
@@ -45,7 +46,7 @@ std::string NumberText(double value) {
 }
 
 constexpr bool BeginsNumber(char key) {
-  return (key >= '0' && key <= '9') || key == '.' || key == '(';
+  return IsDigit(key) || key == '.' || key == '(';
 }
 
 }  // namespace

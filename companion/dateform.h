@@ -53,7 +53,7 @@ class DateRangeForm : public DialogForm {
   DateRangeForm(std::string_view firstCaption, std::string_view secondCaption, TDateTime from,
                 TDateTime to, Word era);
 
-  // The day of From is not behind that of To where the user has pressed OK.
+  // The day of From is not after the day of To where the user has pressed OK.
   TDateTime From() const { return fromValue_; }
   TDateTime To() const { return toValue_; }
 

@@ -10,7 +10,7 @@
 
 namespace kvshare::companion {
 
-// The years of the texts: 543 or 0. Mode 1 asks for Christian years, every other one for those of
+// The years of the texts: 543 or 0. Mode 1 asks for Christian years, every other one for years of
 // the Buddhist era.
 Word EraOfMode(std::int32_t mode);
 

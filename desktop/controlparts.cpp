@@ -30,7 +30,7 @@ void PutIfOther(const Value& shown, const Value& wanted, Setter set) {
   if (shown != wanted) set(wanted);
 }
 
-// A control and its widget, which has to be told what changes and tells what a user does.
+// A control and its widget, which shows what changes and reports what a user does.
 template <typename Kind, typename WidgetType>
 class Part : public ControlPart {
  public:

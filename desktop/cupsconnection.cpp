@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "kvshare/rtl/cp874.h"
-#include "kvshare/rtl/exceptions.h"
 
 namespace kvshare::desktop {
 
@@ -47,11 +46,7 @@ std::string CupsConnection::Reason() const {
   if (reason == nullptr || CupsAnswered() || Clock::now() >= until_) {
     return "the print spooler does not answer";
   }
-  try {
-    return Utf8ToCp874(reason);
-  } catch (const EConvertError&) {
-    return ippErrorString(cupsLastError());
-  }
+  return TryUtf8ToCp874(reason).value_or(ippErrorString(cupsLastError()));
 }
 
 CupsJob::CupsJob(std::string printer, const std::string& title, const char* format)

@@ -26,14 +26,6 @@ struct Queue {
   bool accepting = true;
 };
 
-std::optional<std::string> InCp874(std::string_view name) {
-  try {
-    return Utf8ToCp874(name);
-  } catch (const EConvertError&) {
-    return std::nullopt;
-  }
-}
-
 // Adds what the attribute tells to the queue that is being read, which another group ends.
 void TakeAttribute(std::vector<Queue>& queues, bool& inQueue, ipp_attribute_t* attribute) {
   const char* const name = ippGetName(attribute);
@@ -80,46 +72,33 @@ std::optional<Queue> FindQueue(const CupsConnection& connection, std::string_vie
                                std::string& trouble) {
   std::optional<Queue> found;
   for (Queue& queue : Queues(connection, trouble)) {
-    const auto name = InCp874(queue.name);
+    const auto name = TryUtf8ToCp874(queue.name);
     if (!name || !SameText(*name, printer)) continue;
     if (!found || *name == printer) found = std::move(queue);
   }
   return found;
 }
 
-class RawPrinter : public TPrinterHandle {
+class RawPrinter : public TOrderedPrinterHandle {
  public:
   explicit RawPrinter(std::string printer) : printer_(std::move(printer)) {}
-
-  bool StartDoc(std::string_view title) override {
-    if (job_) return false;
-    job_.emplace(printer_, Cp874ToUtf8Lossy(title), CUPS_FORMAT_RAW);
-    if (job_->IsOpen()) return true;
-    trouble_ = job_->Reason();
-    job_.reset();
-    return false;
-  }
-
-  bool StartPage() override {
-    if (!job_ || inPage_) return false;
-    inPage_ = true;
-    return true;
-  }
-
-  bool Write(std::string_view bytes) override { return inPage_ && Done(job_->Write(bytes)); }
-
-  bool EndPage() override { return std::exchange(inPage_, false); }
-
-  bool EndDoc() override {
-    const bool sent = job_ && Done(job_->Finish());
-    job_.reset();
-    inPage_ = false;
-    return sent;
-  }
 
   std::string Trouble() const override { return trouble_; }
 
  private:
+  bool BeginJob(std::string_view title) override {
+    job_.emplace(printer_, Cp874ToUtf8Lossy(title), CUPS_FORMAT_RAW);
+    return Done(job_->IsOpen());
+  }
+
+  bool WriteJob(std::string_view bytes) override { return Done(job_->Write(bytes)); }
+
+  bool FinishJob() override {
+    const bool sent = Done(job_->Finish());
+    job_.reset();
+    return sent;
+  }
+
   bool Done(bool done) {
     if (!done) trouble_ = job_->Reason();
     return done;
@@ -128,7 +107,6 @@ class RawPrinter : public TPrinterHandle {
   std::string printer_;  // UTF-8
   std::string trouble_;
   std::optional<CupsJob> job_;
-  bool inPage_ = false;  // only while there is a job
 };
 
 [[noreturn]] void Refuse(std::string_view printer, std::string_view reason) {
@@ -138,7 +116,7 @@ class RawPrinter : public TPrinterHandle {
 Queue RequireQueue(std::string_view printer) {
   std::string trouble;
   auto queue = FindQueue(CupsConnection(), printer, trouble);
-  if (!queue) Refuse(printer, trouble.empty() ? "there is none of that name" : trouble);
+  if (!queue) Refuse(printer, trouble.empty() ? "there is no printer of that name" : trouble);
   return *std::move(queue);
 }
 
@@ -147,7 +125,7 @@ Queue RequireQueue(std::string_view printer) {
 std::vector<std::string> CupsSpooler::Printers() {
   std::vector<std::string> printers;
   for (const Queue& queue : Queues(CupsConnection(), trouble_)) {
-    if (auto name = InCp874(queue.name)) printers.push_back(*std::move(name));
+    if (auto name = TryUtf8ToCp874(queue.name)) printers.push_back(*std::move(name));
   }
   std::ranges::sort(printers);
   return printers;
@@ -156,7 +134,7 @@ std::vector<std::string> CupsSpooler::Printers() {
 std::string CupsSpooler::DefaultPrinter() {
   trouble_.clear();
   if (const std::string_view chosen = Environment("KVSHARE_PRINTER"); !chosen.empty()) {
-    return InCp874(chosen).value_or("");
+    return TryUtf8ToCp874(chosen).value_or("");
   }
   const CupsConnection connection;
   if (!connection.IsOpen()) {
@@ -164,14 +142,14 @@ std::string CupsSpooler::DefaultPrinter() {
     return {};
   }
   if (const char* name = cupsGetDefault2(connection.Http()); name != nullptr) {
-    return InCp874(name).value_or("");
+    return TryUtf8ToCp874(name).value_or("");
   }
   if (!CupsAnswered() && !SaysNone()) {
     trouble_ = connection.Reason();
     return {};
   }
   const std::vector<Queue> queues = Queues(connection, trouble_);
-  return queues.size() == 1 ? InCp874(queues.front().name).value_or("") : "";
+  return queues.size() == 1 ? TryUtf8ToCp874(queues.front().name).value_or("") : "";
 }
 
 std::unique_ptr<TPrinterHandle> CupsSpooler::Open(std::string_view printer) {

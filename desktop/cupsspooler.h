@@ -33,7 +33,7 @@ class CupsSpooler : public TSpooler {
   std::unique_ptr<TPrinterHandle> Open(std::string_view printer) override;
   std::string Trouble() const override { return trouble_; }
 
-  // The sheet that the printer takes unless told; A4 where it does not say.
+  // The printer's default sheet; A4 where it names none.
   Paper PaperOf(std::string_view printer);
 
   // Throws EPrinter with the reason where a job for the printer would be refused: it is not there,

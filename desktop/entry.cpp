@@ -1,3 +1,4 @@
+// What a program finds by name in the library of windows and paper.
 #include "desktop/paper.h"
 #include "desktop/toolkit.h"
 #include "desktop/windows.h"

@@ -35,7 +35,7 @@ class FormWindow final : public TFormWindow, public FormEvents {
   void Do(const std::function<void()>& action) override;
   void Refresh() override;
 
-  // What title and borders take as far as the system has told.
+  // What title and borders take, as far as the system has reported it.
   TSize FrameSize() const;
 
   QWidget& Widget() const;
@@ -67,7 +67,7 @@ class FormWindow final : public TFormWindow, public FormEvents {
   // The form's bounds while the window was normal and its frame unknown: the window's inner size is
   // too large by the frame.
   std::optional<TBounds> unframed_;
-  bool stale_ = true;    // the parts are not those of the form's controls
+  bool stale_ = true;    // the parts do not match the form's controls
   bool moving_ = false;  // the window is made to follow the form, or the form the window
   bool refreshing_ = false;
   QEventLoop* loop_ = nullptr;  // of RunModal

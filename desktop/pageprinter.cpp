@@ -8,7 +8,7 @@
 #include <cmath>
 
 #include "desktop/toolkit.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 
 namespace kvshare::desktop {
 

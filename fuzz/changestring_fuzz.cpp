@@ -1,4 +1,4 @@
-// A replacement against its steps as they are told: search, delete, insert, from the start again.
+// A replacement against its described steps: search, delete, insert, from the start again.
 // The input is what is replaced, what replaces it and the text, each but the last ended by a line
 // feed.
 #include <cstdint>

@@ -9,7 +9,7 @@
 #include "apps/receipts/calc.h"
 #include "apps/receipts/dayreader.h"
 #include "apps/receipts/json.h"
-#include "apps/receipts/print.h"
+#include "apps/receipts/plainreceipt.h"
 
 namespace {
 
@@ -47,7 +47,7 @@ void Check(const Document& document, const Rules& rules) {
     AppendReceipt(out, document, receipt, {});
     AppendJson(out, document, receipt);
   } catch (const UnprintableDocument&) {
-    return;  // told to the user, not printed
+    return;  // reported to the user, not printed
   } catch (const kvshare::EIntOverflow&) {
     return;  // -922337203685477.5808 has no negative
   }

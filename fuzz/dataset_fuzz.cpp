@@ -9,7 +9,7 @@
 
 #include "apps/kvshare/data/datasetfile.h"
 #include "apps/kvshare/data/fieldspecs.h"
-#include "apps/kvshare/data/rowset.h"
+#include "apps/kvshare/data/rowwriter.h"
 #include "kvshare/rtl/exceptions.h"
 #include "tests/apps/tempfile.h"
 

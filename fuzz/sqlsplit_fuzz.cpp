@@ -1,5 +1,5 @@
-// Statements of a list: told again one byte at a time, without lines, and compared. A batch that
-// the command takes loses nothing but remarks.
+// Statements of a list: taken apart again one byte at a time, without lines, and compared. A batch
+// that the command takes loses nothing but remarks.
 #include <cstdint>
 #include <cstdlib>
 #include <string>

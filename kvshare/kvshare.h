@@ -2,14 +2,15 @@
 #pragma once
 
 // The platform's run-time routines
+#include "kvshare/rtl/ascii.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/currency.h"
 #include "kvshare/rtl/datetime.h"
 #include "kvshare/rtl/environment.h"
 #include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/filenames.h"
-#include "kvshare/rtl/files.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/formatdatetime.h"
 #include "kvshare/rtl/formatfloat.h"
@@ -71,8 +72,8 @@
 #include "kvshare/text/strlist.h"
 
 // Platform services
+#include "kvshare/platform/filehelpers.h"
 #include "kvshare/platform/fileinfo.h"
-#include "kvshare/platform/files.h"
 #include "kvshare/platform/kovrawin.h"
 #include "kvshare/platform/printbmp.h"
 #include "kvshare/platform/uguid.h"

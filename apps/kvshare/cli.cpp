@@ -1,5 +1,6 @@
 #include "apps/kvshare/cli.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <exception>
 #include <new>
@@ -38,34 +39,35 @@ void Declare(CLI::App& app, Plan& plan) {
   app.footer(std::string(kFooter));
   app.get_formatter()->label("SUBCOMMAND", "COMMAND");
   app.require_subcommand(0, 1);
-  DeclareReceipts(app, plan);
-  DeclareWords(app, plan);
-  DeclareRound(app, plan);
-  DeclareShare(app, plan);
-  DeclareQty(app, plan);
-  DeclareFormat(app, plan);
-  DeclareMask(app, plan);
-  DeclareDate(app, plan);
-  DeclareFiles(app, plan);
-  DeclareEncode(app, plan);
-  DeclareDecode(app, plan);
-  DeclareKey(app, plan);
-  DeclareMessage(app, plan);
-  DeclareDialect(app, plan);
-  DeclareLog(app, plan);
-  DeclareConnect(app, plan);
-  DeclareSql(app, plan);
-  DeclareEdit(app, plan);
-  DeclareDataset(app, plan);
-  DeclareCompany(app, plan);
-  DeclarePost(app, plan);
-  DeclareRights(app, plan);
-  DeclareReplication(app, plan);
-  DeclareDialog(app, plan);
-  DeclarePrinters(app, plan);
-  DeclareDoctor(app, plan);
-  DeclareSettings(app, plan);
-  DeclareVersion(app, plan);
+  const Command command(app);
+  DeclareReceipts(command, plan);
+  DeclareWords(command, plan);
+  DeclareRound(command, plan);
+  DeclareShare(command, plan);
+  DeclareQty(command, plan);
+  DeclareFormat(command, plan);
+  DeclareMask(command, plan);
+  DeclareDate(command, plan);
+  DeclareFiles(command, plan);
+  DeclareEncode(command, plan);
+  DeclareDecode(command, plan);
+  DeclareKey(command, plan);
+  DeclareMessage(command, plan);
+  DeclareDialect(command, plan);
+  DeclareLog(command, plan);
+  DeclareConnect(command, plan);
+  DeclareSql(command, plan);
+  DeclareEdit(command, plan);
+  DeclareDataset(command, plan);
+  DeclareCompany(command, plan);
+  DeclarePost(command, plan);
+  DeclareRights(command, plan);
+  DeclareReplication(command, plan);
+  DeclareDialog(command, plan);
+  DeclarePrinters(command, plan);
+  DeclareDoctor(command, plan);
+  DeclareSettings(command, plan);
+  DeclareVersion(command, plan);
 }
 
 void WriteTo(int fd, std::string_view text) {
@@ -83,17 +85,21 @@ int Complain(const Stdio& stdio, std::string_view what, int status) {
   return status;
 }
 
-// What the parser stops with: a question that it answers itself, or wrong usage.
-int Answer(const CLI::App& app, const CLI::ParseError& error, const Stdio& stdio) {
-  if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
-    const bool version = error.get_name() == "CallForVersion";
-    WriteTo(stdio.out, version ? std::string(error.what()) + "\n" : app.help());
-    return kDone;
-  }
+int RefuseLine(const CLI::App& app, const std::exception& error, const Stdio& stdio) {
   const auto named = app.get_subcommands();
   const std::string command = named.empty() ? "" : " " + named.front()->get_name();
   return Complain(stdio, std::string(error.what()) + "\nTry `kvshare" + command + " --help`.",
                   kWrongUsage);
+}
+
+// What the parser stops with: a question that it answers itself, or wrong usage.
+int Answer(const CLI::App& app, const CLI::ParseError& error, const Stdio& stdio) {
+  if (error.get_exit_code() != static_cast<int>(CLI::ExitCodes::Success)) {
+    return RefuseLine(app, error, stdio);
+  }
+  const bool version = error.get_name() == "CallForVersion";
+  WriteTo(stdio.out, version ? std::string(error.what()) + "\n" : app.help());
+  return kDone;
 }
 
 [[noreturn]] void RefuseCommand(const std::string& path, const std::string& word,
@@ -145,6 +151,8 @@ int ParseAndRun(std::vector<std::string> arguments, const Stdio& stdio) {
     return Run(plan, stdio);
   } catch (const CLI::ParseError& e) {
     return Answer(app, e, stdio);
+  } catch (const WrongUsage& e) {
+    return RefuseLine(app, e, stdio);
   }
 }
 

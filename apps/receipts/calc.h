@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "apps/receipts/columns.h"
+#include "apps/receipts/daycolumns.h"
 #include "apps/receipts/model.h"
 #include "kvshare/money/money.h"
 

@@ -8,8 +8,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include "apps/receipts/columns.h"
 #include "apps/receipts/csvrows.h"
+#include "apps/receipts/daycolumns.h"
 #include "apps/receipts/model.h"
 
 namespace kvshare::receipts {

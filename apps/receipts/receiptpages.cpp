@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <utility>
 
-#include "apps/receipts/layout.h"
+#include "apps/receipts/textlayout.h"
 #include "kvshare/rtl/cp874.h"
 
 namespace kvshare::receipts {

@@ -112,7 +112,13 @@ class MemoryRows {
       case data::ColumnKind::Float:
         cell.real = source.Float(column);
         break;
-      default: {
+      case data::ColumnKind::Text:
+      case data::ColumnKind::Memo:
+      case data::ColumnKind::Decimal:
+      case data::ColumnKind::Date:
+      case data::ColumnKind::Time:
+      case data::ColumnKind::TimeStamp:
+      case data::ColumnKind::Blob: {
         const std::string_view text = source.Text(column);
         cell.offset = texts_.size();
         cell.size = text.size();

@@ -15,9 +15,17 @@ data::Connection::Condition ExactlyBy(const ExactForms& forms, std::string_view 
       return equals(forms.text);
     case data::ColumnKind::Decimal:
       return equals(forms.decimal);
-    default:
-      return equals({"", ""});
+    case data::ColumnKind::Integer:
+    case data::ColumnKind::Largeint:
+    case data::ColumnKind::Boolean:
+    case data::ColumnKind::Float:
+    case data::ColumnKind::Date:
+    case data::ColumnKind::Time:
+    case data::ColumnKind::TimeStamp:
+    case data::ColumnKind::Blob:
+      break;
   }
+  return equals({"", ""});
 }
 
 std::string QuotedBy(char mark, std::string_view name) {

@@ -3,7 +3,7 @@
 #include <array>
 #include <span>
 
-#include "drivers/common/forms.h"
+#include "drivers/common/valuetexts.h"
 
 namespace kvshare::drivers {
 

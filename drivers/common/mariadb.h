@@ -1,4 +1,4 @@
-// What MariaDB and MySQL are told, whatever driver speaks to them.
+// What is sent to MariaDB and MySQL, whatever driver speaks to them.
 #pragma once
 
 namespace kvshare::drivers {

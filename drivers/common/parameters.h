@@ -30,7 +30,7 @@ struct ServerAddress {
 };
 
 // Takes `host`, `host:port`, `[v6 address]:port` or a bare v6 address apart. Throws DriverError
-// where the port is none.
+// where the port is not a port number.
 ServerAddress SplitHostName(std::string_view hostName);
 
 }  // namespace kvshare::drivers

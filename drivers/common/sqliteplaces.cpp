@@ -5,13 +5,15 @@
 #include <string_view>
 #include <utility>
 
+#include "kvshare/rtl/ascii.h"
+
 namespace kvshare::drivers::sqlite {
 
 namespace {
 
 constexpr bool IsWordLetter(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
-         c == '$' || static_cast<unsigned char>(c) >= 0x80;
+  return IsLatinLetter(c) || IsDigit(c) || c == '_' || c == '$' ||
+         static_cast<unsigned char>(c) >= 0x80;
 }
 
 constexpr char Upper(char c) {
@@ -80,7 +82,7 @@ void ForEachToken(std::string_view text, Take take) {
       kind = Token::Kind::Operand;
       end = EndOfQuoted(text, at);
     } else if (IsWordLetter(c)) {
-      kind = c >= '0' && c <= '9' ? Token::Kind::Operand : Token::Kind::Word;
+      kind = IsDigit(c) ? Token::Kind::Operand : Token::Kind::Word;
       end = EndOfWord(text, at);
     } else {
       end = EndOfSymbol(text, at);
@@ -176,7 +178,9 @@ class Scanner {
         return Is(token.text, "BETWEEN") ? AtLeast : Other;
       case Token::Kind::Symbol:
         break;
-      default:
+      case Token::Kind::Begin:
+      case Token::Kind::Operand:
+      case Token::Kind::End:
         return Other;
     }
     if (IsOneOf(token.text, kAtLeast)) return AtLeast;
@@ -214,7 +218,9 @@ class Scanner {
         if (token.IsSymbol("<=") || token.IsSymbol(">")) kind = PlaceKind::AtLeast;
         if (token.IsSymbol("<") || token.IsSymbol(">=")) kind = PlaceKind::Above;
         break;
-      default:
+      case PlaceKind::Stored:
+      case PlaceKind::AtLeast:
+      case PlaceKind::Above:
         break;
     }
   }

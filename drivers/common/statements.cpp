@@ -17,7 +17,7 @@ std::string Marked(const data::StatementParts& statement, AddMark addMark) {
   return text;
 }
 
-// A `?` that has this type; "" is none of its own.
+// A `?` that has this type; "" leaves the type to the server.
 std::string CastTo(const std::string& type) {
   return type.empty() ? "?" : "CAST(? AS " + type + ")";
 }

@@ -10,11 +10,11 @@
 #include "drivers/common/cursors.h"
 #include "drivers/common/entry.h"
 #include "drivers/common/filled.h"
-#include "drivers/common/forms.h"
 #include "drivers/common/parameters.h"
 #include "drivers/common/sockets.h"
 #include "drivers/common/statements.h"
 #include "drivers/common/transaction.h"
+#include "drivers/common/valuetexts.h"
 #include "drivers/firebird/handles.h"
 #include "drivers/firebird/parameters.h"
 #include "drivers/firebird/rows.h"
@@ -66,7 +66,8 @@ class FirebirdConnection final : public data::Connection {
     if (database_ == 0) throw data::DriverError("The connection is closed");
     state_.RequireWhole();
   }
-  // A transaction for one statement where none is active; it waits for locks as told.
+  // A transaction for one statement where none is active; it waits for locks as the connection
+  // says.
   std::optional<Transaction> OwnTransaction() {
     RequireOpen();
     if (state_.Active()) return std::nullopt;
@@ -104,7 +105,7 @@ class FirebirdConnection final : public data::Connection {
 
   // The server reads a row before it waits for another transaction that writes it, and then finds
   // it changed. Under read committed, where the other's result counts, the statement runs again: it
-  // has left nothing. A lock that was waited for in vain is told in the same words; the time tells
+  // has left nothing. A lock that was waited for in vain gets the same message; the time tells
   // them apart.
   template <typename Result>
   Result Repeating(const std::function<Result()>& statement) {

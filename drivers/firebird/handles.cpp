@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "drivers/common/forms.h"
+#include "drivers/common/valuetexts.h"
 
 namespace kvshare::firebird {
 namespace {

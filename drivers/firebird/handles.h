@@ -20,7 +20,7 @@ namespace kvshare::firebird {
 class Transaction {
  public:
   Transaction() = default;
-  // Waits for locks as long as told, rounded up to seconds; 0: not at all.
+  // Waits for locks for this time, rounded up to seconds; 0: not at all.
   Transaction(isc_db_handle& database, data::Isolation isolation, std::int32_t lockMilliseconds);
   ~Transaction() { Abandon(); }
   Transaction(Transaction&& other) noexcept : handle_(std::exchange(other.handle_, 0)) {}

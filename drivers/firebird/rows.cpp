@@ -3,7 +3,7 @@
 #include <cstring>
 #include <ctime>
 
-#include "drivers/common/forms.h"
+#include "drivers/common/valuetexts.h"
 
 namespace kvshare::firebird {
 namespace {
@@ -60,7 +60,8 @@ Column ColumnOf(const XSQLVAR& variable) {
   if (column.kind == ColumnKind::Text) column.size = Characters(variable);
   if (column.kind == ColumnKind::Decimal) {
     column.decimals = -variable.sqlscale;
-    // The digits that all values of the type can have; the declared number is not told.
+    // The digits that all values of the type can have; the server does not give the declared
+    // number.
     const int type = TypeOf(variable);
     column.size = type == SQL_SHORT ? 4 : type == SQL_LONG ? 9 : 18;
   }

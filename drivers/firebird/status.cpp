@@ -15,7 +15,7 @@ struct KindRow {
   DriverError::Kind kind;
 };
 // The first row that is among the codes of an error counts: a lock that was waited for in vain is
-// told together with the update that it stood against.
+// reported together with the update that it stood against.
 constexpr KindRow kKinds[] = {
     {isc_network_error, DriverError::Kind::ConnectionLost},
     {isc_net_read_err, DriverError::Kind::ConnectionLost},

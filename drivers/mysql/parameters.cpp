@@ -1,3 +1,4 @@
+// A prepared statement executed with its values, each bound as what its column compares with.
 #include <algorithm>
 #include <charconv>
 #include <string_view>

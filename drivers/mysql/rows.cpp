@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "drivers/common/forms.h"
+#include "drivers/common/valuetexts.h"
 #include "drivers/mysql/errors.h"
 
 namespace kvshare::mysql {
@@ -37,9 +37,18 @@ std::string_view Rows::Text(int column) const {
     case ColumnKind::Time:
     case ColumnKind::TimeStamp:
       return Moment(column);
-    default:
-      return Raw(column);
+    case ColumnKind::Text:
+    case ColumnKind::Memo:
+    case ColumnKind::Integer:
+    case ColumnKind::Largeint:
+    case ColumnKind::Boolean:
+    case ColumnKind::Float:
+    case ColumnKind::Decimal:
+    case ColumnKind::Date:
+    case ColumnKind::Blob:
+      break;
   }
+  return Raw(column);
 }
 
 // The server's times of day reach from -838 to 838 hours.

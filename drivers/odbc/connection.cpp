@@ -55,10 +55,10 @@ std::string ConnectionString(const Parameters& parameters) {
 }
 
 // psqlodbc undoes a whole transaction where the first statement after BEGIN fails, and goes on as
-// if it were still there, unless it is told to leave failures to the server.
+// if it were still there, unless this setting leaves failures to the server.
 constexpr std::string_view kLeavesFailuresAlone = ";Protocol=7.4-0";
 
-// Some drivers give all tables, and tell those of the system by their catalogue alone.
+// Some drivers give all tables, and mark the system's tables by their catalogue alone.
 bool IsSystemTable(const Rows& rows) {
   if (!rows.IsNull(3) && rows.Text(3).starts_with("SYSTEM")) return true;
   if (rows.IsNull(0)) return false;
@@ -369,7 +369,7 @@ data::Lexis OdbcConnection::StatementLexis() const {
   return lexis;
 }
 
-// The servers whose quoted texts have escapes can be told to do without.
+// The servers whose quoted texts have escapes have a setting to do without.
 bool OdbcConnection::HasPlainBackslashes() {
   if (!DialectOf(dbms_).lexis.backslashEscapes) return false;
   const auto mode = Query("SELECT @@sql_mode");

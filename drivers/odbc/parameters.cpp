@@ -4,6 +4,7 @@
 
 #include "drivers/common/statements.h"
 #include "drivers/odbc/utf16.h"
+#include "kvshare/rtl/ascii.h"
 
 namespace kvshare::odbc {
 namespace {
@@ -70,10 +71,9 @@ void BoundParameters::operator()(const data::Bytes& value) {
 void BoundParameters::operator()(const data::Decimal& value) {
   const std::string& digits = value.digits;
   const std::size_t point = std::min(digits.find('.'), digits.size());
-  const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
   const auto count = [&](std::size_t from) {
     return std::ranges::count_if(digits.begin() + static_cast<std::ptrdiff_t>(from), digits.end(),
-                                 isDigit);
+                                 IsDigit);
   };
   Bind(SQL_C_CHAR, SQL_DECIMAL, static_cast<SQLULEN>(count(0)), digits.data(), digits.size(),
        static_cast<SQLSMALLINT>(count(point)));

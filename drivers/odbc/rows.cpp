@@ -5,8 +5,8 @@
 #include <cmath>
 #include <cstring>
 
-#include "drivers/common/forms.h"
 #include "drivers/common/sqlitecolumns.h"
+#include "drivers/common/valuetexts.h"
 #include "drivers/odbc/utf16.h"
 
 namespace kvshare::odbc {
@@ -74,9 +74,11 @@ SQLSMALLINT FetchedAs(ColumnKind kind, TextRules rules) {
       return SQL_C_CHAR;
     case ColumnKind::Blob:
       return SQL_C_BINARY;
-    default:
-      return rules.utf8Bytes ? SQL_C_CHAR : SQL_C_WCHAR;
+    case ColumnKind::Text:
+    case ColumnKind::Memo:
+      break;
   }
+  return rules.utf8Bytes ? SQL_C_CHAR : SQL_C_WCHAR;
 }
 
 // Bytes of a value, 0 for a long one.
@@ -96,9 +98,11 @@ std::size_t WidthOf(const Column& column, SQLSMALLINT fetchedAs, SQLULEN size) {
     case ColumnKind::Text:  // the longest characters, and a zero behind them
       if (size == 0 || size > kLongestShort) return 0;
       return fetchedAs == SQL_C_CHAR ? 4 * size + 1 : (2 * size + 1) * sizeof(SQLWCHAR);
-    default:
-      return 0;
+    case ColumnKind::Memo:
+    case ColumnKind::Blob:
+      break;
   }
+  return 0;
 }
 
 std::u16string_view Wide(std::string_view bytes) {
@@ -184,7 +188,7 @@ std::string Rows::Attribute(SQLUSMALLINT number, SQLUSMALLINT attribute) const {
 }
 
 // A column of no table has a type that its driver takes from the first row. The digits of a
-// declared decimal are not told.
+// declared decimal are not given.
 void Rows::DescribeForSqlite(SQLUSMALLINT number, bool compound, Column& column) {
   const std::string declared = Attribute(number, SQL_DESC_TYPE_NAME);
   if (!Attribute(number, SQL_DESC_BASE_TABLE_NAME).empty()) {
@@ -324,12 +328,19 @@ std::string_view Rows::ShortText(int column) const {
       return Moment(column, raw);
     case ColumnKind::Decimal:
       return Decimal(column, raw);
-    default:
-      if (field.type == SQL_C_CHAR) return raw;
-      field.text.clear();
-      AppendUtf8(field.text, Wide(raw));
-      return field.text;
+    case ColumnKind::Text:
+    case ColumnKind::Memo:
+    case ColumnKind::Integer:
+    case ColumnKind::Largeint:
+    case ColumnKind::Boolean:
+    case ColumnKind::Float:
+    case ColumnKind::Blob:
+      break;
   }
+  if (field.type == SQL_C_CHAR) return raw;
+  field.text.clear();
+  AppendUtf8(field.text, Wide(raw));
+  return field.text;
 }
 
 // Some drivers begin with the point, and one writes large reals with an exponent.

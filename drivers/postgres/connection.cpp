@@ -9,11 +9,11 @@
 #include "drivers/common/cursors.h"
 #include "drivers/common/entry.h"
 #include "drivers/common/filled.h"
-#include "drivers/common/forms.h"
 #include "drivers/common/parameters.h"
 #include "drivers/common/sockets.h"
 #include "drivers/common/statements.h"
 #include "drivers/common/transaction.h"
+#include "drivers/common/valuetexts.h"
 #include "drivers/postgres/errors.h"
 #include "drivers/postgres/parameters.h"
 #include "drivers/postgres/rows.h"
@@ -176,7 +176,7 @@ std::int64_t PostgresConnection::RowsChanged(const Result& result, std::string_v
   return changed.empty() ? 0 : drivers::ToInteger(changed);
 }
 
-// The server is told the statement with the first values, whose types it has to know.
+// The statement is prepared with the first values, whose types the server has to know.
 class Prepared final : public data::PreparedStatement {
  public:
   Prepared(PostgresConnection& connection, std::string name, drivers::TypedStatement statement)

@@ -4,7 +4,7 @@
 #include <charconv>
 #include <string_view>
 
-#include "drivers/common/forms.h"
+#include "drivers/common/valuetexts.h"
 
 namespace kvshare::postgres {
 namespace {

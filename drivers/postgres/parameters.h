@@ -1,4 +1,4 @@
-// The values of a statement's parameters, and the types that the server is told for them.
+// The values of a statement's parameters, and the types under which the server gets them.
 #pragma once
 
 #include <libpq-fe.h>
@@ -14,7 +14,8 @@
 namespace kvshare::postgres {
 
 // The server finds the type of a number, a text or a Null from the place where it stands: an
-// integer can go into a boolean there, a text into an enumeration. Of other values it is told.
+// integer can go into a boolean there, a text into an enumeration. The types of other values are
+// sent.
 inline constexpr Oid kFromPlace = 0;
 
 // As the client takes them, one for each mark of the statement.
@@ -33,7 +34,7 @@ class Values {
   // The types that the values have by themselves.
   const std::vector<Oid>& OwnTypes() const { return ownTypes_; }
   bool AnyFromPlace() const;
-  // Whether a statement that was told these types takes the values.
+  // Whether a statement that was prepared with these types takes the values.
   bool Fit(const std::vector<Oid>& types) const;
   // After the server could not do with the types: gives the value that it names its own type, or
   // else all of them. False where no value has another type than before.

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "drivers/common/forms.h"
+#include "drivers/common/valuetexts.h"
+#include "kvshare/rtl/ascii.h"
 
 namespace kvshare::postgres {
 namespace {
@@ -92,10 +93,6 @@ Column ColumnOf(const PGresult* result, int i) {
   return column;
 }
 
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
 int HexDigit(char c) {
   if (IsDigit(c)) return c - '0';
   return (c | 0x20) - 'a' + 10;
@@ -155,9 +152,15 @@ std::string_view Rows::Text(int column) const {
     case ColumnKind::Decimal:
       if (!IsDigit(text.back())) Refuse(column, text, "decimal");  // NaN, Infinity
       return text;
-    default:
-      return trimmed_[index] ? drivers::TrimmedRight(text) : text;
+    case ColumnKind::Text:
+    case ColumnKind::Memo:
+    case ColumnKind::Integer:
+    case ColumnKind::Largeint:
+    case ColumnKind::Boolean:
+    case ColumnKind::Float:
+      break;
   }
+  return trimmed_[index] ? drivers::TrimmedRight(text) : text;
 }
 
 // Without the zone that some types end in. Eras before ours and `infinity` have no form.

@@ -12,7 +12,7 @@
 
 namespace kvshare::drivers::sqlite {
 
-// Is told by the server what it reads and writes, while it prepares a statement.
+// Learns from the server what a statement reads and writes, while it is prepared.
 class MetColumns {
  public:
   // From now on, of each statement of the connection; for as long as this object lives.

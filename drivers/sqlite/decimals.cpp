@@ -6,18 +6,20 @@
 #include <compare>
 #include <cstdint>
 
-#include "drivers/common/forms.h"
+#include "drivers/common/valuetexts.h"
 #include "drivers/sqlite/handles.h"
+#include "kvshare/rtl/ascii.h"
 
 namespace kvshare::drivers::sqlite {
 
 namespace {
 
-constexpr bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
+int SignOf(const DecimalText& number) {
+  if (number.negative) return -1;
+  return number.whole.empty() && number.decimals.empty() ? 0 : 1;
 }
 
-int CompareMagnitudes(const Digits& a, const Digits& b) {
+int CompareMagnitudes(const DecimalText& a, const DecimalText& b) {
   if (a.whole.size() != b.whole.size()) return a.whole.size() < b.whole.size() ? -1 : 1;
   const int whole = a.whole.compare(b.whole);
   return whole != 0 ? whole : a.decimals.compare(b.decimals);
@@ -30,9 +32,9 @@ int Compare(std::string_view a, std::string_view b) {
     if (left || right) return left ? 1 : -1;
     return a.compare(b);
   }
-  if (left->Sign() != right->Sign()) return left->Sign() - right->Sign();
+  if (SignOf(*left) != SignOf(*right)) return SignOf(*left) - SignOf(*right);
   const int order = CompareMagnitudes(*left, *right);
-  return left->Sign() < 0 ? -order : order;
+  return left->negative ? -order : order;
 }
 
 int CollateDecimals(void* /*unused*/, int sizeA, const void* a, int sizeB, const void* b) {
@@ -41,8 +43,8 @@ int CollateDecimals(void* /*unused*/, int sizeA, const void* a, int sizeB, const
 }
 
 // The same text for the same number.
-std::string Shortest(const Digits& digits) {
-  std::string text = digits.Sign() < 0 ? "-" : "";
+std::string Shortest(const DecimalText& digits) {
+  std::string text = digits.negative ? "-" : "";
   text.append(digits.whole.empty() ? "0" : digits.whole);
   if (!digits.decimals.empty()) text.append(".").append(digits.decimals);
   return text;
@@ -120,23 +122,9 @@ void Guarded(sqlite3_context* context, int count, sqlite3_value** values) {
 
 }  // namespace
 
-std::optional<Digits> ReadDigits(std::string_view text) {
-  Digits digits;
-  if (!text.empty() && (text[0] == '-' || text[0] == '+')) {
-    digits.negative = text[0] == '-';
-    text.remove_prefix(1);
-  }
-  const std::size_t point = text.find('.');
-  std::string_view whole = text.substr(0, point);
-  std::string_view decimals = point == std::string_view::npos ? "" : text.substr(point + 1);
-  if ((whole.empty() && decimals.empty()) || !std::ranges::all_of(whole, IsDigit) ||
-      !std::ranges::all_of(decimals, IsDigit)) {
-    return std::nullopt;
-  }
-  whole.remove_prefix(std::min(whole.find_first_not_of('0'), whole.size()));
-  digits.whole = whole;
-  digits.decimals = decimals.substr(0, decimals.find_last_not_of('0') + 1);
-  return digits;
+std::optional<DecimalText> ReadDigits(std::string_view text) {
+  const auto digits = SplitDecimal(text, /*plus=*/true);
+  return digits ? std::optional(WithoutZeros(*digits)) : std::nullopt;
 }
 
 std::string_view TextOf(sqlite3_value* value) {

@@ -8,18 +8,12 @@
 #include <string>
 #include <string_view>
 
+#include "kvshare/rtl/decimaltext.h"
+
 namespace kvshare::drivers::sqlite {
 
-// [+-]digits[.digits] without the zeros that say nothing.
-struct Digits {
-  bool negative = false;
-  std::string_view whole;
-  std::string_view decimals;
-
-  bool IsZero() const { return whole.empty() && decimals.empty(); }
-  int Sign() const { return IsZero() ? 0 : negative ? -1 : 1; }
-};
-std::optional<Digits> ReadDigits(std::string_view text);
+// [+-]digits[.digits] without zeros (WithoutZeros). Nothing for another text.
+std::optional<DecimalText> ReadDigits(std::string_view text);
 
 std::string_view TextOf(sqlite3_value* value);
 

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "drivers/sqlite/handles.h"
+#include "kvshare/rtl/ascii.h"
 
 namespace kvshare::drivers::sqlite {
 
@@ -14,7 +15,7 @@ namespace {
 bool Fits(std::string_view text, std::string_view pattern) {
   return text.size() >= pattern.size() &&
          std::ranges::equal(text.substr(0, pattern.size()), pattern, [](char c, char wanted) {
-           return wanted == '0' ? c >= '0' && c <= '9' : c == wanted;
+           return wanted == '0' ? IsDigit(c) : c == wanted;
          });
 }
 
@@ -31,7 +32,7 @@ bool TakeTime(std::string_view text, Moment& moment) {
   if (!Fits(text, "00:00:00")) return false;
   std::string_view rest = text.substr(8);
   if (rest.starts_with('.')) rest.remove_prefix(1);
-  const bool digits = std::ranges::all_of(rest, [](char c) { return c >= '0' && c <= '9'; });
+  const bool digits = AreDigits(rest);
   if (!digits || (rest.empty() && text.size() > 8)) return false;
   moment.clock = text.substr(0, 8);
   moment.fraction = rest.substr(0, rest.find_last_not_of('0') + 1);

@@ -3,9 +3,9 @@
 #include <cmath>
 #include <new>
 
-#include "drivers/common/forms.h"
 #include "drivers/common/sqlitecolumns.h"
 #include "drivers/common/sqliteplaces.h"
+#include "drivers/common/valuetexts.h"
 
 namespace kvshare::drivers::sqlite {
 

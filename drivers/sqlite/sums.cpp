@@ -1,3 +1,4 @@
+// SUM, TOTAL and AVG that add the decimals for which the doubles stand.
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -7,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "drivers/common/forms.h"
+#include "drivers/common/valuetexts.h"
 #include "drivers/sqlite/decimals.h"
 #include "drivers/sqlite/handles.h"
 #include "kvshare/rtl/types.h"
@@ -117,7 +118,7 @@ class Sum {
 
   double Real() const { return exact_ ? Nearest(Written(total_, places_)) : real_; }
 
-  // Divided to many more digits than a real has; a rest is told by one more.
+  // Divided to many more digits than a real has; one more digit stands for a rest.
   double Average() const {
     constexpr Int128 kRoom = INT64_MAX * Int128{INT64_MAX / 100};
     Int128 total = total_;
@@ -138,7 +139,7 @@ class Sum {
 };
 
 // The server gives each sum its memory, filled with zeros, and takes it back; a Sum begins there at
-// its first value, so that one which has seen none is told by its mark.
+// its first value, so that its mark shows which one has seen none.
 struct Place {
   bool begun;
   alignas(Sum) std::byte memory[sizeof(Sum)];

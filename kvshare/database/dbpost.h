@@ -9,7 +9,7 @@
 
 namespace kvshare {
 
-// Stateless; every operation is static. The library never creates an instance. Texts are those of
+// Stateless; every operation is static. The library never creates an instance. Texts come from
 // the message catalogue, and nothing is logged.
 class KVSHARE_API TKovraDbPost {
  public:

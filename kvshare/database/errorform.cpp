@@ -1,6 +1,7 @@
 #include "kvshare/database/errorform.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 #include "kvshare/data/fields/editmask.h"
@@ -20,21 +21,14 @@ void Place(TControl& control, std::string_view caption, const TBounds& bounds) {
   control.SetBounds(bounds);
 }
 
+// Their values are shown as "(Binary)".
+constexpr std::array kBinaryTypes = {
+    ftBytes,      ftVarBytes, ftBlob,        ftGraphic, ftFmtMemo,
+    ftParadoxOle, ftDBaseOle, ftTypedBinary, ftCursor,
+};
+
 bool IsBinary(TFieldType type) {
-  switch (type) {
-    case TFieldType::ftBytes:
-    case TFieldType::ftVarBytes:
-    case TFieldType::ftBlob:
-    case TFieldType::ftGraphic:
-    case TFieldType::ftFmtMemo:
-    case TFieldType::ftParadoxOle:
-    case TFieldType::ftDBaseOle:
-    case TFieldType::ftTypedBinary:
-    case TFieldType::ftCursor:
-      return true;
-    default:
-      return false;
-  }
+  return std::ranges::find(kBinaryTypes, type) != kBinaryTypes.end();
 }
 
 // What stands for the values of fields that have no text.
@@ -228,9 +222,10 @@ std::string_view TUpdateErrorForm::ShownModified(const TErrorFieldRow& row) cons
       return row.Edited ? row.EditValue : row.NewValue;
     case TErrorChoice::Shown::Unchanged:
       return kUnchanged;
-    default:
-      return row.NewValue;
+    case TErrorChoice::Shown::NewValue:
+      break;
   }
+  return row.NewValue;
 }
 
 void TUpdateErrorForm::PutRow(int at, TErrorFieldRow& row) {

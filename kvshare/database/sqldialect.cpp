@@ -4,7 +4,7 @@
 
 #include "kvshare/database/dbxconf.h"
 #include "kvshare/messages/catalogue.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/formatdatetime.h"
 #include "kvshare/rtl/inifile.h"

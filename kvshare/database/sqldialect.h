@@ -26,7 +26,7 @@ inline constexpr std::string_view kDialectSection = "DATABASE.";
 // The builders put texts into patterns as they are: a caller doubles apostrophes itself. A pattern
 // with fewer placeholders than the builder has texts throws EConvertError `Format '%s' invalid or
 // incompatible with argument`, one with more `No argument for format '%s'`. Until ReadSQLIntf has
-// run all patterns are empty, and so are those of the comparisons in a profile that lacks them.
+// run all patterns are empty, and so are the patterns of comparisons in a profile that lacks them.
 
 // A field, for a comparison that respects letter case or ignores it.
 KVSHARE_API std::string SQLFieldFormat(std::string_view fieldName, bool matchCase);

@@ -61,7 +61,7 @@ class KVSHARE_API TKovraDate {
   // 543 where the machine shows Buddhist-era years (os::EraText), else 0.
   static int YearOffset();
 
-  // ---- Texts. Separators and locale month names are those of FormatSettings; a year has at least
+  // ---- Texts. Separators and locale month names come from FormatSettings; a year has at least
   // four digits.
 
   // 15/07/2546 for 15 July 2003 and 543. A date that cannot be decoded shows today's.

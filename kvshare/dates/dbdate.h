@@ -27,7 +27,7 @@ namespace kvshare {
 // the Christian year of the local clock, and its range is a hundred years either way, both ends in.
 class KVSHARE_API TKovraDbDate {
  public:
-  // --- OnGetText: the same text to be shown and to be edited. Separators are those of
+  // --- OnGetText: the same text to be shown and to be edited. Separators come from
   // FormatSettings, the year of a date has at least four digits. Null is "" where not said
   // otherwise.
 
@@ -81,7 +81,7 @@ class KVSHARE_API TKovraDbDate {
   static void SetTimeNullField(TClientDataSet& DataSet, std::string_view FieldName);
   static void SetDateTimeField(TClientDataSet& DataSet, std::string_view FieldName);
   static void SetDateTimeNullField(TClientDataSet& DataSet, std::string_view FieldName);
-  // A numeric field besides gets number formats; those of years, days and months end in `;1;_`,
+  // A numeric field also gets number formats; the formats of years, days and months end in `;1;_`,
   // which as a number format shows a negative as 1 and zero as `_`.
   static void SetYearField(TClientDataSet& DataSet, std::string_view FieldName);
   static void SetYearMonthField(TClientDataSet& DataSet, std::string_view FieldName);

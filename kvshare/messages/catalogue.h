@@ -160,7 +160,7 @@ inline constexpr std::size_t kMessageIds = 128;
 struct TMessageRow {
   TMessage Id;
   std::string_view Name;  // "rstrOneDigit"
-  std::string_view Text;  // code page 874; placeholders are those of Format, only %s and %d
+  std::string_view Text;  // code page 874; placeholders as in Format, only %s and %d
 };
 
 // All messages, grouped as in TMessage.

@@ -5,6 +5,7 @@
 
 #include "kvshare/messages/language.h"
 #include "kvshare/messages/placeholders.h"
+#include "kvshare/rtl/ascii.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/utf8mark.h"
@@ -19,7 +20,7 @@ struct Refusal {
 };
 
 constexpr bool IsNameLetter(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+  return IsLatinLetter(c) || IsDigit(c) || c == '_';
 }
 
 // Takes a line apart from its left end.

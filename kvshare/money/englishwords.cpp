@@ -1,3 +1,4 @@
+// Amounts in English words.
 #include <array>
 #include <cstddef>
 #include <cstdint>

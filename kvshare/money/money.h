@@ -133,7 +133,7 @@ class KVSHARE_API TKovraMoney {
   // The quantity text of a stock-keeping unit. 29 pieces in boxes of 12:
   //   Mode 1, Style: 1 `29` twelve wide, 2 `2+5`, 3 `2*12+5`, 4 `2+5/12`; a Factor of 1 gives 1.
   //   Mode 2, EqStyle: 1 .. 4 the same; 5 .. 8 the same and Qty * Rate: `2+5=14.500000`.
-  // Decimals are those of plain quantity and rest; with 0 the plain quantity is cut, not rounded.
+  // Decimals hold for plain quantity and rest; with 0 the plain quantity is cut, not rounded.
   // "" for other values, for a Factor of 0, for a Rate that is no number (in mode 1 too), negative
   // Decimals, and packs out of Currency's range. Qty * Rate is exact up to 922,337,203,685,477
   // unless Rate has an exponent; then it is real arithmetic.

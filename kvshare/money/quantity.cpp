@@ -1,3 +1,4 @@
+// Quantities in packs and pieces, and the small texts about numbers.
 #include <cstdint>
 #include <limits>
 #include <optional>

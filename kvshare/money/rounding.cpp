@@ -1,3 +1,4 @@
+// The 28 rounding modes as a table of way and step.
 #include <algorithm>
 #include <array>
 #include <cstddef>

@@ -1,3 +1,4 @@
+// Amounts with zeros in front, for fields of a fixed width.
 #include <algorithm>
 #include <array>
 #include <cstddef>

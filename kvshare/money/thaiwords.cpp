@@ -1,3 +1,4 @@
+// Amounts in Thai words.
 #include <array>
 #include <cstddef>
 #include <cstdint>

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "kvshare/money/money.h"
+#include "kvshare/rtl/ascii.h"
 
 namespace kvshare::words {
 
@@ -17,7 +18,7 @@ Digits DigitsOfCutText(Currency satang) {
   const std::string text = TKovraMoney::StrZero(satang, 16, 2);
   const auto digitAt = [&text](std::size_t i) {
     const char c = text[i];
-    return c >= '0' && c <= '9' ? static_cast<unsigned>(c - '0') : 0;
+    return IsDigit(c) ? static_cast<unsigned>(c - '0') : 0;
   };
   Digits digits;
   for (std::size_t i = 1; i < 13; ++i) digits.whole = digits.whole * 10 + digitAt(i);

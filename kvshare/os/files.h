@@ -1,4 +1,4 @@
-// Files and folders by the interface's names. What rtl needs itself stands in rtl/files.h.
+// Files and folders by the interface's names. What rtl needs itself stands in rtl/filebytes.h.
 //
 // A routine that answers with a bool or a code throws nothing; a name that no file can have (an
 // unknown drive, a byte that is no letter) is a name without a file.

@@ -37,8 +37,8 @@ class KVSHARE_API SharedLibrary {
   // The file that was loaded, a system's name; "" when none was.
   std::string File() const;
 
-  // nullptr when the library has no such entry itself: those of the libraries that it needs do not
-  // count.
+  // nullptr when the library has no such entry itself: entries of the libraries that it needs do
+  // not count.
   void* Entry(std::string_view name) const;
 
   // Every file that a name is looked for as, in order, letter case ignored; of a bare name in the

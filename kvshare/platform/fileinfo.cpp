@@ -3,7 +3,7 @@
 #include "kvshare/os/folders.h"
 #include "kvshare/os/version/versionresource.h"
 #include "kvshare/rtl/exceptions.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/ui/messages.h"
 

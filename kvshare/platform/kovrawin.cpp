@@ -38,18 +38,10 @@ void ShowError(std::string_view text) {
   MessageDlg(text, TMsgDlgType::mtError, {TMsgDlgBtn::mbOK}, 0);
 }
 
-// Text in the encoding of this system, where the code page has its letters.
-std::string InCp874(const char* utf8) {
-  try {
-    return Utf8ToCp874(utf8);
-  } catch (const EConvertError&) {
-    return {};
-  }
-}
-
 void ShowFailure(std::string_view program, const char* why) {
   std::string text = Format("Program %s Failed in KovraWin.DLL", {program});
-  if (const std::string reason = InCp874(why); !reason.empty()) text += "\r\n" + reason;
+  if (const std::string reason = TryUtf8ToCp874(why).value_or(""); !reason.empty())
+    text += "\r\n" + reason;
   ShowError(text);
 }
 

@@ -2,8 +2,8 @@
 // printer.
 #include <algorithm>
 
-#include "kvshare/platform/files.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/platform/filehelpers.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/ui/backend.h"
 #include "kvshare/ui/messages.h"
 #include "kvshare/ui/printing.h"

@@ -5,7 +5,7 @@
 #include "kvshare/os/machine.h"
 #include "kvshare/platform/win32rules.h"
 #include "kvshare/rtl/datetime.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/formatdatetime.h"
 #include "kvshare/rtl/strutils.h"

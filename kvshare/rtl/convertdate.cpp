@@ -1,9 +1,11 @@
+// Dates and times from texts.
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
 
+#include "kvshare/rtl/ascii.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/formatdatetime.h"
 #include "kvshare/rtl/textcursor.h"
@@ -41,8 +43,7 @@ std::optional<Number> TakeNumber(TextCursor& cursor) {
   cursor.SkipBlanks();
   const std::string_view rest = cursor.Rest();
   Number number;
-  while (number.digits < rest.size() && number.value < 1000 &&
-         TextCursor::IsDigit(rest[number.digits])) {
+  while (number.digits < rest.size() && number.value < 1000 && IsDigit(rest[number.digits])) {
     number.value = number.value * 10 + (rest[number.digits++] - '0');
   }
   if (number.digits == 0) return std::nullopt;

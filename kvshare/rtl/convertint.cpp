@@ -1,3 +1,4 @@
+// Whole numbers from texts.
 #include <array>
 #include <cstdint>
 #include <limits>

@@ -1,3 +1,4 @@
+// Real numbers and amounts from texts.
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
@@ -33,7 +34,7 @@ std::int64_t ReadExponent(TextCursor& cursor) {
   return negative ? -exponent : exponent;
 }
 
-// A point without digits is zero, an exponent without digits is none.
+// A point without digits is zero, an exponent without digits is no exponent.
 std::optional<DecimalText> ReadDecimalText(std::string_view text, char separator) {
   TextCursor cursor(text);
   DecimalText number;

@@ -164,4 +164,12 @@ std::string Utf8ToCp874(std::string_view utf8) {
   return out;
 }
 
+std::optional<std::string> TryUtf8ToCp874(std::string_view utf8) {
+  try {
+    return Utf8ToCp874(utf8);
+  } catch (const EConvertError&) {
+    return std::nullopt;
+  }
+}
+
 }  // namespace kvshare::inline rtl

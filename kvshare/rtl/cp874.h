@@ -87,6 +87,9 @@ KVSHARE_API std::string Cp874ToUtf8Lossy(std::string_view cp874);
 KVSHARE_API std::string Utf8ToCp874(std::string_view utf8);
 KVSHARE_API void AppendCp874(std::string& out, std::string_view utf8);
 
+// The same; nothing for a text that the code page cannot hold.
+KVSHARE_API std::optional<std::string> TryUtf8ToCp874(std::string_view utf8);
+
 namespace detail {
 
 template <std::size_t N>

@@ -30,7 +30,7 @@ bool StartsWithBackslash(std::string_view name) {
   return !name.empty() && name.front() == '\\';
 }
 
-// Adds the parts of `path` to those of a full name; `..` takes the last one away.
+// Adds the parts of `path` to the parts of a full name; `..` takes the last one away.
 void AddParts(std::vector<std::string_view>& parts, std::string_view path) {
   while (!path.empty()) {
     const std::size_t end = std::min(path.find('\\'), path.size());

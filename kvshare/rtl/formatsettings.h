@@ -39,8 +39,8 @@ struct KVSHARE_API TFormatSettings {
   static TFormatSettings ForLocale(std::string_view name);
 };
 
-// The process-wide settings, those of the user's locale (LC_ALL, LC_TIME or LANG, the first that is
-// set) until a program changes them. A plain variable: change it before other threads format.
+// The process-wide settings, taken from the user's locale (LC_ALL, LC_TIME or LANG, the first that
+// is set) until a program changes them. A plain variable: change it before other threads format.
 extern KVSHARE_API TFormatSettings FormatSettings;
 
 // Reads the user's locale again into FormatSettings.

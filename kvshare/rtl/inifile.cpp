@@ -7,7 +7,7 @@
 
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/exceptions.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/iniparser.h"
 #include "kvshare/rtl/strutils.h"
 

@@ -2,27 +2,20 @@
 
 #include <algorithm>
 
-#include "kvshare/rtl/textcursor.h"
+#include "kvshare/rtl/decimaltext.h"
 
 namespace kvshare::inline rtl {
 
 std::optional<LongDecimal> LongDecimal::Read(std::string_view text) {
+  const auto parts = SplitDecimal(text);
+  if (!parts) return std::nullopt;
   LongDecimal number;
-  number.negative_ = text.starts_with('-');
-  if (number.negative_) text.remove_prefix(1);
-  const std::size_t point = text.find('.');
-  const std::string_view whole = text.substr(0, point);
-  const std::string_view decimals =
-      point == std::string_view::npos ? std::string_view() : text.substr(point + 1);
-  const bool sound = std::ranges::all_of(whole, TextCursor::IsDigit) &&
-                     std::ranges::all_of(decimals, TextCursor::IsDigit) &&
-                     !(whole.empty() && decimals.empty());
-  if (!sound) return std::nullopt;
-  number.digits_.reserve(whole.size() + decimals.size());
-  number.digits_.append(whole).append(decimals);
+  number.negative_ = parts->negative;
+  number.digits_.reserve(parts->whole.size() + parts->decimals.size());
+  number.digits_.append(parts->whole).append(parts->decimals);
   const std::size_t zeros = std::min(number.digits_.find_first_not_of('0'), number.digits_.size());
   number.digits_.erase(0, zeros);
-  number.point_ = static_cast<int>(whole.size()) - static_cast<int>(zeros);
+  number.point_ = static_cast<int>(parts->whole.size()) - static_cast<int>(zeros);
   number.Shrink();
   return number;
 }

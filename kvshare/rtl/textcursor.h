@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "kvshare/rtl/ascii.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/strutils.h"
 
@@ -41,8 +42,6 @@ class TextCursor {
     while (!AtEnd() && IsDigit(text_[at_])) ++at_;
     return text_.substr(start, at_ - start);
   }
-
-  static constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
  private:
   std::string_view text_;

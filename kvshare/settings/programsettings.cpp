@@ -8,7 +8,7 @@
 #include "kvshare/platform/win32.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/exceptions.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/inifile.h"
 #include "kvshare/settings/globals.h"

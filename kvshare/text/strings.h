@@ -76,7 +76,7 @@ class KVSHARE_API TKovraString {
   // In place: Source's first bytes over Destination from Position, left-aligned: Count bytes (0:
   // all of Source), at most what Source has and never past the end. A Position below 1 or past the
   // end, and a negative Count, change nothing. Source may lie in Destination: the bytes written are
-  // those of before the call.
+  // the ones from before the call.
   static void MoveLStr(std::string_view Source, std::string& Destination, int Count, int Position);
 
   // In place: Source's last bytes right-aligned in the field of Count bytes from Position, which

@@ -1,3 +1,4 @@
+// A picture from the bytes of a Windows bitmap.
 #include <algorithm>
 #include <array>
 #include <bit>

@@ -83,7 +83,7 @@ bool PressDefault(const TForm& form) {
   return button != nullptr && button->Click();
 }
 
-// The functions below do what a line says and return what is to be told about it, "" when it was
+// The functions below do what a line says and return the message about it, "" when it was
 // done.
 std::string_view Told(bool done) {
   return done ? std::string_view() : kNotPossible;

@@ -1,3 +1,4 @@
+// A form as lines of text.
 #include <algorithm>
 #include <cstddef>
 #include <string>

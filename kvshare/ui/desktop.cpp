@@ -12,11 +12,7 @@ namespace {
 
 // What the system says of the library, which may name a folder of any letters.
 std::string InCp874(const std::string& utf8) {
-  try {
-    return Utf8ToCp874(utf8);
-  } catch (const EConvertError&) {
-    return "the library kvshare-desktop cannot be loaded";
-  }
+  return TryUtf8ToCp874(utf8).value_or("the library kvshare-desktop cannot be loaded");
 }
 
 TDesktopEntry* LoadDesktop() {

@@ -1,3 +1,4 @@
+// A spooler whose jobs become numbered files in a folder.
 #include <algorithm>
 #include <cstddef>
 #include <optional>
@@ -30,44 +31,28 @@ std::string JobName(std::string_view title) {
   return (name.empty() ? "job" : name) + ".prn";
 }
 
-class FolderPrinter : public TPrinterHandle {
+class FolderPrinter : public TOrderedPrinterHandle {
  public:
   explicit FolderPrinter(std::string folder) : folder_(std::move(folder)) {}
 
-  bool StartDoc(std::string_view title) override {
-    if (job_) return false;
+ private:
+  bool BeginJob(std::string_view title) override {
     job_.emplace(folder_);
-    if (!job_->IsOpen()) job_.reset();
     name_ = JobName(title);
-    return job_.has_value();
+    return job_->IsOpen();
   }
 
-  bool StartPage() override {
-    if (!job_ || inPage_) return false;
-    inPage_ = true;
-    return true;
-  }
+  bool WriteJob(std::string_view bytes) override { return job_->Write(bytes); }
 
-  bool Write(std::string_view bytes) override { return inPage_ && job_->Write(bytes); }
-
-  bool EndPage() override {
-    const bool ended = inPage_;
-    inPage_ = false;
-    return ended;
-  }
-
-  bool EndDoc() override {
-    const bool published = job_ && job_->Publish(name_);
+  bool FinishJob() override {
+    const bool published = job_->Publish(name_);
     job_.reset();
-    inPage_ = false;
     return published;
   }
 
- private:
   std::string folder_;
   std::string name_;
   std::optional<os::JobFile> job_;
-  bool inPage_ = false;  // only while there is a job
 };
 
 class FolderSpooler : public TSpooler {
@@ -75,7 +60,7 @@ class FolderSpooler : public TSpooler {
   std::vector<std::string> Printers() override {
     std::vector<std::string> printers;
     for (const std::string& folder : os::FoldersIn(Folder())) {
-      if (auto name = FromUtf8(folder)) printers.push_back(*std::move(name));
+      if (auto name = TryUtf8ToCp874(folder)) printers.push_back(*std::move(name));
     }
     return printers;
   }
@@ -84,7 +69,7 @@ class FolderSpooler : public TSpooler {
     // A printer that is named and missing is not replaced by another: a cheque would come out
     // somewhere else.
     if (const std::string_view chosen = Environment("KVSHARE_PRINTER"); !chosen.empty()) {
-      return FromUtf8(chosen).value_or("");
+      return TryUtf8ToCp874(chosen).value_or("");
     }
     const std::vector<std::string> printers = Printers();
     return printers.empty() ? "" : printers.front();
@@ -107,15 +92,6 @@ class FolderSpooler : public TSpooler {
       return os::HomeFolder() + "/spool";
     } catch (const EInOutError&) {
       return {};  // no home, no printers
-    }
-  }
-
-  // None for a name that code page 874 cannot hold.
-  static std::optional<std::string> FromUtf8(std::string_view name) {
-    try {
-      return Utf8ToCp874(name);
-    } catch (const EConvertError&) {
-      return std::nullopt;
     }
   }
 };

@@ -1,3 +1,4 @@
+// A form: its controls, its place, and being shown.
 #include <algorithm>
 #include <cstddef>
 #include <utility>

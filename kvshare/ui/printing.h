@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "kvshare/export.h"
@@ -30,6 +31,33 @@ class KVSHARE_API TPrinterHandle {
 
   // Why the last call was refused, in code page 874; "" where the printer does not tell.
   virtual std::string Trouble() const { return {}; }
+};
+
+// A printer that refuses what comes out of order, whatever its jobs become.
+class TOrderedPrinterHandle : public TPrinterHandle {
+ public:
+  bool StartDoc(std::string_view title) final {
+    if (inJob_) return false;
+    inJob_ = BeginJob(title);
+    return inJob_;
+  }
+  bool StartPage() final { return inJob_ && !std::exchange(inPage_, true); }
+  bool Write(std::string_view bytes) final { return inPage_ && WriteJob(bytes); }
+  bool EndPage() final { return std::exchange(inPage_, false); }
+  bool EndDoc() final {
+    inPage_ = false;
+    return std::exchange(inJob_, false) && FinishJob();
+  }
+
+ private:
+  // False where there is no job then.
+  virtual bool BeginJob(std::string_view title) = 0;
+  virtual bool WriteJob(std::string_view bytes) = 0;
+  // The job is over, also where it is refused.
+  virtual bool FinishJob() = 0;
+
+  bool inJob_ = false;
+  bool inPage_ = false;  // only while in a job
 };
 
 class KVSHARE_API TSpooler {

@@ -632,7 +632,7 @@ def groups():
     yield ("Round_Baht", "an amount by a mode: multiples, ties, their neighbours, both ends",
            cases(round_baht, "Amount Mode", rounding_rows(), amount))
     yield ("RoundType", "the mode of a stored code",
-           cases(lambda code: MODES[code] if code < 28 else MODES[0], "Code", (0, 1, 10, 27, 28, 65535)))
+           cases(lambda code: MODES[code] if code < len(MODES) else MODES[0], "Code", (0, 1, 10, 27, 28, 65535)))
     yield ("PrRoundType", "the mode of a stored code of the price list",
            cases(lambda code: (PRICE_MODES + [MODES[0]] * 65536)[code], "Code", (*range(15), 65535)))
     yield ("RoundTo", "half up on the magnitude to a number of decimals",

@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <string>
 
 #include "apps/kvshare/log/moments.h"
@@ -168,6 +169,7 @@ TEST(Conformance, EveryCaseOfTheFile) {
   const json file = json::parse(std::ifstream(KVSHARE_CONFORMANCE_FILE));
   ASSERT_EQ(file.at("version"), 1);
   std::size_t count = 0;
+  std::set<std::string> modes;
   for (const json& group : file.at("groups")) {
     const std::string operation = group.at("operation");
     ASSERT_TRUE(kOperations.contains(operation)) << operation;
@@ -175,10 +177,12 @@ TEST(Conformance, EveryCaseOfTheFile) {
       const char* key = values.contains("error") ? "error" : "expect";
       EXPECT_EQ(Outcome(operation, values), json({{key, values.at(key)}}))
           << operation << ' ' << values;
+      if (operation == "Round_Baht") modes.insert(values.at("Mode"));
       ++count;
     }
   }
   EXPECT_GT(count, 1000U);
+  EXPECT_EQ(modes.size(), std::size_t{kRoundModes}) << "a new mode goes into generate.py too";
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "kvshare/rtl/cp874.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "tests/apps/tempfile.h"
 #include "tests/support.h"
 

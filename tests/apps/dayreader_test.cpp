@@ -163,7 +163,7 @@ TEST(DayReader, HeaderProblems) {
   EXPECT_EQ(document.lines.front().discount, -1_baht) << "the sign of the quantity";
 }
 
-// Such a document is read as it stands, and told.
+// Such a document is read as it stands, with a warning.
 TEST(DayReader, DoubtfulYearsAreTold) {
   const struct {
     const char *date, *warning;  // "" for none

@@ -1,7 +1,7 @@
 // `kvshare dialog` over a pipe, with the companion library of the build.
 #include <gtest/gtest.h>
 
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "tests/apps/tempfile.h"
 #include "tests/support.h"
 

@@ -1,4 +1,4 @@
-// `kvshare edit`: what is typed, what the table has, and what the user is told.
+// `kvshare edit`: what is typed, what the table has, and what the user reads.
 #include <gtest/gtest.h>
 
 #include "tests/apps/shop.h"

@@ -2,7 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "tests/apps/tempfile.h"
 #include "tests/os/filesupport.h"
 

@@ -4,7 +4,7 @@
 
 #include "kvshare/os/registry/registry.h"
 #include "kvshare/rtl/cp874.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "tests/apps/tempfile.h"
 #include "tests/support.h"
 

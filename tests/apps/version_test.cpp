@@ -4,7 +4,7 @@
 #include <filesystem>
 
 #include "kvshare/os/version/versionresourcebuilder.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "tests/apps/tempfile.h"
 #include "tests/os/images.h"
 #include "tests/support.h"

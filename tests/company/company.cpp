@@ -6,7 +6,7 @@
 #include "kvshare/database/dbxconf.h"
 #include "kvshare/database/sqldialect.h"
 #include "kvshare/database/sqlfunc.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/inifile.h"
 #include "kvshare/settings/globals.h"

@@ -4,7 +4,7 @@
 #include <initializer_list>
 #include <string>
 
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/stringlist.h"
 #include "tests/company/company.h"
 

@@ -46,7 +46,7 @@ constexpr std::string_view kPostgresBoth = "|postgres|odbc-postgres|";
 constexpr std::string_view kFirebird = "|firebird|";
 constexpr std::string_view kSqlite = "|sqlite|";
 
-// Each with a real parameter beside what is none.
+// Each with a real parameter beside what only looks like one.
 TEST_F(Places, ParametersAreWhereTheServerReadsThem) {
   struct Case {
     std::string_view servers, sql, want;

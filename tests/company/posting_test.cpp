@@ -19,7 +19,7 @@
 #include "kvshare/database/sqlfunc.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/cp874.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/format.h"
 #include "tests/apps/tempfile.h"
 #include "tests/company/company.h"

@@ -63,7 +63,7 @@ TEST_F(Addresses, NobodyListens) {
   EXPECT_THAT(Boxes(), SizeIs(1));
 }
 
-// Neither side is told: the bytes are taken and go nowhere.
+// Neither side learns of it: the bytes are taken and go nowhere.
 TEST_F(Addresses, TheNetworkPathGoesDead) {
   const auto useless = [](TSQLConnection& connection, const std::function<void()>& work) {
     const auto began = std::chrono::steady_clock::now();

@@ -124,7 +124,7 @@ TEST_F(ClientDataSet, AMoveEndsTheEditing) {
   set.Edit();
   EXPECT_EQ(set.State(), dsEdit);
   set.Post();
-  EXPECT_EQ(set.ChangeCount(), 1) << "an edit that changes nothing is none";
+  EXPECT_EQ(set.ChangeCount(), 1) << "an edit that changes nothing leaves no change";
 }
 
 TEST_F(ClientDataSet, EventsComeInThePlatformsOrder) {

@@ -74,7 +74,7 @@ TEST(Connection, SecretsAreNotShown) {
       {"pwd", "s3cret", "***", "as some drivers call it"},
       {"EncryptPwd", "s3cret", "***", "part of a name"},
       {"Client_Secret", "s3cret", "***", "another word"},
-      {"Password", "", "", "none is none"},
+      {"Password", "", "", "no password stays none"},
       {"Database", "Driver={X};UID=a;Password=s3cret", "Driver={X};UID=a;Password=***",
        "in a connection string"},
       {"Database", "PWD=s3cret;Server=db", "PWD=***;Server=db", "not at its end"},

@@ -9,7 +9,7 @@
 #include "kvshare/data/client/clientdataset.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "tests/data/packets.h"
 
 namespace kvshare {
@@ -72,7 +72,7 @@ TEST(Packet, RefusesWhatIsNoPacket) {
        "document type"},
       {Items("", "<ROW CODE=\"&b;\"/>"), "undefined entity"},
       {Items("", "<ROW CODE=\"&#3585;&#8364;&#9999;\"/>"), "U+270F"},
-      {Items("", "<ROW CODE=\"&#65535;\"/>"), "a letter that there is none of"},
+      {Items("", "<ROW CODE=\"&#65535;\"/>"), "a letter that does not exist"},
       {R"(<?xml version="1.0" encoding="KOI8-R"?>)" + Items("", ""), "unknown encoding"},
       {R"(<?xml version="1.0" encoding="UTF-16"?>)" + Items("", ""), "encoding"},
       {R"(<?xml version="1.0" encoding="UTF-8"?>)" + Items("", "<ROW CODE=\"\xA1\"/>"),

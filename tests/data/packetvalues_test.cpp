@@ -145,7 +145,7 @@ class OneValue {
  public:
   explicit OneValue(std::string_view field) : field_(field) {}
 
-  // As it is saved again; `refused` for what is none.
+  // As it is saved again; `refused` for what is no value.
   std::string Saved(std::string_view text) {
     constexpr std::string_view kBegin = "<ROW F=\"";
     try {

@@ -11,7 +11,7 @@
 #include "kvshare/os/registry/registry.h"
 #include "kvshare/platform/verinfo.h"
 #include "kvshare/rtl/exceptions.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/formatdatetime.h"
 #include "kvshare/rtl/lines.h"
 #include "kvshare/start/package.h"

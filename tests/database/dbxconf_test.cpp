@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "kvshare/os/files.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "tests/support.h"
 
 namespace kvshare {

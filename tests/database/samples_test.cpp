@@ -5,7 +5,7 @@
 #include "kvshare/database/sqldialect.h"
 #include "kvshare/os/files.h"
 #include "kvshare/os/paths.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/inifile.h"
 #include "kvshare/settings/globals.h"

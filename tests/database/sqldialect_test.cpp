@@ -8,7 +8,7 @@
 #include "kvshare/database/dbxconf.h"
 #include "kvshare/os/files.h"
 #include "kvshare/rtl/exceptions.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/settings/globals.h"
 #include "kvshare/ui/backend.h"
 #include "tests/support.h"

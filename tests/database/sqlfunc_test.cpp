@@ -193,7 +193,7 @@ TEST_F(SqlFunc, ABatchReportsWhatFailed) {
   EXPECT_EQ(RunSQLBatch(connection_, Lines({"INSERT INTO T VALUES (1, 'a')"})).Text(), "");
 }
 
-// The first error is shown, not that of the rollback; the outer transaction is gone.
+// The first error is shown, not the rollback's; the outer transaction is gone.
 TEST_F(SqlFunc, ATransactionOfTheProgramsOwnMakesARunnerFail) {
   connection_.StartTransaction({});
   Run("INSERT INTO T VALUES (1, 'a')");

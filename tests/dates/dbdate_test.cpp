@@ -9,7 +9,7 @@
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/formatdatetime.h"
 #include "kvshare/rtl/strutils.h"
 #include "kvshare/settings/globals.h"
@@ -272,7 +272,7 @@ TEST_F(DbDate, EveryDayIsShownAsDescribedAndReadBack) {
   }
 }
 
-// Whatever stands at a place: the moment is that of the described steps, and so is the refusal.
+// Whatever stands at a place: moment and refusal are the same as by the described steps.
 TEST_F(DbDate, EveryMomentIsReadAsDescribed) {
   TField& field = Of(ftDateTime, D::SetDateTimeField);
   const auto described = [](std::string_view text) {

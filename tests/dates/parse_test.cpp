@@ -57,7 +57,7 @@ TEST(TypedDates, StrToKovraDate) {
 }
 
 // A month of three digits leaves the usual form, so that both roads meet on every date and on every
-// pair of numbers that is none.
+// pair of numbers that is no date.
 TEST(TypedDates, TheUsualFormReadsAsAnyOther) {
   for (int n = 0; n < 100 * 100 * 40; ++n) {
     const int year = n / 10'000 * 257 % 10'000;

@@ -250,7 +250,7 @@ TEST_F(ErrorDialogs, EveryWayOut) {
   }
 }
 
-// A text that a field refuses is told in a box over the dialog, which stays with all that was
+// A text that a field refuses is reported in a box over the dialog, which stays with all that was
 // typed.
 TEST_F(ErrorDialogs, ARefusedTextIsToldAndNothingTypedIsLost) {
   TPostErrorForm form = Made<TPostErrorForm>();

@@ -13,7 +13,7 @@
 #include <optional>
 
 #include "desktop/paper.h"
-#include "kvshare/platform/files.h"
+#include "kvshare/platform/filehelpers.h"
 #include "kvshare/platform/win32.h"
 #include "kvshare/rtl/cp874.h"
 #include "tests/desktop/tool.h"
@@ -171,7 +171,7 @@ TEST_F(Spooler, APrinterThatIsNamedAndMissingIsNotReplaced) {
   std::ofstream(folder.File("f")) << "x";
   PrintFile(folder.File("f"));
   EXPECT_EQ(MessageOf<EPrinter>([this] { ui_.Printer().BeginDoc(); }),
-            "The printer Gone does not take the job: there is none of that name");
+            "The printer Gone does not take the job: there is no printer of that name");
   EXPECT_FALSE(ui_.Printer().Printing());
   EXPECT_EQ(ActiveJobs(), 0);
   EXPECT_EQ(wire_.NextJob(kNever), std::nullopt);

@@ -5,13 +5,13 @@
 #include <limits>
 #include <random>
 
-#include "drivers/common/forms.h"
 #include "drivers/common/nulltests.h"
 #include "drivers/common/parameters.h"
 #include "drivers/common/sqlitecolumns.h"
 #include "drivers/common/sqlitestatement.h"
 #include "drivers/common/statements.h"
 #include "drivers/common/transaction.h"
+#include "drivers/common/valuetexts.h"
 #include "kvshare/data/contract/driver.h"
 
 namespace kvshare::drivers {
@@ -205,7 +205,7 @@ TEST(Statements, AreMarkedAsEachClientWants) {
   EXPECT_THROW(ValuesByPlace(statement.places, std::span(values).first(1)), data::DriverError);
 }
 
-// A mark that only tests for Null has a type, and is none of the others.
+// A mark that only tests for Null has a type, and is not one of the others.
 TEST(Statements, TypedMarks) {
   const data::StatementParts statement{
       {"WHERE (", " IS NULL OR b = ", ") AND (", " IS NULL OR c = ", " OR c = ", ")"},

@@ -25,7 +25,7 @@ struct Dialect {
   const char* kill = nullptr;  // the number for %
 };
 
-// Of the server that this program runs beside; throws where it is told none.
+// Of the server that this program runs beside; throws where none was named.
 const Dialect& CurrentDialect();
 
 }  // namespace kvshare

@@ -10,7 +10,7 @@
 #include <filesystem>
 
 #include "kvshare/rtl/cp874.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "tests/support.h"
 
 namespace kvshare {
@@ -20,7 +20,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 
-// Warnings of lines, without those of messages that have none.
+// Warnings of lines, without warnings of messages that have no translation.
 std::vector<TLanguageWarning> LineWarnings(const TLanguage& language) {
   std::vector<TLanguageWarning> lines;
   for (const TLanguageWarning& warning : language.Warnings) {

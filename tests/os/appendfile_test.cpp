@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "kvshare/rtl/exceptions.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/lines.h"
 #include "tests/os/childprocess.h"
 #include "tests/support.h"

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "kvshare/os/paths.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "tests/os/filesupport.h"
 
 namespace kvshare {
@@ -39,7 +39,7 @@ TEST(Drives, TheTable) {
                           "[\\\\host] is no drive (X: or \\\\host\\share)",
                           "[\\\\h\\s\\t] is no drive (X: or \\\\host\\share)",
                           "[F:] has no absolute Path", "[G:] has no absolute Path",
-                          "[H:] has a Kind that is none of fixed, removable, remote, cdrom, ram",
+                          "[H:] has a Kind other than fixed, removable, remote, cdrom, ram",
                           "[1:] is no drive (X: or \\\\host\\share)"));
   EXPECT_EQ(os::NativePath("\\\\a/X\\f"), "/mnt/a/f") << "letter case and separator";
   EXPECT_EQ(os::NativePath("\\\\a\\x\\..\\..\\f"), "/mnt/a/f");

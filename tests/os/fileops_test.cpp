@@ -8,7 +8,7 @@
 #include <csignal>
 #include <fstream>
 
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "tests/os/filesupport.h"
 
 namespace kvshare {

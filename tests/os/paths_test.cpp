@@ -7,7 +7,7 @@
 
 #include "kvshare/os/files.h"
 #include "kvshare/rtl/cp874.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "tests/os/filesupport.h"
 
 namespace kvshare {

@@ -9,7 +9,7 @@
 #include <csignal>
 
 #include "kvshare/rtl/cp874.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "tests/support.h"
 
 namespace kvshare::os {

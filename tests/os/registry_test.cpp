@@ -11,7 +11,7 @@
 
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "tests/os/childprocess.h"
 #include "tests/os/diskcalls.h"
 #include "tests/support.h"

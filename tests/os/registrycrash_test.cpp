@@ -55,7 +55,7 @@ class Crowd {
     if (place < writers_.size()) writers_[place].Kill();
     Drain(0);
     const int writer = static_cast<int>(place);
-    // What was written but not told is written again over itself.
+    // What was written but not confirmed is written again over itself.
     ChildProcess child(
         [&, first = last_[writer] + 1] { return WriteForever(pipe_, writer, first); });
     if (place < writers_.size()) {
@@ -65,7 +65,7 @@ class Crowd {
     }
   }
 
-  // Takes what is told by now, and waits until it is `atLeast` so many.
+  // Takes what is confirmed by now, and waits until it is `atLeast` so many.
   void Drain(unsigned atLeast) {
     for (unsigned taken = 0;; ++taken) {
       pollfd request{pipe_.Reader(), POLLIN, 0};
@@ -117,7 +117,7 @@ TEST(RegistryCrash, KilledWritersLoseNothing) {
     for (int write = 1; write <= last; ++write) {
       ASSERT_EQ(registry.ReadString(NameOf(writer, write)), TextOf(writer, write));
     }
-    // What nobody was told of is there whole or not at all.
+    // What was not confirmed is there whole or not at all.
     for (int write = 1; write <= last + 1; ++write) {
       const std::string text = registry.ReadString(NameOf(writer, write));
       ASSERT_TRUE(text.empty() || text == TextOf(writer, write));

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "tests/support.h"
 
 namespace kvshare::os {
@@ -128,7 +128,7 @@ TEST_F(SharedLibraries, CandidatesTellWhereAFileMayLie) {
   ASSERT_GE(all.size(), 8u);
   EXPECT_EQ(all[0], folder_.File("first/libKovraWin.so"));
   EXPECT_EQ(all[1], folder_.File("first/KovraWin.so"));
-  EXPECT_EQ(all[3], folder_.File("second/KovraWin.so")) << "an empty folder is none";
+  EXPECT_EQ(all[3], folder_.File("second/KovraWin.so")) << "an empty folder is skipped";
   EXPECT_TRUE(std::ranges::any_of(all, [](const std::string& file) {
     return file.ends_with("/kvshare/kvshare/libKovraWin.so");  // the library's folder is `kvshare`
   }));

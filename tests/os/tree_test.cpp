@@ -14,7 +14,7 @@
 #include <set>
 
 #include "kvshare/rtl/cp874.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "tests/os/filesupport.h"
 
 namespace kvshare {
@@ -214,7 +214,7 @@ TEST(Tree, TwoMayDeleteOneTree) {
       work();
       other.get();
     } catch (const EInOutError& e) {
-      // Whoever comes to a tree that is gone already is told so, as ever.
+      // Whoever comes to a tree that is gone already gets the error, as ever.
       EXPECT_EQ(e.ErrorCode(), 2) << e.Message();
     }
     EXPECT_FALSE(home.Has("D"));
@@ -252,7 +252,7 @@ TEST(Tree, DeletionThatCannotBeWhole) {
     int told = 0;
     const auto count = [&told](const std::string&, std::string_view) { ++told; };
     return os::CountTree(scope, count) <= 1 && told == 1;
-  })) << "one that may not be read is told of";
+  })) << "one that may not be read is reported";
   os::DeleteTree(scope);
   EXPECT_FALSE(home.Has("D"));
 }

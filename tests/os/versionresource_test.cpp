@@ -9,7 +9,7 @@
 #include "kvshare/os/version/versionresourcebuilder.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "tests/os/images.h"
 #include "tests/support.h"
 
@@ -31,7 +31,7 @@ std::string Utf16(std::u16string_view text) {
   return bytes;
 }
 
-// A node whose length is that of what it holds, plus `extra`.
+// A node whose length is the length of what it holds, plus `extra`.
 std::string Node(std::u16string_view key, std::uint16_t type, std::size_t valueLength,
                  std::string_view value, const std::vector<std::string>& children = {},
                  int extra = 0) {

@@ -5,7 +5,7 @@
 #include "kvshare/os/folders.h"
 #include "kvshare/os/version/versionresource.h"
 #include "kvshare/rtl/cp874.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/start/package.h"
 #include "kvshare/ui/backend.h"
 #include "tests/os/images.h"

@@ -1,10 +1,10 @@
-#include "kvshare/platform/files.h"
+#include "kvshare/platform/filehelpers.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "kvshare/os/files.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "tests/os/filesupport.h"
 
 namespace kvshare {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "kvshare/rtl/cp874.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/ui/application.h"
 #include "kvshare/ui/backend.h"

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "kvshare/platform/files.h"
+#include "kvshare/platform/filehelpers.h"
 #include "kvshare/platform/uguid.h"
 #include "kvshare/ui/backend.h"
 #include "tests/os/filesupport.h"

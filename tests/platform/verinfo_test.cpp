@@ -13,7 +13,7 @@
 #include "kvshare/platform/fileinfo.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/settings/globals.h"
 #include "tests/support.h"
 

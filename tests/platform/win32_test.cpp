@@ -9,7 +9,7 @@
 #include "kvshare/platform/win32rules.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/ui/backend.h"
 #include "tests/support.h"
 

@@ -72,7 +72,7 @@ TEST(Currency, FromRealTiesToEven) {
 }
 
 // The nearest double, as the conversion of the amount's digits finds it, where the count of
-// ten-thousandths is none itself.
+// ten-thousandths is no double itself.
 TEST(Currency, ToTheNearestReal) {
   std::mt19937_64 random(25691126);
   for (int i = 0; i < 50'000; ++i) {

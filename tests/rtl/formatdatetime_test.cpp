@@ -113,7 +113,7 @@ TEST(FormatDateTime, ExpansionsAreOneLevelDeep) {
       {"c", "03[] 14u5[c]", "deeper ones print nothing"},
       {"ddddd", "03[]", ""},
       {"h ddddd mm", "14 03[] 07", "the last letter is the token's own"},
-      {"d/m hh:nn", "157 14.05", "a separator of zero is none"},
+      {"d/m hh:nn", "157 14.05", "a separator of zero is left out"},
   };
   ExpectAll(kCases, Moment(14, 5, 9), formats);
   EXPECT_EQ(FormatDateTime("c", Moment(0, 0, 0, 999), formats), "03[]")

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "kvshare/rtl/exceptions.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/iniparser.h"
 #include "tests/support.h"
 

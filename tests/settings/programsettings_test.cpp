@@ -6,7 +6,7 @@
 #include "kvshare/os/folders.h"
 #include "kvshare/platform/verinfo.h"
 #include "kvshare/rtl/exceptions.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/settings/globals.h"
 #include "kvshare/settings/numberformats.h"

@@ -150,7 +150,7 @@ TEST(ChangeString, RefusesWhatNeverEnds) {
   EXPECT_EQ(refusal("aab", "ab", wide), "Replacing 'ab' by '" + wide + "' does not come to an end");
 }
 
-// The steps as they are told: search, delete, insert, from the start again.
+// The steps as they are described: search, delete, insert, from the start again.
 std::optional<std::string> ChangeByTheSteps(std::string text, std::string_view old,
                                             std::string_view with) {
   const std::string upper = UpperCase(old);

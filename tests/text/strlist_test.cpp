@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "tests/support.h"
 
 namespace kvshare {

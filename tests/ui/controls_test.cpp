@@ -18,7 +18,7 @@ namespace {
 
 using testing::ElementsAre;
 
-// Stands for a back end's window, and writes down what it is told.
+// Stands for a back end's window, and writes down its calls.
 class Window : public TFormWindow {
  public:
   Window(const TForm& form, std::vector<std::string>& told) : form_(form), told_(told) {}

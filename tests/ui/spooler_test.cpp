@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "kvshare/rtl/cp874.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/ui/backend.h"
 #include "tests/support.h"
 

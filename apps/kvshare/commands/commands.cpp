@@ -4,28 +4,27 @@
 
 namespace kvshare::app {
 
-CLI::App* AddCommand(CLI::App& parent, Plan& plan, std::string_view name, std::string_view purpose,
-                     std::string_view examples) {
-  CLI::App* command = AddQuietCommand(parent, name, purpose, examples);
-  AddJson(*command, plan);
+Command AddCommand(Command parent, Plan& plan, std::string_view name, std::string_view purpose,
+                   std::string_view examples) {
+  const Command command = AddQuietCommand(parent, name, purpose, examples);
+  AddJson(command, plan);
   return command;
 }
 
-void AddJson(CLI::App& command, Plan& plan) {
-  command.add_flag("--json", plan.json, "One JSON object a line");
+void AddJson(Command command, Plan& plan) {
+  command.AddFlag("--json", plan.json, "One JSON object a line");
 }
 
-CLI::App* AddQuietCommand(CLI::App& parent, std::string_view name, std::string_view purpose,
-                          std::string_view examples) {
-  CLI::App* command = parent.add_subcommand(std::string(name), std::string(purpose));
-  command->group("Commands");
-  command->footer("\nExamples:\n" + std::string(examples));
+Command AddQuietCommand(Command parent, std::string_view name, std::string_view purpose,
+                        std::string_view examples) {
+  const Command command = parent.AddCommand(std::string(name), std::string(purpose));
+  command.SetFooter("\nExamples:\n" + std::string(examples));
   return command;
 }
 
-void AddItems(CLI::App& command, Plan& plan, std::string_view name, std::string_view description) {
-  command.add_option(std::string(name), plan.operands,
-                     std::string(description) + "; without any, one a line from standard input");
+void AddItems(Command command, Plan& plan, std::string_view name, std::string_view description) {
+  command.AddOption(std::string(name), plan.operands,
+                    std::string(description) + "; without any, one a line from standard input");
 }
 
 Transform OnAmounts(std::string_view member, std::function<void(Currency, Row&)> make) {

@@ -1,13 +1,12 @@
 // The commands as the option parser sees them.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "apps/kvshare/terminal/items.h"
+#include "apps/kvshare/terminal/itemloop.h"
 #include "apps/kvshare/terminal/usage.h"
 #include "kvshare/rtl/currency.h"
 
@@ -22,49 +21,49 @@ struct Plan {
   std::function<int(const Stdio&)> action;    // one that does not read items
 };
 
-void DeclareWords(CLI::App& parent, Plan& plan);
-void DeclareRound(CLI::App& parent, Plan& plan);
-void DeclareShare(CLI::App& parent, Plan& plan);
-void DeclareQty(CLI::App& parent, Plan& plan);
-void DeclareFormat(CLI::App& parent, Plan& plan);
-void DeclareMask(CLI::App& parent, Plan& plan);
-void DeclareDate(CLI::App& parent, Plan& plan);
-void DeclareDateExplain(CLI::App& date, Plan& plan);
-void DeclareFiles(CLI::App& parent, Plan& plan);
-void DeclareEncode(CLI::App& parent, Plan& plan);
-void DeclareDecode(CLI::App& parent, Plan& plan);
-void DeclareKey(CLI::App& parent, Plan& plan);
-void DeclareMessage(CLI::App& parent, Plan& plan);
-void DeclareDoctor(CLI::App& parent, Plan& plan);
-void DeclareSettings(CLI::App& parent, Plan& plan);
-void DeclareDialect(CLI::App& parent, Plan& plan);
-void DeclareDialog(CLI::App& parent, Plan& plan);
-void DeclareLog(CLI::App& parent, Plan& plan);
-void DeclareDataset(CLI::App& parent, Plan& plan);
-void DeclareCompany(CLI::App& parent, Plan& plan);
-void DeclareCompanyCreate(CLI::App& company, Plan& plan);
-void DeclarePost(CLI::App& parent, Plan& plan);
-void DeclarePrinters(CLI::App& parent, Plan& plan);
-void DeclareReceipts(CLI::App& parent, Plan& plan);
-void DeclareVersion(CLI::App& parent, Plan& plan);
-void DeclareConnect(CLI::App& parent, Plan& plan);
-void DeclareEdit(CLI::App& parent, Plan& plan);
-void DeclareSql(CLI::App& parent, Plan& plan);
-void DeclareRights(CLI::App& parent, Plan& plan);
-void DeclareReplication(CLI::App& parent, Plan& plan);
+void DeclareWords(Command parent, Plan& plan);
+void DeclareRound(Command parent, Plan& plan);
+void DeclareShare(Command parent, Plan& plan);
+void DeclareQty(Command parent, Plan& plan);
+void DeclareFormat(Command parent, Plan& plan);
+void DeclareMask(Command parent, Plan& plan);
+void DeclareDate(Command parent, Plan& plan);
+void DeclareDateExplain(Command date, Plan& plan);
+void DeclareFiles(Command parent, Plan& plan);
+void DeclareEncode(Command parent, Plan& plan);
+void DeclareDecode(Command parent, Plan& plan);
+void DeclareKey(Command parent, Plan& plan);
+void DeclareMessage(Command parent, Plan& plan);
+void DeclareDoctor(Command parent, Plan& plan);
+void DeclareSettings(Command parent, Plan& plan);
+void DeclareDialect(Command parent, Plan& plan);
+void DeclareDialog(Command parent, Plan& plan);
+void DeclareLog(Command parent, Plan& plan);
+void DeclareDataset(Command parent, Plan& plan);
+void DeclareCompany(Command parent, Plan& plan);
+void DeclareCompanyCreate(Command company, Plan& plan);
+void DeclarePost(Command parent, Plan& plan);
+void DeclarePrinters(Command parent, Plan& plan);
+void DeclareReceipts(Command parent, Plan& plan);
+void DeclareVersion(Command parent, Plan& plan);
+void DeclareConnect(Command parent, Plan& plan);
+void DeclareEdit(Command parent, Plan& plan);
+void DeclareSql(Command parent, Plan& plan);
+void DeclareRights(Command parent, Plan& plan);
+void DeclareReplication(Command parent, Plan& plan);
 
 // Adds a command with its `--json` and its worked examples.
-CLI::App* AddCommand(CLI::App& parent, Plan& plan, std::string_view name, std::string_view purpose,
-                     std::string_view examples);
+Command AddCommand(Command parent, Plan& plan, std::string_view name, std::string_view purpose,
+                   std::string_view examples);
 
-void AddJson(CLI::App& command, Plan& plan);
+void AddJson(Command command, Plan& plan);
 
 // One that prints no rows, so that there is nothing for `--json`.
-CLI::App* AddQuietCommand(CLI::App& parent, std::string_view name, std::string_view purpose,
-                          std::string_view examples);
+Command AddQuietCommand(Command parent, std::string_view name, std::string_view purpose,
+                        std::string_view examples);
 
 // The operands of a command for items.
-void AddItems(CLI::App& command, Plan& plan, std::string_view name, std::string_view description);
+void AddItems(Command command, Plan& plan, std::string_view name, std::string_view description);
 
 // A transform for commands whose items are amounts; the amount is a member of each row.
 Transform OnAmounts(std::string_view member, std::function<void(Currency, Row&)> make);

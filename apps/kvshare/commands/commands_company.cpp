@@ -1,3 +1,4 @@
+// `kvshare company`.
 #include <functional>
 #include <memory>
 #include <string>
@@ -12,8 +13,8 @@
 #include "kvshare/database/dbxconf.h"
 #include "kvshare/os/files.h"
 #include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/filenames.h"
-#include "kvshare/rtl/files.h"
 #include "kvshare/rtl/strutils.h"
 #include "kvshare/settings/globals.h"
 
@@ -34,7 +35,7 @@ constexpr std::string_view kEditExamples =
 constexpr std::string_view kRemoveExamples =
     "  kvshare company remove Branch             from the list; its data stay\n";
 constexpr std::string_view kOpenExamples =
-    "  kvshare company open 'Main shop'          what a program is told about it\n";
+    "  kvshare company open 'Main shop'          what a program gets to know of it\n";
 
 constexpr std::string_view kName = "Alias_Name";
 constexpr std::string_view kConnection = "Alias_Alias";
@@ -128,7 +129,7 @@ std::string UsageName(std::string_view option, const std::string& utf8) {
   return name;
 }
 
-// Where a company's own things lie unless it is told.
+// Where a company's own things lie unless an option says it.
 std::string DefaultOf(std::string_view field, const std::string& connection) {
   if (field == kLog) return GetKovraShareDataPath() + "Log\\" + connection + ".log";
   if (field == kDocuments) return GetKovraShareDataPath() + "Document\\";
@@ -236,67 +237,66 @@ RowPrinter PrintOpen(const std::string& utf8) {
   };
 }
 
-void AddName(CLI::App& command, const std::shared_ptr<Options>& options) {
-  command.add_option("NAME", options->name, "The company's name")->required();
+void AddName(Command command, const std::shared_ptr<Options>& options) {
+  command.AddOption("NAME", options->name, "The company's name").Required();
 }
 
-void AddFields(CLI::App& command, const std::shared_ptr<Options>& options, bool needsConnection) {
+void AddFields(Command command, const std::shared_ptr<Options>& options, bool needsConnection) {
   for (std::size_t i = 0; i < std::size(kFields); ++i) {
     const ListField& known = kFields[i];
     if (known.option == nullptr) continue;
     const char* type = known.folder ? "FOLDER" : known.field == kLog ? "FILE" : "NAME";
-    CLI::Option* option =
-        command.add_option(known.option, options->values[i], known.purpose)->type_name(type);
-    if (needsConnection && known.field == kConnection) option->required();
+    const Option option =
+        command.AddOption(known.option, options->values[i], known.purpose).TypeName(type);
+    if (needsConnection && known.field == kConnection) option.Required();
   }
 }
 
-void AddList(CLI::App& command, const std::shared_ptr<Options>& options) {
-  command.add_option("--list", options->list, "Another program's list (BConnect.TXT)")
-      ->type_name("FILE");
+void AddList(Command command, const std::shared_ptr<Options>& options) {
+  command.AddOption("--list", options->list, "Another program's list (BConnect.TXT)")
+      .TypeName("FILE");
 }
 
 using Act = int (*)(const Options&);
 
 // One that changes the list.
-CLI::App* DeclareAct(CLI::App& company, Plan& plan, std::string_view command,
-                     std::string_view purpose, std::string_view examples,
-                     const std::shared_ptr<Options>& options, Act act) {
-  CLI::App* declared = AddQuietCommand(company, command, purpose, examples);
-  AddName(*declared, options);
-  AddList(*declared, options);
-  declared->callback(
+Command DeclareAct(Command company, Plan& plan, std::string_view command, std::string_view purpose,
+                   std::string_view examples, const std::shared_ptr<Options>& options, Act act) {
+  const Command declared = AddQuietCommand(company, command, purpose, examples);
+  AddName(declared, options);
+  AddList(declared, options);
+  declared.OnParsed(
       [options, act, &plan] { plan.action = [=](const Stdio&) { return act(*options); }; });
   return declared;
 }
 
 }  // namespace
 
-void DeclareCompany(CLI::App& parent, Plan& plan) {
-  CLI::App* company = parent.add_subcommand("company", "The companies of the programs");
-  company->group("Commands");
-  company->require_subcommand(1);
+void DeclareCompany(Command parent, Plan& plan) {
+  const Command company = parent.AddCommand("company", "The companies of the programs");
+  company.RequireCommand();
   const auto options = std::make_shared<Options>();
 
-  CLI::App* list = AddCommand(*company, plan, "list", "All companies of the list", kListExamples);
-  AddList(*list, options);
-  list->callback([options, &plan] { plan.action = PrintRows(plan, PrintList(*options)); });
+  const Command list =
+      AddCommand(company, plan, "list", "All companies of the list", kListExamples);
+  AddList(list, options);
+  list.OnParsed([options, &plan] { plan.action = PrintRows(plan, PrintList(*options)); });
 
   AddFields(
-      *DeclareAct(*company, plan, "add", "Add a company to the list", kAddExamples, options, Add),
+      DeclareAct(company, plan, "add", "Add a company to the list", kAddExamples, options, Add),
       options, true);
-  CLI::App* edit = DeclareAct(*company, plan, "edit", "Change a company of the list", kEditExamples,
-                              options, Change);
-  AddFields(*edit, options, false);
-  edit->add_option("--rename", options->rename, "Its new name")->type_name("NAME");
-  DeclareAct(*company, plan, "remove", "Take a company off the list", kRemoveExamples, options,
+  const Command edit = DeclareAct(company, plan, "edit", "Change a company of the list",
+                                  kEditExamples, options, Change);
+  AddFields(edit, options, false);
+  edit.AddOption("--rename", options->rename, "Its new name").TypeName("NAME");
+  DeclareAct(company, plan, "remove", "Take a company off the list", kRemoveExamples, options,
              Remove);
 
-  CLI::App* open =
-      AddCommand(*company, plan, "open", "What a program is told about a company", kOpenExamples);
-  AddName(*open, options);
-  open->callback([options, &plan] { plan.action = PrintRows(plan, PrintOpen(options->name)); });
-  DeclareCompanyCreate(*company, plan);
+  const Command open =
+      AddCommand(company, plan, "open", "What a program gets to know of a company", kOpenExamples);
+  AddName(open, options);
+  open.OnParsed([options, &plan] { plan.action = PrintRows(plan, PrintOpen(options->name)); });
+  DeclareCompanyCreate(company, plan);
 }
 
 }  // namespace kvshare::app

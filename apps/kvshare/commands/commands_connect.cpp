@@ -1,3 +1,4 @@
+// `kvshare connect`.
 #include <memory>
 
 #include "apps/kvshare/commands/commands.h"
@@ -75,29 +76,28 @@ RowPrinter PrintTables(const std::string& name) {
 
 using MakePrinter = RowPrinter (*)(const std::string&);
 
-void DeclareForName(CLI::App& connect, Plan& plan, std::string_view command,
-                    std::string_view purpose, std::string_view examples, MakePrinter make) {
+void DeclareForName(Command connect, Plan& plan, std::string_view command, std::string_view purpose,
+                    std::string_view examples, MakePrinter make) {
   const auto name = std::make_shared<std::string>();
-  CLI::App* declared = AddCommand(connect, plan, command, purpose, examples);
-  declared->add_option("NAME", *name, "A connection of the connection file")->required();
-  declared->callback([name, make, &plan] { plan.action = PrintRows(plan, make(*name)); });
+  const Command declared = AddCommand(connect, plan, command, purpose, examples);
+  declared.AddOption("NAME", *name, "A connection of the connection file").Required();
+  declared.OnParsed([name, make, &plan] { plan.action = PrintRows(plan, make(*name)); });
 }
 
 }  // namespace
 
-void DeclareConnect(CLI::App& parent, Plan& plan) {
-  CLI::App* connect =
-      parent.add_subcommand("connect", "The database connections of the connection file");
-  connect->group("Commands");
-  connect->require_subcommand(1);
-  AddCommand(*connect, plan, "list", "All connections", kListExamples)->callback([&plan] {
+void DeclareConnect(Command parent, Plan& plan) {
+  const Command connect =
+      parent.AddCommand("connect", "The database connections of the connection file");
+  connect.RequireCommand();
+  AddCommand(connect, plan, "list", "All connections", kListExamples).OnParsed([&plan] {
     plan.action = PrintRows(plan, PrintList);
   });
-  DeclareForName(*connect, plan, "test", "Connect, and tell the server's version", kTestExamples,
+  DeclareForName(connect, plan, "test", "Connect, and tell the server's version", kTestExamples,
                  PrintTest);
-  DeclareForName(*connect, plan, "show", "The parameters of a connection", kShowExamples,
+  DeclareForName(connect, plan, "show", "The parameters of a connection", kShowExamples,
                  PrintParameters);
-  DeclareForName(*connect, plan, "tables", "The tables and views of a connection", kTablesExamples,
+  DeclareForName(connect, plan, "tables", "The tables and views of a connection", kTablesExamples,
                  PrintTables);
 }
 

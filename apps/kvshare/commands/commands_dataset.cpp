@@ -1,3 +1,4 @@
+// `kvshare dataset`.
 #include <exception>
 #include <memory>
 
@@ -5,9 +6,9 @@
 #include "apps/kvshare/data/datasetcompare.h"
 #include "apps/kvshare/data/datasetfile.h"
 #include "apps/kvshare/data/fieldspecs.h"
-#include "apps/kvshare/data/rowset.h"
+#include "apps/kvshare/data/rowwriter.h"
 #include "apps/kvshare/terminal/legible.h"
-#include "apps/kvshare/terminal/row.h"
+#include "apps/kvshare/terminal/outputrow.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/strutils.h"
@@ -114,9 +115,12 @@ void ListChanges(TClientDataSet& list, TClientDataSet& changed) {
       case TUpdateStatus::usDeleted:
         AddRecord(list, "deleted", changed, true);
         break;
-      default:
+      case TUpdateStatus::usModified:
         AddRecord(list, "before", changed, true);
         AddRecord(list, "after", changed, false);
+        break;
+      case TUpdateStatus::usUnmodified:
+        break;
     }
   }
   list.First();
@@ -228,7 +232,7 @@ int Compare(const Options& options, bool json, const Stdio& stdio) {
     return PrintDifferences(options, json, stdio) ? kBadInput : kDone;
   } catch (const Exception& e) {
     trouble = Cp874ToUtf8Lossy(e.Message());
-  } catch (const CLI::Error&) {
+  } catch (const WrongUsage&) {
     throw;  // wrong usage
   } catch (const std::exception& e) {
     trouble = e.what();
@@ -242,11 +246,12 @@ int Compare(const Options& options, bool json, const Stdio& stdio) {
 
 using Action = int (*)(const Options&, bool, const Stdio&);
 
-CLI::App* AddDatasetCommand(CLI::App& dataset, Plan& plan, const std::shared_ptr<Options>& options,
-                            std::string_view name, std::string_view purpose,
-                            std::string_view examples, Action action) {
-  CLI::App* command = AddQuietCommand(dataset, name, purpose, std::string(examples).append(kFiles));
-  command->callback([options, action, &plan] {
+Command AddDatasetCommand(Command dataset, Plan& plan, const std::shared_ptr<Options>& options,
+                          std::string_view name, std::string_view purpose,
+                          std::string_view examples, Action action) {
+  const Command command =
+      AddQuietCommand(dataset, name, purpose, std::string(examples).append(kFiles));
+  command.OnParsed([options, action, &plan] {
     plan.action = [options, action, &plan](const Stdio& stdio) {
       return action(*options, plan.json, stdio);
     };
@@ -254,57 +259,55 @@ CLI::App* AddDatasetCommand(CLI::App& dataset, Plan& plan, const std::shared_ptr
   return command;
 }
 
-void AddFormat(CLI::App& command, const std::string& option, std::string& value,
+void AddFormat(Command command, const std::string& option, std::string& value,
                const std::string& which) {
-  command.add_option(option, value, "What " + which + " is: packet, csv or json")
-      ->type_name("FORMAT");
+  command.AddOption(option, value, "What " + which + " is: packet, csv or json").TypeName("FORMAT");
 }
 
 }  // namespace
 
-void DeclareDataset(CLI::App& parent, Plan& plan) {
-  CLI::App* dataset =
-      parent.add_subcommand("dataset", "Data packets: shown, converted and compared");
-  dataset->group("Commands");
-  dataset->require_subcommand(1);
+void DeclareDataset(Command parent, Plan& plan) {
+  const Command dataset =
+      parent.AddCommand("dataset", "Data packets: shown, converted and compared");
+  dataset.RequireCommand();
   const auto options = std::make_shared<Options>();
 
-  CLI::App* show = AddDatasetCommand(*dataset, plan, options, "show", "Records of a dataset",
-                                     kShowExamples, Show);
-  AddJson(*show, plan);
-  AddFormat(*show, "--from", options->from, "FILE");
-  auto* changes = show->add_flag("--changes", options->changes, "The log of changes instead");
-  show->add_flag("--fields", options->showFields, "The fields instead")->excludes(changes);
-  show->add_flag("--csv", options->csv, "Rows as CSV");
-  show->add_option("FILE", options->file, "The dataset")->required();
+  const Command show = AddDatasetCommand(dataset, plan, options, "show", "Records of a dataset",
+                                         kShowExamples, Show);
+  AddJson(show, plan);
+  AddFormat(show, "--from", options->from, "FILE");
+  const Option changes = show.AddFlag("--changes", options->changes, "The log of changes instead");
+  show.AddFlag("--fields", options->showFields, "The fields instead").Excludes(changes);
+  show.AddFlag("--csv", options->csv, "Rows as CSV");
+  show.AddOption("FILE", options->file, "The dataset").Required();
 
-  CLI::App* convert =
-      AddDatasetCommand(*dataset, plan, options, "convert", "A dataset as a file of another kind",
+  const Command convert =
+      AddDatasetCommand(dataset, plan, options, "convert", "A dataset as a file of another kind",
                         kConvertExamples, Convert);
-  AddFormat(*convert, "--from", options->from, "FROM");
-  AddFormat(*convert, "--to", options->toFormat, "TO");
+  AddFormat(convert, "--from", options->from, "FROM");
+  AddFormat(convert, "--to", options->toFormat, "TO");
   convert
-      ->add_option("--fields", options->fields,
-                   "Types of columns, NAME:TYPE[:SIZE[:DECIMALS]][:required] with commas "
-                   "between; TYPE is one of " +
-                       FieldSpecTypes())
-      ->type_name("LIST");
-  convert->add_option("FROM", options->file, "The dataset")->required();
-  convert->add_option("TO", options->to, "The new file; an earlier one is replaced")->required();
+      .AddOption("--fields", options->fields,
+                 "Types of columns, NAME:TYPE[:SIZE[:DECIMALS]][:required] with commas "
+                 "between; TYPE is one of " +
+                     FieldSpecTypes())
+      .TypeName("LIST");
+  convert.AddOption("FROM", options->file, "The dataset").Required();
+  convert.AddOption("TO", options->to, "The new file; an earlier one is replaced").Required();
 
-  CLI::App* compare =
-      AddDatasetCommand(*dataset, plan, options, "compare", "What differs between two datasets",
+  const Command compare =
+      AddDatasetCommand(dataset, plan, options, "compare", "What differs between two datasets",
                         kCompareExamples, Compare);
-  AddJson(*compare, plan);
-  AddFormat(*compare, "--from", options->from, "FILE1");
-  AddFormat(*compare, "--to", options->toFormat, "FILE2");
+  AddJson(compare, plan);
+  AddFormat(compare, "--from", options->from, "FILE1");
+  AddFormat(compare, "--to", options->toFormat, "FILE2");
   compare
-      ->add_option("--key", options->key,
-                   "The fields that records belong together by; default: the primary key of "
-                   "FILE1, or all")
-      ->type_name("FIELDS");
-  compare->add_option("FILE1", options->file, "A dataset")->required();
-  compare->add_option("FILE2", options->to, "Another one")->required();
+      .AddOption("--key", options->key,
+                 "The fields that records belong together by; default: the primary key of "
+                 "FILE1, or all")
+      .TypeName("FIELDS");
+  compare.AddOption("FILE1", options->file, "A dataset").Required();
+  compare.AddOption("FILE2", options->to, "Another one").Required();
 }
 
 }  // namespace kvshare::app

@@ -1,3 +1,4 @@
+// `kvshare date`.
 #include <array>
 #include <memory>
 
@@ -164,51 +165,49 @@ Transform MakeMonth(const std::string& delta) {
   };
 }
 
-void DeclareShow(CLI::App& date, Plan& plan) {
+void DeclareShow(Command date, Plan& plan) {
   const auto options = std::make_shared<DateOptions>();
-  CLI::App* command =
+  const Command command =
       AddCommand(date, plan, "show", "Dates as the suite's programs show them", kShowExamples);
-  AddEra(*command, options->era);
-  command->add_option("--layout", options->layout, LayoutNames())->type_name("NAME");
-  command->add_option("--language", options->language, "Month names in Thai or English")
-      ->type_name("th|en");
-  AddItems(*command, plan, "DATE", "yyyy-mm-dd or yyyy-mm-ddThh:mm:ss, Christian years");
-  command->callback([options, &plan] { plan.transform = MakeShow(*options); });
+  AddEra(command, options->era);
+  command.AddOption("--layout", options->layout, LayoutNames()).TypeName("NAME");
+  command.AddOption("--language", options->language, "Month names in Thai or English")
+      .TypeName("th|en");
+  AddItems(command, plan, "DATE", "yyyy-mm-dd or yyyy-mm-ddThh:mm:ss, Christian years");
+  command.OnParsed([options, &plan] { plan.transform = MakeShow(*options); });
 }
 
-void DeclareParse(CLI::App& date, Plan& plan) {
+void DeclareParse(Command date, Plan& plan) {
   const auto options = std::make_shared<DateOptions>();
-  CLI::App* command =
+  const Command command =
       AddCommand(date, plan, "parse", "Typed dates as yyyy-mm-dd, Christian years", kParseExamples);
-  AddEra(*command, options->era);
-  auto* loose =
-      command->add_flag("--loose", options->loose, "Day first; guess the era by the year");
-  command->add_flag("--stamp", options->stamp, "Stamps of 8, 10 or 12 and more bytes")
-      ->excludes(loose);
-  AddItems(*command, plan, "TEXT", "dd/mm/yyyy, yyyy/mm/dd, with dashes too");
-  command->callback([options, &plan] { plan.transform = MakeParse(*options); });
+  AddEra(command, options->era);
+  const Option loose =
+      command.AddFlag("--loose", options->loose, "Day first; guess the era by the year");
+  command.AddFlag("--stamp", options->stamp, "Stamps of 8, 10 or 12 and more bytes")
+      .Excludes(loose);
+  AddItems(command, plan, "TEXT", "dd/mm/yyyy, yyyy/mm/dd, with dashes too");
+  command.OnParsed([options, &plan] { plan.transform = MakeParse(*options); });
 }
 
-void DeclareMonth(CLI::App& date, Plan& plan) {
+void DeclareMonth(Command date, Plan& plan) {
   const auto delta = std::make_shared<std::string>();
-  CLI::App* command =
+  const Command command =
       AddCommand(date, plan, "month", "The same day of another month", kMonthExamples);
-  command->add_option("DELTA", *delta, "Months: 1 for the next one, -12 for a year back")
-      ->required();
-  AddItems(*command, plan, "DATE", "yyyy-mm-dd");
-  command->callback([delta, &plan] { plan.transform = MakeMonth(*delta); });
+  command.AddOption("DELTA", *delta, "Months: 1 for the next one, -12 for a year back").Required();
+  AddItems(command, plan, "DATE", "yyyy-mm-dd");
+  command.OnParsed([delta, &plan] { plan.transform = MakeMonth(*delta); });
 }
 
 }  // namespace
 
-void DeclareDate(CLI::App& parent, Plan& plan) {
-  CLI::App* date = parent.add_subcommand("date", "Dates in the Buddhist and the Christian era");
-  date->group("Commands");
-  date->require_subcommand(1);
-  DeclareShow(*date, plan);
-  DeclareParse(*date, plan);
-  DeclareMonth(*date, plan);
-  DeclareDateExplain(*date, plan);
+void DeclareDate(Command parent, Plan& plan) {
+  const Command date = parent.AddCommand("date", "Dates in the Buddhist and the Christian era");
+  date.RequireCommand();
+  DeclareShow(date, plan);
+  DeclareParse(date, plan);
+  DeclareMonth(date, plan);
+  DeclareDateExplain(date, plan);
 }
 
 }  // namespace kvshare::app

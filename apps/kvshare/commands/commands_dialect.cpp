@@ -1,3 +1,4 @@
+// `kvshare dialect`.
 #include <memory>
 
 #include "apps/kvshare/commands/commands.h"
@@ -5,7 +6,7 @@
 #include "kvshare/database/sqldialect.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/inifile.h"
 #include "kvshare/rtl/strutils.h"
@@ -190,20 +191,19 @@ int PrintDialect(const Options& options, bool json, const Stdio& stdio) {
 
 }  // namespace
 
-void DeclareDialect(CLI::App& parent, Plan& plan) {
+void DeclareDialect(Command parent, Plan& plan) {
   const auto options = std::make_shared<Options>();
-  CLI::App* command = AddCommand(parent, plan, "dialect",
-                                 "SQL fragments of a database server's dialect", kExamples);
-  command->add_option("SECTION", options->section,
-                      "The server, such as MYSQL; without it, the servers that there are");
-  command->add_option("--file", options->file, "Instead of the suite's SqlIntf.ini")
-      ->type_name("FILE");
-  command->add_option("--field", options->field, "A field or expression")->type_name("NAME");
-  command->add_option("--value", options->value, "A value, as a user types it")->type_name("TEXT");
-  command->add_flag("--matchcase", options->matchCase, "Respect letter case");
-  command->add_option("--date", options->date, "yyyy-mm-dd or yyyy-mm-ddThh:mm:ss; default: now")
-      ->type_name("DATE");
-  command->callback([options, &plan] {
+  const Command command = AddCommand(parent, plan, "dialect",
+                                     "SQL fragments of a database server's dialect", kExamples);
+  command.AddOption("SECTION", options->section,
+                    "The server, such as MYSQL; without it, the servers that there are");
+  command.AddOption("--file", options->file, "Instead of the suite's SqlIntf.ini").TypeName("FILE");
+  command.AddOption("--field", options->field, "A field or expression").TypeName("NAME");
+  command.AddOption("--value", options->value, "A value, as a user types it").TypeName("TEXT");
+  command.AddFlag("--matchcase", options->matchCase, "Respect letter case");
+  command.AddOption("--date", options->date, "yyyy-mm-dd or yyyy-mm-ddThh:mm:ss; default: now")
+      .TypeName("DATE");
+  command.OnParsed([options, &plan] {
     plan.action = [options, &plan](const Stdio& stdio) {
       return PrintDialect(*options, plan.json, stdio);
     };

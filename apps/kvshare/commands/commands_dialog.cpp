@@ -1,3 +1,4 @@
+// `kvshare dialog`.
 #include <algorithm>
 #include <memory>
 #include <optional>
@@ -8,14 +9,13 @@
 #include "apps/kvshare/commands/commands.h"
 #include "apps/kvshare/commands/startedlibrary.h"
 #include "apps/kvshare/log/moments.h"
-#include "kvshare/os/console.h"
+#include "apps/kvshare/terminal/talkinginterface.h"
 #include "kvshare/platform/kovrawin.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/strutils.h"
 #include "kvshare/ui/backend.h"
-#include "kvshare/ui/consoleform.h"
 #include "kvshare/ui/desktop.h"
 
 namespace kvshare::app {
@@ -32,7 +32,7 @@ constexpr std::string_view kExamples =
     "  kvshare dialog sql \"$(cat report.sql)\" >report.sql.new\n"
     "  kvshare dialog about\n"
     "  kvshare dialog sysinfo                    what support asks for first\n"
-    "The dialogs are those of the library KovraWin.DLL, a shop's own or the one that comes with\n"
+    "The dialogs come from the library KovraWin.DLL, a shop's own or the one that comes with\n"
     "kvshare. They talk on standard error and read standard input, a line for each step; ? tells\n"
     "which. Exit status 1, and nothing printed: cancelled, or no such dialog there.\n";
 
@@ -119,19 +119,6 @@ constexpr Dialog kDialogs[] = {
     {"about", 0, true, About},           {"sysinfo", 0, false, SysInfo},
 };
 
-// The terminal's back end, whose forms also take their lines from a pipe.
-class AskingInterface : public TConsoleInterface {
- public:
-  explicit AskingInterface(const Stdio& stdio)
-      : TConsoleInterface(stdio.in, stdio.err), console_(stdio.in, stdio.err) {
-    console_.EchoLines();
-  }
-  int ShowModalForm(TForm& form) override { return TalkAboutForm(form, console_); }
-
- private:
-  os::Console console_;
-};
-
 // Another back end, and what came of the last form: the dialogs give back what they were given
 // where the user has cancelled.
 class WatchingInterface : public TUserInterface {
@@ -156,7 +143,7 @@ class WatchingInterface : public TUserInterface {
 
 int Run(const Dialog& dialog, const Order& order, const Stdio& stdio) {
   const StartedLibrary library;
-  AskingInterface terminal(stdio);
+  TalkingInterface terminal(stdio, EchoingConsole(stdio.in, stdio.err));
   WatchingInterface watching(order.windows ? Desktop(TDesktopUse::Windows) : terminal);
   std::string chosen;
   {
@@ -202,19 +189,19 @@ Order UsageOrder(const Options& options, const Dialog& dialog) {
 
 }  // namespace
 
-void DeclareDialog(CLI::App& parent, Plan& plan) {
+void DeclareDialog(Command parent, Plan& plan) {
   const auto options = std::make_shared<Options>();
-  CLI::App* command =
+  const Command command =
       AddQuietCommand(parent, "dialog", "Show a common dialog and print what is chosen", kExamples);
   command
-      ->add_option("NAME", options->name,
-                   "calculator, calendar, date, range, year, sql, about or sysinfo")
-      ->required();
-  command->add_option("VALUE", options->values,
-                      "What the dialog begins with: a number, dates as yyyy-mm-dd, a year, a text");
-  command->add_flag("--windows", options->windows, "Show windows instead of lines");
-  AddEra(*command, options->era);
-  command->callback([options, &plan] {
+      .AddOption("NAME", options->name,
+                 "calculator, calendar, date, range, year, sql, about or sysinfo")
+      .Required();
+  command.AddOption("VALUE", options->values,
+                    "What the dialog begins with: a number, dates as yyyy-mm-dd, a year, a text");
+  command.AddFlag("--windows", options->windows, "Show windows instead of lines");
+  AddEra(command, options->era);
+  command.OnParsed([options, &plan] {
     const Dialog& dialog = UsageDialog(options->name);
     plan.action = [&dialog, order = UsageOrder(*options, dialog)](const Stdio& stdio) {
       return Run(dialog, order, stdio);

@@ -1,3 +1,4 @@
+// `kvshare doctor`.
 #include <algorithm>
 
 #include "apps/kvshare/commands/commands.h"
@@ -44,10 +45,10 @@ int PrintFindings(bool json, const Stdio& stdio) {
 
 }  // namespace
 
-void DeclareDoctor(CLI::App& parent, Plan& plan) {
-  CLI::App* command = AddCommand(parent, plan, "doctor",
-                                 "What programs find on this machine, and what to mend", kExamples);
-  command->callback([&plan] {
+void DeclareDoctor(Command parent, Plan& plan) {
+  const Command command = AddCommand(
+      parent, plan, "doctor", "What programs find on this machine, and what to mend", kExamples);
+  command.OnParsed([&plan] {
     plan.action = [&plan](const Stdio& stdio) { return PrintFindings(plan.json, stdio); };
   });
 }

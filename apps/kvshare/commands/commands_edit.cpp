@@ -1,3 +1,4 @@
+// `kvshare edit`.
 #include <algorithm>
 #include <cstddef>
 #include <memory>
@@ -12,6 +13,7 @@
 #include "apps/kvshare/data/recordform.h"
 #include "apps/kvshare/data/recordtalk.h"
 #include "apps/kvshare/data/tablerecord.h"
+#include "apps/kvshare/terminal/talkinginterface.h"
 #include "kvshare/database/connectinfo.h"
 #include "kvshare/database/dbpost.h"
 #include "kvshare/database/sqlfunc.h"
@@ -139,18 +141,13 @@ class CompanySession {
   TSQLConnection connection_;  // closed before the library ends
 };
 
-os::Console ConsoleOf(const Stdio& stdio) {
-  os::Console console(stdio.in, stdio.out);
-  console.EchoLines();
-  return console;
-}
-
 // One order, from the record to the server's answer.
 class RecordEdit {
  public:
   RecordEdit(TSQLConnection& connection, const Order& order, const Stdio& stdio)
       : order_(order),
-        console_(ConsoleOf(stdio)),
+        stdio_(stdio),
+        console_(EchoingConsole(stdio.in, stdio.out)),
         record_(connection, order.table, order.key),
         talk_(record_, console_),
         windows_(order.windows ? &Desktop(TDesktopUse::Windows) : nullptr) {
@@ -223,7 +220,7 @@ class RecordEdit {
 
   int Apply() {
     const std::string typed = order_.isNew ? talk_.Values() : "";
-    TalkingInterface forms(console_);
+    TalkingInterface forms(stdio_, console_);
     const TUseInterface use(windows_ != nullptr ? *windows_ : forms);
     while (Set().ApplyUpdates(0) != 0) {
       switch (decided_) {
@@ -231,7 +228,9 @@ class RecordEdit {
         case TReconcileAction::raRefresh:
         case TReconcileAction::raAbort:
           return NotWritten();
-        default:
+        case TReconcileAction::raSkip:
+        case TReconcileAction::raMerge:
+        case TReconcileAction::raCorrect:
           if (!order_.isDelete) talk_.Say(record_.Title() + "\n" + talk_.Changes());
           if (!Confirm("Try again?")) return NotWritten();
       }
@@ -253,6 +252,7 @@ class RecordEdit {
   }
 
   const Order& order_;
+  const Stdio& stdio_;
   const os::Console console_;
   TableRecord record_;
   RecordTalk talk_;
@@ -265,33 +265,32 @@ int Run(const Order& order, const Stdio& stdio) {
   return RecordEdit(session.Connection(), order, stdio).Run();
 }
 
-void DeclareOptions(CLI::App& command, Options& options) {
-  command.add_option("COMPANY", options.company, "A company of the list, else a connection")
-      ->required();
-  command.add_option("TABLE", options.table, "The table")->required();
-  command.add_option("KEY", options.keys, "FIELD=VALUE for each field of the key; see --key");
-  command.add_option("--key", options.keyFields, "The key's fields; KEY then is values alone")
-      ->type_name("FIELD,...");
-  command.add_option("--set", options.sets, "A field's new text, asking nothing; repeatable")
-      ->type_name("FIELD=TEXT")
-      ->expected(1)
-      ->take_all();
-  auto* isNew = command.add_flag("--new", options.isNew, "Add a record with this key");
-  auto* isDelete = command.add_flag("--delete", options.isDelete, "Delete the record");
-  isNew->excludes(isDelete);
-  command.add_flag("--yes", options.yes, "Write without asking");
-  command.add_flag("--windows", options.windows, "Show the record and the dialogs as windows");
+void DeclareOptions(Command command, Options& options) {
+  command.AddOption("COMPANY", options.company, "A company of the list, else a connection")
+      .Required();
+  command.AddOption("TABLE", options.table, "The table").Required();
+  command.AddOption("KEY", options.keys, "FIELD=VALUE for each field of the key; see --key");
+  command.AddOption("--key", options.keyFields, "The key's fields; KEY then is values alone")
+      .TypeName("FIELD,...");
+  command.AddOption("--set", options.sets, "A field's new text, asking nothing; repeatable")
+      .TypeName("FIELD=TEXT")
+      .Repeats();
+  const Option isNew = command.AddFlag("--new", options.isNew, "Add a record with this key");
+  const Option isDelete = command.AddFlag("--delete", options.isDelete, "Delete the record");
+  isNew.Excludes(isDelete);
+  command.AddFlag("--yes", options.yes, "Write without asking");
+  command.AddFlag("--windows", options.windows, "Show the record and the dialogs as windows");
   AddEra(command, options.era);
 }
 
 }  // namespace
 
-void DeclareEdit(CLI::App& parent, Plan& plan) {
+void DeclareEdit(Command parent, Plan& plan) {
   const auto options = std::make_shared<Options>();
-  CLI::App* command =
+  const Command command =
       AddQuietCommand(parent, "edit", "Edit a record of a table, field by field", kExamples);
-  DeclareOptions(*command, *options);
-  command->callback([options, &plan] {
+  DeclareOptions(command, *options);
+  command.OnParsed([options, &plan] {
     plan.action = [order = UsageOrder(*options)](const Stdio& stdio) { return Run(order, stdio); };
   });
 }

@@ -1,3 +1,4 @@
+// `kvshare date explain`.
 #include <nlohmann/json.hpp>
 
 #include "apps/kvshare/commands/commands.h"
@@ -48,11 +49,11 @@ void FillLines(Row& row, std::string_view text, const std::vector<Reading>& read
 
 }  // namespace
 
-void DeclareDateExplain(CLI::App& date, Plan& plan) {
-  CLI::App* command = AddCommand(date, plan, "explain",
-                                 "What each reader of dates makes of a text, and why", kExamples);
-  AddItems(*command, plan, "TEXT", "Texts as a program gets them, blanks included");
-  command->callback([&plan] {
+void DeclareDateExplain(Command date, Plan& plan) {
+  const Command command = AddCommand(
+      date, plan, "explain", "What each reader of dates makes of a text, and why", kExamples);
+  AddItems(command, plan, "TEXT", "Texts as a program gets them, blanks included");
+  command.OnParsed([&plan] {
     plan.transform = [today = Date()](std::string_view text, Row& row) {
       const std::vector<Reading> readings = ExplainDate(text, today);
       row.Json() ? FillMembers(row, text, readings) : FillLines(row, text, readings);

@@ -1,3 +1,4 @@
+// `kvshare files`.
 #include <filesystem>
 #include <memory>
 #include <system_error>
@@ -150,7 +151,7 @@ class FilesRun {
     try {
       deleted = os::DeleteTree(scope_, Failures());
     } catch (const EInOutError&) {
-      return Finish();  // which folder and why has been told
+      return Finish();  // the message has said which folder and why
     }
     Result(
         {{"files", deleted.files}, {"folders", deleted.folders}, {"failed", failed_}},
@@ -237,19 +238,18 @@ class FilesRun {
 using Options = std::shared_ptr<FilesOptions>;
 using Work = int (*)(FilesRun&, const FilesOptions&);
 
-CLI::App* DeclareOne(CLI::App& files, Plan& plan, std::string_view name, std::string_view purpose,
-                     std::string_view examples, const Options& options, Work work) {
-  CLI::App* command = AddCommand(files, plan, name, purpose, examples);
+Command DeclareOne(Command files, Plan& plan, std::string_view name, std::string_view purpose,
+                   std::string_view examples, const Options& options, Work work) {
+  const Command command = AddCommand(files, plan, name, purpose, examples);
   command
-      ->add_option(
-          "FOLDER", options->folder,
-          "C:\\Data\\ or \\\\host\\share\\data for the suite's names, else a folder of the "
-          "system")
-      ->required();
-  command->add_option("--mask", options->mask, "Files and folders of FOLDER itself (default *.*)")
-      ->type_name("MASK");
-  command->add_flag("--recursive", options->recurse, "Subfolders too");
-  command->callback([options, work, &plan] {
+      .AddOption("FOLDER", options->folder,
+                 "C:\\Data\\ or \\\\host\\share\\data for the suite's names, else a folder of the "
+                 "system")
+      .Required();
+  command.AddOption("--mask", options->mask, "Files and folders of FOLDER itself (default *.*)")
+      .TypeName("MASK");
+  command.AddFlag("--recursive", options->recurse, "Subfolders too");
+  command.OnParsed([options, work, &plan] {
     plan.action = [options, work, json = plan.json](const Stdio& stdio) {
       FilesRun run(*options, json, stdio);
       return work(run, *options);
@@ -258,39 +258,38 @@ CLI::App* DeclareOne(CLI::App& files, Plan& plan, std::string_view name, std::st
   return command;
 }
 
-void DeclareCopy(CLI::App& files, Plan& plan) {
+void DeclareCopy(Command files, Plan& plan) {
   const auto options = std::make_shared<FilesOptions>();
-  CLI::App* command =
-      DeclareOne(files, plan, "copy", "Copy a folder's files over those of another", kCopyExamples,
+  const Command command =
+      DeclareOne(files, plan, "copy", "Copy a folder's files over another folder's", kCopyExamples,
                  options, [](FilesRun& run, const FilesOptions& o) { return run.Copy(o.target); });
-  command->add_option("TARGET", options->target, "The other folder; created when it is missing")
-      ->required();
+  command.AddOption("TARGET", options->target, "The other folder; created when it is missing")
+      .Required();
 }
 
-void DeclareDelete(CLI::App& files, Plan& plan) {
+void DeclareDelete(Command files, Plan& plan) {
   const auto options = std::make_shared<FilesOptions>();
-  CLI::App* command =
+  const Command command =
       DeclareOne(files, plan, "delete", "Show what deleting a folder's files would delete",
                  kDeleteExamples, options, [](FilesRun& run, const FilesOptions& o) {
                    return o.yes ? run.Delete() : run.ListDeletion();
                  });
-  command->add_flag("--yes", options->yes, "Delete it");
+  command.AddFlag("--yes", options->yes, "Delete it");
 }
 
 }  // namespace
 
-void DeclareFiles(CLI::App& parent, Plan& plan) {
-  CLI::App* files = parent.add_subcommand("files", "Folders by the suite's names or the system's");
-  files->group("Commands");
-  files->require_subcommand(1);
-  DeclareOne(*files, plan, "count", "How many files a folder has", kCountExamples,
+void DeclareFiles(Command parent, Plan& plan) {
+  const Command files = parent.AddCommand("files", "Folders by the suite's names or the system's");
+  files.RequireCommand();
+  DeclareOne(files, plan, "count", "How many files a folder has", kCountExamples,
              std::make_shared<FilesOptions>(),
              [](FilesRun& run, const FilesOptions& /*unused*/) { return run.Count(); });
-  DeclareOne(*files, plan, "list", "A folder's files, those of subfolders first", kListExamples,
+  DeclareOne(files, plan, "list", "A folder's files, the subfolders' first", kListExamples,
              std::make_shared<FilesOptions>(),
              [](FilesRun& run, const FilesOptions& /*unused*/) { return run.List(); });
-  DeclareCopy(*files, plan);
-  DeclareDelete(*files, plan);
+  DeclareCopy(files, plan);
+  DeclareDelete(files, plan);
 }
 
 }  // namespace kvshare::app

@@ -1,3 +1,4 @@
+// `kvshare log`.
 #include <chrono>
 #include <memory>
 #include <thread>
@@ -6,7 +7,7 @@
 #include "apps/kvshare/log/logbook.h"
 #include "apps/kvshare/log/logfollower.h"
 #include "apps/kvshare/log/moments.h"
-#include "apps/receipts/columns.h"
+#include "apps/receipts/daycolumns.h"
 #include "kvshare/os/paths.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
@@ -146,14 +147,14 @@ int Verify(const Options& options, bool json, const Stdio& stdio) {
 
 using Action = int (*)(const Options&, bool, const Stdio&);
 
-CLI::App* AddLogCommand(CLI::App& log, Plan& plan, std::shared_ptr<Options> options,
-                        std::string_view name, std::string_view purpose, std::string_view examples,
-                        Action action) {
-  CLI::App* command = AddCommand(log, plan, name, purpose, examples);
-  command->add_option("--file", options->file, "The log, as C:\\Logs\\x.log or by its path here")
-      ->type_name("FILE")
-      ->required();
-  command->callback([options = std::move(options), action, &plan] {
+Command AddLogCommand(Command log, Plan& plan, std::shared_ptr<Options> options,
+                      std::string_view name, std::string_view purpose, std::string_view examples,
+                      Action action) {
+  const Command command = AddCommand(log, plan, name, purpose, examples);
+  command.AddOption("--file", options->file, "The log, as C:\\Logs\\x.log or by its path here")
+      .TypeName("FILE")
+      .Required();
+  command.OnParsed([options = std::move(options), action, &plan] {
     plan.action = [options, action, &plan](const Stdio& stdio) {
       return action(*options, plan.json, stdio);
     };
@@ -163,28 +164,26 @@ CLI::App* AddLogCommand(CLI::App& log, Plan& plan, std::shared_ptr<Options> opti
 
 }  // namespace
 
-void DeclareLog(CLI::App& parent, Plan& plan) {
-  CLI::App* log = parent.add_subcommand("log", "The suite's event log and its monthly archives");
-  log->group("Commands");
-  log->require_subcommand(1);
+void DeclareLog(Command parent, Plan& plan) {
+  const Command log = parent.AddCommand("log", "The suite's event log and its monthly archives");
+  log.RequireCommand();
   const auto options = std::make_shared<Options>();
 
-  CLI::App* show = AddLogCommand(*log, plan, options, "show", "Lines of all months, oldest first",
-                                 kShowExamples, Show);
-  show->add_option("--day", options->day,
-                   "Only of that day, yyyy-mm-dd or dd/mm/yyyy, of either era")
-      ->type_name("DATE");
-  show->add_option("--user", options->user, "Only of that login name")->type_name("NAME");
-  show->add_option("--computer", options->computer, "Only of that computer")->type_name("NAME");
+  const Command show = AddLogCommand(log, plan, options, "show",
+                                     "Lines of all months, oldest first", kShowExamples, Show);
+  show.AddOption("--day", options->day, "Only of that day, yyyy-mm-dd or dd/mm/yyyy, of either era")
+      .TypeName("DATE");
+  show.AddOption("--user", options->user, "Only of that login name").TypeName("NAME");
+  show.AddOption("--computer", options->computer, "Only of that computer").TypeName("NAME");
 
-  CLI::App* follow = AddLogCommand(*log, plan, options, "follow", "Lines as they are written",
-                                   kFollowExamples, Follow);
-  follow->add_option("--lines", options->lines, "Begin with the last N lines")
-      ->type_name("N")
-      ->capture_default_str();
-  follow->add_flag("--once", options->once, "End after the lines that there are");
+  const Command follow = AddLogCommand(log, plan, options, "follow", "Lines as they are written",
+                                       kFollowExamples, Follow);
+  follow.AddOption("--lines", options->lines, "Begin with the last N lines")
+      .TypeName("N")
+      .ShowsDefault();
+  follow.AddFlag("--once", options->once, "End after the lines that there are");
 
-  AddLogCommand(*log, plan, options, "verify", "Broken lines and missing months", kVerifyExamples,
+  AddLogCommand(log, plan, options, "verify", "Broken lines and missing months", kVerifyExamples,
                 Verify);
 }
 

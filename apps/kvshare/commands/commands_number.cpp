@@ -1,3 +1,4 @@
+// `kvshare qty`, `kvshare format` and `kvshare mask`.
 #include <array>
 #include <memory>
 #include <optional>
@@ -95,41 +96,41 @@ Transform MakeMask(const std::string& option) {
 
 }  // namespace
 
-void DeclareQty(CLI::App& parent, Plan& plan) {
+void DeclareQty(Command parent, Plan& plan) {
   const auto options = std::make_shared<QtyOptions>();
-  CLI::App* command =
+  const Command command =
       AddCommand(parent, plan, "qty", "Quantities as packs and loose units", kQtyExamples);
-  command->add_option("FACTOR", options->factor, "Base units in a pack")->required();
+  command.AddOption("FACTOR", options->factor, "Base units in a pack").Required();
   command
-      ->add_option("--sku", options->sku,
-                   "The text of a stock-keeping unit: mode 1 with style 1 to 4, or mode 2 with "
-                   "equivalent style 1 to 8 and rate")
-      ->type_name("MODE,STYLE,DECIMALS,EQSTYLE,RATE");
-  AddItems(*command, plan, "QTY", "Quantities in base units");
-  command->callback([options, &plan] { plan.transform = MakeQty(*options); });
+      .AddOption("--sku", options->sku,
+                 "The text of a stock-keeping unit: mode 1 with style 1 to 4, or mode 2 with "
+                 "equivalent style 1 to 8 and rate")
+      .TypeName("MODE,STYLE,DECIMALS,EQSTYLE,RATE");
+  AddItems(command, plan, "QTY", "Quantities in base units");
+  command.OnParsed([options, &plan] { plan.transform = MakeQty(*options); });
 }
 
-void DeclareFormat(CLI::App& parent, Plan& plan) {
+void DeclareFormat(Command parent, Plan& plan) {
   const auto pattern = std::make_shared<std::string>();
-  CLI::App* command =
+  const Command command =
       AddCommand(parent, plan, "format", "Amounts through a format pattern with one argument",
                  kFormatExamples);
   command
-      ->add_option("PATTERN", *pattern,
-                   "Text with one of %f %n %m %e %g, e.g. %12.2n; %% prints a per cent sign")
-      ->required();
-  AddItems(*command, plan, "AMOUNT", "Amounts to show");
-  command->callback([pattern, &plan] { plan.transform = MakeFormat(*pattern); });
+      .AddOption("PATTERN", *pattern,
+                 "Text with one of %f %n %m %e %g, e.g. %12.2n; %% prints a per cent sign")
+      .Required();
+  AddItems(command, plan, "AMOUNT", "Amounts to show");
+  command.OnParsed([pattern, &plan] { plan.transform = MakeFormat(*pattern); });
 }
 
-void DeclareMask(CLI::App& parent, Plan& plan) {
+void DeclareMask(Command parent, Plan& plan) {
   const auto mask = std::make_shared<std::string>();
-  CLI::App* command =
+  const Command command =
       AddCommand(parent, plan, "mask", "Amounts through a display mask", kMaskExamples);
-  command->add_option("MASK", *mask, "Sections for positive;negative;zero of 0 # . , and text")
-      ->required();
-  AddItems(*command, plan, "AMOUNT", "Amounts to show");
-  command->callback([mask, &plan] { plan.transform = MakeMask(*mask); });
+  command.AddOption("MASK", *mask, "Sections for positive;negative;zero of 0 # . , and text")
+      .Required();
+  AddItems(command, plan, "AMOUNT", "Amounts to show");
+  command.OnParsed([mask, &plan] { plan.transform = MakeMask(*mask); });
 }
 
 }  // namespace kvshare::app

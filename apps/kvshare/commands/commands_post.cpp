@@ -1,3 +1,4 @@
+// `kvshare post` and `kvshare company create`.
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -9,7 +10,7 @@
 #include "apps/kvshare/data/connections.h"
 #include "apps/kvshare/day/dayinput.h"
 #include "apps/kvshare/day/dayoutput.h"
-#include "apps/kvshare/terminal/interruption.h"
+#include "apps/kvshare/system/process.h"
 #include "apps/posting/company.h"
 #include "apps/posting/poster.h"
 #include "apps/receipts/amounts.h"
@@ -117,7 +118,7 @@ struct Tally {
   }
 };
 
-// A run ends early, with everything that it has posted told, when the next document cannot be
+// A run ends early, and reports everything that it has posted, when the next document cannot be
 // posted either or would be posted unseen.
 class EEndOfRun : public Exception {
  public:
@@ -257,28 +258,28 @@ int Post(const Options& options, const Settings& settings, const Stdio& stdio) {
 
 }  // namespace
 
-void DeclareCompanyCreate(CLI::App& company, Plan& plan) {
+void DeclareCompanyCreate(Command company, Plan& plan) {
   const auto connect = std::make_shared<std::string>();
-  CLI::App* command =
+  const Command command =
       AddQuietCommand(company, "create", "Make the tables of a sample company", kCompanyExamples);
-  AddConnect(*command, *connect);
-  command->callback([connect, &plan] {
+  AddConnect(command, *connect);
+  command.OnParsed([connect, &plan] {
     plan.action = [connect](const Stdio&) { return MakeCompany(*connect); };
   });
 }
 
-void DeclarePost(CLI::App& parent, Plan& plan) {
+void DeclarePost(Command parent, Plan& plan) {
   const auto options = std::make_shared<Options>();
-  CLI::App* command =
+  const Command command =
       AddCommand(parent, plan, "post", "Post a day's sales documents to a company", kPostExamples);
-  AddConnect(*command, options->connect);
-  command->add_option("--position", options->position, "Who posts, as the rights know him")
-      ->type_name("N");
-  AddRules(*command, options->rules);
-  command->add_flag("--print", options->print, "Print the receipt of each document posted");
-  AddLayout(*command, options->layout);
-  command->add_option("FILE", options->file, "The file (default: standard input)");
-  command->callback([options, &plan] {
+  AddConnect(command, options->connect);
+  command.AddOption("--position", options->position, "Who posts, as the rights know him")
+      .TypeName("N");
+  AddRules(command, options->rules);
+  command.AddFlag("--print", options->print, "Print the receipt of each document posted");
+  AddLayout(command, options->layout);
+  command.AddOption("FILE", options->file, "The file (default: standard input)");
+  command.OnParsed([options, &plan] {
     plan.action = [options, settings = UsageSettings(*options, plan.json)](const Stdio& stdio) {
       return Post(*options, settings, stdio);
     };

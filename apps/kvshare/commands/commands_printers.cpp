@@ -1,3 +1,4 @@
+// `kvshare printers`.
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
@@ -5,12 +6,13 @@
 #include <utility>
 
 #include "apps/kvshare/commands/commands.h"
+#include "apps/kvshare/system/process.h"
 #include "kvshare/platform/printbmp.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/environment.h"
 #include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/filenames.h"
-#include "kvshare/rtl/files.h"
 #include "kvshare/ui/desktop.h"
 
 namespace kvshare::app {
@@ -146,7 +148,7 @@ class DefaultPrinter {
   DefaultPrinter& operator=(const DefaultPrinter&) = delete;
 
  private:
-  static void Set(const std::string& name) { ::setenv("KVSHARE_PRINTER", name.c_str(), 1); }
+  static void Set(const std::string& name) { SetEnvironment("KVSHARE_PRINTER", name); }
   std::string earlier_;
 };
 
@@ -170,54 +172,53 @@ int PrintPicture(const Options& options, const Stdio& /*stdio*/) {
   return kDone;
 }
 
-void AddPrinter(CLI::App& command, Options& options) {
-  command.add_option("--printer", options.printer, "The printer (default: the default one)")
-      ->type_name("NAME");
+void AddPrinter(Command command, Options& options) {
+  command.AddOption("--printer", options.printer, "The printer (default: the default one)")
+      .TypeName("NAME");
 }
 
-void AddFolders(CLI::App& command, Options& options) {
-  command.add_flag("--folders", options.folders, "The folders in KVSHARE_HOME/spool are printers");
+void AddFolders(Command command, Options& options) {
+  command.AddFlag("--folders", options.folders, "The folders in KVSHARE_HOME/spool are printers");
 }
 
-void OnCall(CLI::App& command, Plan& plan, const std::shared_ptr<Options>& options,
+void OnCall(Command command, Plan& plan, const std::shared_ptr<Options>& options,
             int (*action)(const Options&, const Stdio&)) {
-  command.callback([options, action, &plan] {
+  command.OnParsed([options, action, &plan] {
     plan.action = [options, action](const Stdio& stdio) { return action(*options, stdio); };
   });
 }
 
 }  // namespace
 
-void DeclarePrinters(CLI::App& parent, Plan& plan) {
-  CLI::App* printers = parent.add_subcommand("printers", "Printers, and files for them");
-  printers->group("Commands");
-  printers->require_subcommand(1);
+void DeclarePrinters(Command parent, Plan& plan) {
+  const Command printers = parent.AddCommand("printers", "Printers, and files for them");
+  printers.RequireCommand();
   const auto options = std::make_shared<Options>();
 
-  CLI::App* list = AddCommand(*printers, plan, "list", "The printers by name", kListExamples);
-  AddFolders(*list, *options);
-  list->callback([options, &plan] {
+  const Command list = AddCommand(printers, plan, "list", "The printers by name", kListExamples);
+  AddFolders(list, *options);
+  list.OnParsed([options, &plan] {
     plan.action = [options, run = PrintRows(plan, PrintList(*options))](const Stdio& stdio) {
       return run(stdio);
     };
   });
 
-  CLI::App* print = AddQuietCommand(*printers, "print", "Files as they are, each a job of its own",
-                                    kPrintExamples);
-  print->add_option("FILE", options->files, "The files, ready for the printer")->required();
-  AddPrinter(*print, *options);
-  AddFolders(*print, *options);
-  OnCall(*print, plan, options, Print);
+  const Command print = AddQuietCommand(printers, "print",
+                                        "Files as they are, each a job of its own", kPrintExamples);
+  print.AddOption("FILE", options->files, "The files, ready for the printer").Required();
+  AddPrinter(print, *options);
+  AddFolders(print, *options);
+  OnCall(print, plan, options, Print);
 
-  CLI::App* picture = AddQuietCommand(*printers, "picture",
-                                      "A Windows bitmap with a title, as a page", kPictureExamples);
-  picture->add_option("FILE", options->files, "The bitmap")->required()->expected(1);
-  picture->add_option("--title", options->title, "What stands above it")->type_name("TEXT");
-  picture->add_option("--pdf", options->pdf, "Into that PDF file instead of onto a printer")
-      ->type_name("FILE");
-  AddPrinter(*picture, *options);
-  picture->get_option("--printer")->excludes("--pdf");
-  OnCall(*picture, plan, options, PrintPicture);
+  const Command picture = AddQuietCommand(
+      printers, "picture", "A Windows bitmap with a title, as a page", kPictureExamples);
+  picture.AddOption("FILE", options->files, "The bitmap").Required().TakesOne();
+  picture.AddOption("--title", options->title, "What stands above it").TypeName("TEXT");
+  picture.AddOption("--pdf", options->pdf, "Into that PDF file instead of onto a printer")
+      .TypeName("FILE");
+  AddPrinter(picture, *options);
+  picture.Named("--printer").Excludes(picture.Named("--pdf"));
+  OnCall(picture, plan, options, PrintPicture);
 }
 
 }  // namespace kvshare::app

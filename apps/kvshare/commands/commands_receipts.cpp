@@ -1,3 +1,4 @@
+// `kvshare receipts`.
 #include <memory>
 
 #include "apps/kvshare/commands/commands.h"
@@ -117,16 +118,15 @@ std::function<int(const Stdio&)> MakeReceipts(const Options& options, const Plan
 
 }  // namespace
 
-void DeclareReceipts(CLI::App& parent, Plan& plan) {
+void DeclareReceipts(Command parent, Plan& plan) {
   const auto options = std::make_shared<Options>();
-  CLI::App* command = AddCommand(parent, plan, "receipts",
-                                 "A day's sales documents from a CSV file, as receipts", kExamples);
-  command->add_option("FILE", options->file, "The file (default: standard input)");
-  AddRules(*command, options->rules);
-  AddLayout(*command, options->layout);
-  command->add_option("--pdf", options->pdf, "The documents on pages of that file")
-      ->type_name("FILE");
-  command->callback([options, &plan] { plan.action = MakeReceipts(*options, plan); });
+  const Command command = AddCommand(
+      parent, plan, "receipts", "A day's sales documents from a CSV file, as receipts", kExamples);
+  command.AddOption("FILE", options->file, "The file (default: standard input)");
+  AddRules(command, options->rules);
+  AddLayout(command, options->layout);
+  command.AddOption("--pdf", options->pdf, "The documents on pages of that file").TypeName("FILE");
+  command.OnParsed([options, &plan] { plan.action = MakeReceipts(*options, plan); });
 }
 
 }  // namespace kvshare::app

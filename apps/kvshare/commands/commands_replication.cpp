@@ -1,3 +1,4 @@
+// `kvshare replication`.
 #include <memory>
 #include <optional>
 
@@ -57,36 +58,36 @@ RowPrinter PrintNumber(const std::string& connect,
   };
 }
 
-void DeclareShow(CLI::App& replication, Plan& plan) {
+void DeclareShow(Command replication, Plan& plan) {
   const auto connect = std::make_shared<std::string>();
-  CLI::App* command =
+  const Command command =
       AddCommand(replication, plan, "show",
                  "The last number, its time, and the database's identity", kShowExamples);
-  AddConnect(*command, *connect);
-  command->callback([connect, &plan] { plan.action = PrintRows(plan, PrintFacts(*connect)); });
+  AddConnect(command, *connect);
+  command.OnParsed([connect, &plan] { plan.action = PrintRows(plan, PrintFacts(*connect)); });
 }
 
-void DeclareTake(CLI::App& replication, Plan& plan) {
+void DeclareTake(Command replication, Plan& plan) {
   const auto connect = std::make_shared<std::string>();
-  CLI::App* command =
+  const Command command =
       AddCommand(replication, plan, "take", "Take the next send number", kTakeExamples);
-  AddConnect(*command, *connect);
-  command->callback(
+  AddConnect(command, *connect);
+  command.OnParsed(
       [connect, &plan] { plan.action = PrintRows(plan, PrintNumber(*connect, TakeNextRpl)); });
 }
 
-void DeclareUpdate(CLI::App& replication, Plan& plan) {
+void DeclareUpdate(Command replication, Plan& plan) {
   struct Options {
     std::string connect;
     std::string least;
   };
   const auto options = std::make_shared<Options>();
-  CLI::App* command =
+  const Command command =
       AddCommand(replication, plan, "update",
                  "Move the number on, past a peer's; two at once get the same", kUpdateExamples);
-  AddConnect(*command, options->connect);
-  command->add_option("NUMBER", options->least, "The peer's number")->required();
-  command->callback([options, &plan] {
+  AddConnect(command, options->connect);
+  command.AddOption("NUMBER", options->least, "The peer's number").Required();
+  command.OnParsed([options, &plan] {
     const std::int64_t least = UsageInteger("NUMBER", options->least);
     plan.action =
         PrintRows(plan, PrintNumber(options->connect, [least](TSQLConnection& connection) {
@@ -97,14 +98,13 @@ void DeclareUpdate(CLI::App& replication, Plan& plan) {
 
 }  // namespace
 
-void DeclareReplication(CLI::App& parent, Plan& plan) {
-  CLI::App* replication =
-      parent.add_subcommand("replication", "The send counter and the identity of a database");
-  replication->group("Commands");
-  replication->require_subcommand(1);
-  DeclareShow(*replication, plan);
-  DeclareTake(*replication, plan);
-  DeclareUpdate(*replication, plan);
+void DeclareReplication(Command parent, Plan& plan) {
+  const Command replication =
+      parent.AddCommand("replication", "The send counter and the identity of a database");
+  replication.RequireCommand();
+  DeclareShow(replication, plan);
+  DeclareTake(replication, plan);
+  DeclareUpdate(replication, plan);
 }
 
 }  // namespace kvshare::app

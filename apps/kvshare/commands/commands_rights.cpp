@@ -1,3 +1,4 @@
+// `kvshare rights`.
 #include <algorithm>
 #include <iterator>
 #include <memory>
@@ -118,25 +119,25 @@ RowPrinter PrintOneRight(const Question& question, const RightRow& right) {
   };
 }
 
-void DeclareShow(CLI::App& rights, Plan& plan) {
+void DeclareShow(Command rights, Plan& plan) {
   const auto connect = std::make_shared<std::string>();
-  CLI::App* command =
+  const Command command =
       AddCommand(rights, plan, "show", "All rights, as they are stored", kShowExamples);
-  AddConnect(*command, *connect);
-  command->callback([connect, &plan] { plan.action = PrintRows(plan, PrintTable(*connect)); });
+  AddConnect(command, *connect);
+  command.OnParsed([connect, &plan] { plan.action = PrintRows(plan, PrintTable(*connect)); });
 }
 
-void DeclareCheck(CLI::App& rights, Plan& plan) {
+void DeclareCheck(Command rights, Plan& plan) {
   const auto options = std::make_shared<Options>();
-  CLI::App* command = AddCommand(
+  const Command command = AddCommand(
       rights, plan, "check", "What the holder of a position may do in a screen", kCheckExamples);
-  AddConnect(*command, options->connect);
-  command->add_option("POSITION", options->position, "The user's position; 0 may do everything")
-      ->required();
-  command->add_option("TEMPLATE", options->screen, "The screen; everybody may everything in 0")
-      ->required();
-  command->add_option("RIGHT", options->right, "read, write, insert, delete or execute");
-  command->callback([options, &plan] {
+  AddConnect(command, options->connect);
+  command.AddOption("POSITION", options->position, "The user's position; 0 may do everything")
+      .Required();
+  command.AddOption("TEMPLATE", options->screen, "The screen; everybody may everything in 0")
+      .Required();
+  command.AddOption("RIGHT", options->right, "read, write, insert, delete or execute");
+  command.OnParsed([options, &plan] {
     const Question question{options->connect, UsageNumber("POSITION", options->position),
                             UsageNumber("TEMPLATE", options->screen)};
     plan.action = PrintRows(plan, options->right.empty()
@@ -147,12 +148,11 @@ void DeclareCheck(CLI::App& rights, Plan& plan) {
 
 }  // namespace
 
-void DeclareRights(CLI::App& parent, Plan& plan) {
-  CLI::App* rights = parent.add_subcommand("rights", "The access rights of a company");
-  rights->group("Commands");
-  rights->require_subcommand(1);
-  DeclareShow(*rights, plan);
-  DeclareCheck(*rights, plan);
+void DeclareRights(Command parent, Plan& plan) {
+  const Command rights = parent.AddCommand("rights", "The access rights of a company");
+  rights.RequireCommand();
+  DeclareShow(rights, plan);
+  DeclareCheck(rights, plan);
 }
 
 }  // namespace kvshare::app

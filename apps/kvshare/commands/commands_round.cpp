@@ -1,3 +1,4 @@
+// `kvshare round` and `kvshare share`.
 #include <memory>
 
 #include "apps/kvshare/commands/commands.h"
@@ -80,25 +81,25 @@ Transform MakeShare(const std::string& percent) {
 
 }  // namespace
 
-void DeclareRound(CLI::App& parent, Plan& plan) {
+void DeclareRound(Command parent, Plan& plan) {
   const auto options = std::make_shared<RoundOptions>();
-  CLI::App* command =
+  const Command command =
       AddCommand(parent, plan, "round", "Amounts rounded by a mode of the suite", kRoundExamples);
-  command->add_option("MODE", options->mode, "A mode's name in any letter case, or its code");
-  command->add_flag("--price", options->price, "Codes are those of the price list");
-  command->add_flag("--list", options->list, "Print code, name and caption of every mode");
-  AddItems(*command, plan, "AMOUNT", "Amounts to round");
-  command->callback([options, &plan] { PlanRound(*options, plan); });
+  command.AddOption("MODE", options->mode, "A mode's name in any letter case, or its code");
+  command.AddFlag("--price", options->price, "Take the codes from the price list");
+  command.AddFlag("--list", options->list, "Print code, name and caption of every mode");
+  AddItems(command, plan, "AMOUNT", "Amounts to round");
+  command.OnParsed([options, &plan] { PlanRound(*options, plan); });
 }
 
-void DeclareShare(CLI::App& parent, Plan& plan) {
+void DeclareShare(Command parent, Plan& plan) {
   const auto percent = std::make_shared<std::string>();
-  CLI::App* command =
+  const Command command =
       AddCommand(parent, plan, "share", "A percentage of each amount, to the satang, and the rest",
                  kShareExamples);
-  command->add_option("PERCENT", *percent, "The share in per cent")->required();
-  AddItems(*command, plan, "AMOUNT", "Amounts to split");
-  command->callback([percent, &plan] { plan.transform = MakeShare(*percent); });
+  command.AddOption("PERCENT", *percent, "The share in per cent").Required();
+  AddItems(command, plan, "AMOUNT", "Amounts to split");
+  command.OnParsed([percent, &plan] { plan.transform = MakeShare(*percent); });
 }
 
 }  // namespace kvshare::app

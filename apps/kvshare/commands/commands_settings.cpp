@@ -1,15 +1,16 @@
+// `kvshare settings`.
 #include <algorithm>
 #include <memory>
 
 #include "apps/kvshare/commands/commands.h"
 #include "apps/kvshare/commands/settingsvalues.h"
-#include "apps/kvshare/terminal/row.h"
+#include "apps/kvshare/terminal/outputrow.h"
 #include "kvshare/os/registry/regfile.h"
 #include "kvshare/os/registry/registry.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/strutils.h"
 
 namespace kvshare::app {
@@ -295,72 +296,74 @@ RegistryValue UsageValue(const SettingsOptions& options) {
 
 using OptionsPointer = std::shared_ptr<SettingsOptions>;
 
-void AddKey(CLI::App& command, const OptionsPointer& options, bool required) {
+void AddKey(Command command, const OptionsPointer& options, bool required) {
   command
-      .add_option("KEY", options->key,
-                  required ? "The key, such as 'HKCU\\Software\\Acme'"
-                           : "The key, such as 'HKCU\\Software\\Acme'; without one, both hives")
-      ->required(required);
+      .AddOption("KEY", options->key,
+                 required ? "The key, such as 'HKCU\\Software\\Acme'"
+                          : "The key, such as 'HKCU\\Software\\Acme'; without one, both hives")
+      .Required(required);
 }
 
-CLI::App* AddSettings(CLI::App& settings, Plan& plan, std::string_view name,
-                      std::string_view purpose, std::string_view examples) {
+Command AddSettings(Command settings, Plan& plan, std::string_view name, std::string_view purpose,
+                    std::string_view examples) {
   return AddCommand(settings, plan, name, purpose, std::string(examples) + std::string(kKeyNote));
 }
 
-CLI::App* AddQuiet(CLI::App& settings, std::string_view name, std::string_view purpose,
-                   std::string_view examples) {
+Command AddQuiet(Command settings, std::string_view name, std::string_view purpose,
+                 std::string_view examples) {
   return AddQuietCommand(settings, name, purpose, std::string(examples) + std::string(kKeyNote));
 }
 
-void DeclareList(CLI::App& settings, Plan& plan) {
+void DeclareList(Command settings, Plan& plan) {
   const auto options = std::make_shared<SettingsOptions>();
-  CLI::App* command =
+  const Command command =
       AddSettings(settings, plan, "list", "Keys and values of the settings", kListExamples);
-  AddKey(*command, options, false);
-  command->add_flag("--recursive", options->recursive, "With all below");
-  command->callback([options, &plan] {
+  AddKey(command, options, false);
+  command.AddFlag("--recursive", options->recursive, "With all below");
+  command.OnParsed([options, &plan] {
     plan.action = [&plan, keys = UsageKeys(options->key), recursive = options->recursive](
                       const Stdio& stdio) { return List(keys, plan.json, recursive, stdio); };
   });
 }
 
-void DeclareGet(CLI::App& settings, Plan& plan) {
+void DeclareGet(Command settings, Plan& plan) {
   const auto options = std::make_shared<SettingsOptions>();
-  CLI::App* command = AddSettings(settings, plan, "get", "One value", kGetExamples);
-  AddKey(*command, options, true);
-  command->add_option("NAME", options->name, "The value's name")->required();
-  command->callback([options, &plan] {
+  const Command command = AddSettings(settings, plan, "get", "One value", kGetExamples);
+  AddKey(command, options, true);
+  command.AddOption("NAME", options->name, "The value's name").Required();
+  command.OnParsed([options, &plan] {
     plan.action = [&plan, key = UsageKey(options->key), name = UsageText("NAME", options->name)](
                       const Stdio& stdio) { return Get(key, name, plan.json, stdio); };
   });
 }
 
-void DeclareSet(CLI::App& settings, Plan& plan) {
+void DeclareSet(Command settings, Plan& plan) {
   const auto options = std::make_shared<SettingsOptions>();
-  CLI::App* command =
+  const Command command =
       AddQuiet(settings, "set", "Write one value, and its key if it is missing", kSetExamples);
-  AddKey(*command, options, true);
-  command->add_option("NAME", options->name, "The value's name")->required();
-  command->add_option("VALUE", options->value, "The text, or with --integer a number")->required();
-  command->add_flag("--integer", options->integer, "A 32-bit integer instead of a text");
-  command->callback([options, &plan] {
+  AddKey(command, options, true);
+  command.AddOption("NAME", options->name, "The value's name").Required();
+  command.AddOption("VALUE", options->value, "The text, or with --integer a number").Required();
+  command.AddFlag("--integer", options->integer, "A 32-bit integer instead of a text");
+  command.OnParsed([options, &plan] {
     plan.action = [key = UsageKey(options->key), value = UsageValue(*options)](const Stdio&) {
       return Set(key, value);
     };
   });
 }
 
-void DeclareDelete(CLI::App& settings, Plan& plan) {
+void DeclareDelete(Command settings, Plan& plan) {
   const auto options = std::make_shared<SettingsOptions>();
-  CLI::App* command = AddQuiet(settings, "delete", "Delete one value, or a key", kDeleteExamples);
-  AddKey(*command, options, true);
-  auto* name = command->add_option("NAME", options->name, "The value's name; without one, the key");
-  command->add_flag("--recursive", options->recursive, "The key with its values and all below")
-      ->excludes(name);
-  command->callback([options, name, &plan] {
+  const Command command =
+      AddQuiet(settings, "delete", "Delete one value, or a key", kDeleteExamples);
+  AddKey(command, options, true);
+  const Option name =
+      command.AddOption("NAME", options->name, "The value's name; without one, the key");
+  command.AddFlag("--recursive", options->recursive, "The key with its values and all below")
+      .Excludes(name);
+  command.OnParsed([options, name, &plan] {
     const RegistryKey key = UsageKey(options->key);
-    if (name->count() > 0) {
+    if (name.IsGiven()) {
       plan.action = [key, value = UsageText("NAME", options->name)](const Stdio&) {
         return DeleteValue(key, value);
       };
@@ -373,15 +376,15 @@ void DeclareDelete(CLI::App& settings, Plan& plan) {
   });
 }
 
-void DeclareExport(CLI::App& settings, Plan& plan) {
+void DeclareExport(Command settings, Plan& plan) {
   const auto options = std::make_shared<SettingsOptions>();
-  CLI::App* command =
+  const Command command =
       AddQuiet(settings, "export", "Settings as a file for registry editors", kExportExamples);
-  AddKey(*command, options, false);
-  command->add_option("--output", options->file, "The file (default: standard output)")
-      ->type_name("FILE");
-  command->add_flag("--regedit4", options->regedit4, "In the older format, code page 874");
-  command->callback([options, &plan] {
+  AddKey(command, options, false);
+  command.AddOption("--output", options->file, "The file (default: standard output)")
+      .TypeName("FILE");
+  command.AddFlag("--regedit4", options->regedit4, "In the older format, code page 874");
+  command.OnParsed([options, &plan] {
     const auto format = options->regedit4 ? os::RegFormat::RegEdit4 : os::RegFormat::Version5;
     plan.action = [keys = UsageKeys(options->key), format,
                    file = UsageText("--output", options->file)](const Stdio& stdio) {
@@ -390,12 +393,12 @@ void DeclareExport(CLI::App& settings, Plan& plan) {
   });
 }
 
-void DeclareImport(CLI::App& settings, Plan& plan) {
+void DeclareImport(Command settings, Plan& plan) {
   const auto options = std::make_shared<SettingsOptions>();
-  CLI::App* command =
+  const Command command =
       AddQuiet(settings, "import", "Do what a file of a registry editor says", kImportExamples);
-  command->add_option("FILE", options->file, "The file; - is standard input")->required();
-  command->callback([options, &plan] {
+  command.AddOption("FILE", options->file, "The file; - is standard input").Required();
+  command.OnParsed([options, &plan] {
     plan.action = [file = UsageText("FILE", options->file)](const Stdio& stdio) {
       return Import(file, stdio);
     };
@@ -404,17 +407,16 @@ void DeclareImport(CLI::App& settings, Plan& plan) {
 
 }  // namespace
 
-void DeclareSettings(CLI::App& parent, Plan& plan) {
-  CLI::App* settings =
-      parent.add_subcommand("settings", "The settings that the suite's programs keep");
-  settings->group("Commands");
-  settings->require_subcommand(1);
-  DeclareList(*settings, plan);
-  DeclareGet(*settings, plan);
-  DeclareSet(*settings, plan);
-  DeclareDelete(*settings, plan);
-  DeclareExport(*settings, plan);
-  DeclareImport(*settings, plan);
+void DeclareSettings(Command parent, Plan& plan) {
+  const Command settings =
+      parent.AddCommand("settings", "The settings that the suite's programs keep");
+  settings.RequireCommand();
+  DeclareList(settings, plan);
+  DeclareGet(settings, plan);
+  DeclareSet(settings, plan);
+  DeclareDelete(settings, plan);
+  DeclareExport(settings, plan);
+  DeclareImport(settings, plan);
 }
 
 }  // namespace kvshare::app

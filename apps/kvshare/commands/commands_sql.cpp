@@ -1,9 +1,10 @@
+// `kvshare sql`.
 #include <memory>
 #include <stdexcept>
 
 #include "apps/kvshare/commands/commands.h"
 #include "apps/kvshare/data/connections.h"
-#include "apps/kvshare/data/rowset.h"
+#include "apps/kvshare/data/rowwriter.h"
 #include "apps/kvshare/data/sqltext.h"
 #include "apps/kvshare/terminal/inputfile.h"
 #include "apps/kvshare/terminal/progress.h"
@@ -178,18 +179,18 @@ int Run(const Options& options, bool json, const Stdio& stdio) {
 
 }  // namespace
 
-void DeclareSql(CLI::App& parent, Plan& plan) {
+void DeclareSql(Command parent, Plan& plan) {
   const auto options = std::make_shared<Options>();
-  CLI::App* command =
+  const Command command =
       AddCommand(parent, plan, "sql", "Run a query, a statement or a batch", kExamples);
-  AddConnect(*command, options->connect);
-  auto* batch = command
-                    ->add_option("--batch", options->batch,
-                                 "A file of statements, UTF-8; - is standard input")
-                    ->type_name("FILE");
-  command->add_flag("--csv", options->csv, "Rows as CSV");
-  command->add_option("SQL", options->sql, "One query or statement")->excludes(batch);
-  command->callback([options, &plan] {
+  AddConnect(command, options->connect);
+  const Option batch =
+      command
+          .AddOption("--batch", options->batch, "A file of statements, UTF-8; - is standard input")
+          .TypeName("FILE");
+  command.AddFlag("--csv", options->csv, "Rows as CSV");
+  command.AddOption("SQL", options->sql, "One query or statement").Excludes(batch);
+  command.OnParsed([options, &plan] {
     if (options->sql.empty() && options->batch.empty()) RefuseUsage("SQL", "or --batch is needed");
     plan.action = [options, &plan](const Stdio& stdio) { return Run(*options, plan.json, stdio); };
   });

@@ -1,3 +1,4 @@
+// `kvshare encode`, `decode`, `key` and `message`.
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -39,12 +40,13 @@ struct MessageOptions {
   bool list = false;
 };
 
-void AddKey(CLI::App& command, KeyOptions& options) {
-  auto* key =
-      command.add_option("--key", options.key, "16 to 64 different characters of 0-9 A-Z a-z + /");
-  auto* file = command.add_option("--key-file", options.file, "A file whose first line is the key")
-                   ->type_name("FILE");
-  file->excludes(key);
+void AddKey(Command command, KeyOptions& options) {
+  const Option key =
+      command.AddOption("--key", options.key, "16 to 64 different characters of 0-9 A-Z a-z + /");
+  const Option file =
+      command.AddOption("--key-file", options.file, "A file whose first line is the key")
+          .TypeName("FILE");
+  file.Excludes(key);
 }
 
 std::string ReadKeyFile(const std::string& name) {
@@ -57,7 +59,7 @@ std::string ReadKeyFile(const std::string& name) {
   return std::string(Trim(text.substr(0, text.find('\n'))));
 }
 
-// A key that breaks the rules makes the library encode to nothing: it is told from a good one so.
+// A key that breaks the rules makes the library encode to nothing, which is how this finds it.
 std::string FindKey(const KeyOptions& options) {
   std::string key = options.key;
   if (key.empty() && !options.file.empty()) key = ReadKeyFile(options.file);
@@ -144,28 +146,28 @@ void PlanMessage(const MessageOptions& options, Plan& plan) {
 
 }  // namespace
 
-void DeclareEncode(CLI::App& parent, Plan& plan) {
+void DeclareEncode(Command parent, Plan& plan) {
   const auto options = std::make_shared<KeyOptions>();
-  CLI::App* command = AddCommand(parent, plan, "encode", "Short texts hidden under a key",
-                                 std::string(kEncodeExamples) + std::string(kKeyNote));
-  AddKey(*command, *options);
-  AddItems(*command, plan, "TEXT", "Texts, trimmed at both ends");
-  command->callback([options, &plan] { plan.transform = MakeEncode(*options); });
+  const Command command = AddCommand(parent, plan, "encode", "Short texts hidden under a key",
+                                     std::string(kEncodeExamples) + std::string(kKeyNote));
+  AddKey(command, *options);
+  AddItems(command, plan, "TEXT", "Texts, trimmed at both ends");
+  command.OnParsed([options, &plan] { plan.transform = MakeEncode(*options); });
 }
 
-void DeclareDecode(CLI::App& parent, Plan& plan) {
+void DeclareDecode(Command parent, Plan& plan) {
   const auto options = std::make_shared<KeyOptions>();
-  CLI::App* command = AddCommand(parent, plan, "decode", "The texts that encode has hidden",
-                                 std::string(kDecodeExamples) + std::string(kKeyNote));
-  AddKey(*command, *options);
-  AddItems(*command, plan, "TEXT", "Encoded texts");
-  command->callback([options, &plan] { plan.transform = MakeDecode(*options); });
+  const Command command = AddCommand(parent, plan, "decode", "The texts that encode has hidden",
+                                     std::string(kDecodeExamples) + std::string(kKeyNote));
+  AddKey(command, *options);
+  AddItems(command, plan, "TEXT", "Encoded texts");
+  command.OnParsed([options, &plan] { plan.transform = MakeDecode(*options); });
 }
 
-void DeclareKey(CLI::App& parent, Plan& plan) {
-  CLI::App* command = AddCommand(parent, plan, "key", "A fresh key for encode and decode",
-                                 "  kvshare key > my.key && chmod 600 my.key\n");
-  command->callback([&plan] {
+void DeclareKey(Command parent, Plan& plan) {
+  const Command command = AddCommand(parent, plan, "key", "A fresh key for encode and decode",
+                                     "  kvshare key > my.key && chmod 600 my.key\n");
+  command.OnParsed([&plan] {
     plan.action = PrintRows(plan, [](const auto& print, Row& row) {
       row.Cell("key") = TKovraCrypt().GeneratePWDSecutityString();
       print(row);
@@ -173,16 +175,16 @@ void DeclareKey(CLI::App& parent, Plan& plan) {
   });
 }
 
-void DeclareMessage(CLI::App& parent, Plan& plan) {
+void DeclareMessage(Command parent, Plan& plan) {
   const auto options = std::make_shared<MessageOptions>();
-  CLI::App* command =
+  const Command command =
       AddCommand(parent, plan, "message", "Texts of the message catalogue", kMessageExamples);
-  command->add_option("--language", options->language,
-                      "th, or the name of a language resource such as en (default: the "
-                      "environment variable KVSHARE_LANGUAGE)");
-  command->add_flag("--list", options->list, "Print the whole catalogue");
-  AddItems(*command, plan, "NAME", "Names in any letter case, or identifiers");
-  command->callback([options, &plan] {
+  command.AddOption("--language", options->language,
+                    "th, or the name of a language resource such as en (default: the "
+                    "environment variable KVSHARE_LANGUAGE)");
+  command.AddFlag("--list", options->list, "Print the whole catalogue");
+  AddItems(command, plan, "NAME", "Names in any letter case, or identifiers");
+  command.OnParsed([options, &plan] {
     if (!options->language.empty()) {
       plan.prepare = [language = options->language](const Stdio& stdio) {
         UseLanguage(language, stdio);

@@ -1,3 +1,4 @@
+// `kvshare version`.
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
@@ -7,7 +8,7 @@
 #include "kvshare/platform/fileinfo.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/strutils.h"
 
@@ -48,7 +49,7 @@ void AddTable(std::string& lines, const os::VersionResource& resource, os::Versi
   }
 }
 
-// Languages in the order in which they are named, those of the tables behind the translations.
+// Languages in the order in which they are named: the order of the tables behind the translations.
 std::vector<os::VersionLanguage> Languages(const os::VersionResource& resource) {
   std::vector<os::VersionLanguage> languages;
   const auto add = [&languages](os::VersionLanguage language) {
@@ -109,12 +110,12 @@ void ShowVersion(std::string_view file, Row& row) {
 
 }  // namespace
 
-void DeclareVersion(CLI::App& parent, Plan& plan) {
-  CLI::App* command =
+void DeclareVersion(Command parent, Plan& plan) {
+  const Command command =
       AddCommand(parent, plan, "version",
                  "What programs tell about themselves: versions, company, product", kExamples);
-  AddItems(*command, plan, "FILE", "Windows programs, or programs of this system");
-  command->callback([&plan] { plan.transform = ShowVersion; });
+  AddItems(command, plan, "FILE", "Windows programs, or programs of this system");
+  command.OnParsed([&plan] { plan.transform = ShowVersion; });
 }
 
 }  // namespace kvshare::app

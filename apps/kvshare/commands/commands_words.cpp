@@ -1,3 +1,4 @@
+// `kvshare words`.
 #include <memory>
 
 #include "apps/kvshare/commands/commands.h"
@@ -61,17 +62,17 @@ Transform MakeWords(const Options& options) {
 
 }  // namespace
 
-void DeclareWords(CLI::App& parent, Plan& plan) {
+void DeclareWords(Command parent, Plan& plan) {
   const auto options = std::make_shared<Options>();
-  CLI::App* command = AddCommand(parent, plan, "words",
-                                 "Amounts in words, as cheques and receipts show them", kExamples);
-  command->add_flag("--english", options->english, "English baht and stang instead of Thai");
+  const Command command = AddCommand(
+      parent, plan, "words", "Amounts in words, as cheques and receipts show them", kExamples);
+  command.AddFlag("--english", options->english, "English baht and stang instead of Thai");
   command
-      ->add_option("--currency", options->currency,
-                   "English with these names of the unit and its hundredth")
-      ->type_name("UNIT,SUBUNIT");
-  AddItems(*command, plan, "AMOUNT", "Amounts, thousands commas allowed");
-  command->callback([options, &plan] { plan.transform = MakeWords(*options); });
+      .AddOption("--currency", options->currency,
+                 "English with these names of the unit and its hundredth")
+      .TypeName("UNIT,SUBUNIT");
+  AddItems(command, plan, "AMOUNT", "Amounts, thousands commas allowed");
+  command.OnParsed([options, &plan] { plan.transform = MakeWords(*options); });
 }
 
 }  // namespace kvshare::app

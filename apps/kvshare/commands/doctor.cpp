@@ -1,10 +1,9 @@
 #include "apps/kvshare/commands/doctor.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <filesystem>
 
+#include "apps/kvshare/system/process.h"
 #include "kvshare/database/dbxconf.h"
 #include "kvshare/messages/language.h"
 #include "kvshare/os/drives.h"
@@ -18,7 +17,7 @@
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/environment.h"
 #include "kvshare/rtl/exceptions.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/settings/globals.h"
 #include "kvshare/settings/numberformats.h"
 #include "kvshare/settings/programsettings.h"
@@ -47,7 +46,7 @@ std::string WriteTrouble(const fs::path& folder) {
   const fs::path nearest = NearestFolder(folder);
   std::error_code ignored;
   if (!fs::is_directory(nearest, ignored)) return nearest.string() + " is no folder: move it away";
-  if (::access(nearest.c_str(), W_OK | X_OK) == 0) return {};
+  if (MayWriteInto(nearest)) return {};
   return "this user may not write in " + nearest.string() + ": change its owner or permissions";
 }
 

@@ -6,6 +6,7 @@
 #include "apps/kvshare/log/moments.h"
 #include "apps/receipts/yearwarnings.h"
 #include "kvshare/dates/date.h"
+#include "kvshare/rtl/ascii.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/format.h"
@@ -15,7 +16,7 @@ namespace kvshare::app {
 
 namespace {
 
-// A reader's rules, followed in words. Once one refuses, nothing more is told.
+// A reader's rules, followed in words. Once one refuses, the explanation ends.
 class Story {
  public:
   void Tell(std::string_view step) {
@@ -166,16 +167,12 @@ void TellLoose(Story& story, std::string_view text, int currentYear) {
   CheckDate(story, year, numbers.month, numbers.day);
 }
 
-bool IsDigits(std::string_view text) {
-  return std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
-}
-
 // Eight digits at the start, or yyyy?mm?dd.
 bool CouldBeStamp(std::string_view text) {
-  if (text.size() < 8 || !IsDigits(text.substr(0, 4))) return false;
+  if (text.size() < 8 || !AreDigits(text.substr(0, 4))) return false;
   const bool separated =
-      text.size() == 10 && !IsDigits(text.substr(4, 1)) && !IsDigits(text.substr(7, 1));
-  return separated || IsDigits(text.substr(4, 4));
+      text.size() == 10 && !AreDigits(text.substr(4, 1)) && !AreDigits(text.substr(7, 1));
+  return separated || AreDigits(text.substr(4, 4));
 }
 
 void TellStamp(Story& story, std::string_view text) {

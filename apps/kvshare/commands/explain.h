@@ -21,9 +21,9 @@ struct Reading {
   std::vector<std::string> warnings;
 };
 
-// Asks the readers of typed dates, and that of stamps where the text could be one. Whether a text
-// is read, and as which date, the readers themselves tell; `today` decides what `loose` makes of a
-// year and what lies far ahead.
+// Asks the readers of typed dates, and the reader of stamps where the text could be one. Whether a
+// text is read, and as which date, the readers themselves tell; `today` decides what `loose` makes
+// of a year and what lies far ahead.
 std::vector<Reading> ExplainDate(std::string_view text, TDateTime today);
 
 }  // namespace kvshare::app

@@ -1,6 +1,6 @@
 #include "apps/kvshare/commands/settingsvalues.h"
 
-#include "apps/kvshare/terminal/row.h"
+#include "apps/kvshare/terminal/outputrow.h"
 #include "kvshare/rtl/cp874.h"
 
 namespace kvshare::app {

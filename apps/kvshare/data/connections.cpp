@@ -8,15 +8,15 @@
 #include "kvshare/os/paths.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/ui/backend.h"
 
 namespace kvshare::app {
 
-void AddConnect(CLI::App& command, std::string& name) {
-  command.add_option("--connect", name, "A connection of the connection file")
-      ->type_name("NAME")
-      ->required();
+void AddConnect(Command command, std::string& name) {
+  command.AddOption("--connect", name, "A connection of the connection file")
+      .TypeName("NAME")
+      .Required();
 }
 
 void WithoutBoxes(const std::function<void()>& work) {

@@ -1,16 +1,16 @@
 // Connections of the connection file, as the commands use them.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <functional>
 #include <string>
 
+#include "apps/kvshare/terminal/commandline.h"
 #include "kvshare/data/sql/sqlconnection.h"
 
 namespace kvshare::app {
 
 // Adds `--connect NAME`, which a command needs.
-void AddConnect(CLI::App& command, std::string& name);
+void AddConnect(Command command, std::string& name);
 
 // Whether the connection file has that name (code page 874). Where it has not, throws with the
 // machine's own name of the file and with what to do: it is missing, is not in code page 874, or

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "apps/kvshare/data/fieldspecs.h"
-#include "apps/kvshare/data/fieldtext.h"
+#include "apps/kvshare/data/printedvalue.h"
 #include "kvshare/data/contract/errors.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/strutils.h"

@@ -12,7 +12,7 @@
 namespace kvshare::app {
 
 // Texts in code page 874. Of a field that differs `before` and `after` are its two forms
-// (fieldspecs.h); of a value they are its texts, and Null is told apart from "".
+// (fieldspecs.h); of a value they are its texts, and Null differs from "".
 struct DatasetDifference {
   enum class Side : std::uint8_t { First, Second, Both };
   Side side = Side::Both;  // where it is; Both: it is another

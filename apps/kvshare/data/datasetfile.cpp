@@ -2,13 +2,13 @@
 
 #include <algorithm>
 
-#include "apps/kvshare/data/fieldtext.h"
-#include "apps/kvshare/data/rowset.h"
+#include "apps/kvshare/data/printedvalue.h"
+#include "apps/kvshare/data/rowwriter.h"
 #include "apps/kvshare/data/texttable.h"
 #include "apps/kvshare/terminal/inputfile.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/strutils.h"
 #include "kvshare/rtl/utf8mark.h"
@@ -44,8 +44,8 @@ std::string ReadAll(const std::string& file, const Stdio& stdio) {
   return bytes;
 }
 
-// A text or bytes without a size have that of the longest value; a string past what strings have is
-// a memo.
+// A text or bytes without a size get the size of the longest value; a string past what strings have
+// is a memo.
 void SizeByColumn(TFieldDef& def, std::size_t longest) {
   if (!IsSized(def.DataType) || def.Size > 0) return;
   const bool hexadecimal = FormOf(def.DataType) == TFieldForm::Bytes;

@@ -10,7 +10,7 @@
 namespace kvshare::app {
 
 // Commas between them; code page 874. SIZE is the bytes of a text or the digits of a decimal,
-// 0 where they are not told. Throws EConvertError with what is wrong.
+// 0 where the text does not say them. Throws EConvertError with what is wrong.
 std::vector<TFieldDef> ParseFieldSpecs(std::string_view specs);
 
 // One field as ParseFieldSpecs reads it, as long as its name has no `:` and no `,`.

@@ -135,8 +135,4 @@ std::string RecordTalk::Values() const {
   return lines;
 }
 
-int TalkingInterface::ShowModalForm(TForm& form) {
-  return TalkAboutForm(form, console_);
-}
-
 }  // namespace kvshare::app

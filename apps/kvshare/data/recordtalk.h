@@ -19,7 +19,7 @@ class RecordTalk {
       : record_(record), console_(console) {}
 
   // Asks for each field that can be typed and is no key, in the order of the table, until the user
-  // ends. A text that a field refuses is told, and the field asked for again.
+  // ends. A text that a field refuses is reported, and the field is asked for again.
   void AskFields();
   // Whether the input, or its user, has come to the end of the questions: no answer can be
   // expected.
@@ -30,7 +30,7 @@ class RecordTalk {
   // The values of the record, one field a line.
   std::string Values() const;
 
-  // Whether the answer is y, yes or ใช่; the end of the input is none.
+  // Whether the answer is y, yes or ใช่; the end of the input is no such answer.
   bool Confirm(std::string_view question);
 
   void Say(std::string_view cp874) const;
@@ -45,16 +45,6 @@ class RecordTalk {
   TableRecord& record_;
   const os::Console& console_;
   bool inputEnded_ = false;
-};
-
-// The terminal's back end, whose forms also take their lines from a pipe.
-class TalkingInterface : public TConsoleInterface {
- public:
-  explicit TalkingInterface(const os::Console& console) : console_(console) {}
-  int ShowModalForm(TForm& form) override;
-
- private:
-  const os::Console& console_;
 };
 
 }  // namespace kvshare::app

@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "apps/kvshare/terminal/legible.h"
+#include "kvshare/rtl/ascii.h"
 #include "kvshare/rtl/strutils.h"
 
 namespace kvshare::app {
@@ -24,8 +25,7 @@ bool IsOneOf(std::string_view word, const std::string_view (&words)[N]) {
 }
 
 constexpr bool InWord(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
-         static_cast<unsigned char>(c) >= 0x80;
+  return IsLatinLetter(c) || IsDigit(c) || c == '_' || static_cast<unsigned char>(c) >= 0x80;
 }
 
 // Whether `\` takes the meaning from a quote behind it. Servers differ: where it matters, both

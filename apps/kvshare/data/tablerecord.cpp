@@ -7,6 +7,7 @@
 #include "kvshare/database/dbpost.h"
 #include "kvshare/database/errorform.h"
 #include "kvshare/dates/dbdate.h"
+#include "kvshare/rtl/ascii.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/formatsettings.h"
@@ -22,8 +23,8 @@ constexpr std::string_view kNothing = "(nothing)";
 
 bool IsNameByte(char c) {
   constexpr unsigned char kFirstThaiLetter = 0xA1;
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
-         c == '$' || c == '.' || static_cast<unsigned char>(c) >= kFirstThaiLetter;
+  return IsLatinLetter(c) || IsDigit(c) || c == '_' || c == '$' || c == '.' ||
+         static_cast<unsigned char>(c) >= kFirstThaiLetter;
 }
 
 // The name stands in statements as it is: a text that could be more than a name never gets there.
@@ -56,7 +57,13 @@ void AttachTo(TClientDataSet& set, TField& field) {
       return required ? D::SetTimeNotNullField(set, name) : D::SetTimeNullField(set, name);
     case TFieldForm::Moment:
       return required ? D::SetDateTimeField(set, name) : D::SetDateTimeNullField(set, name);
-    default:
+    case TFieldForm::None:
+    case TFieldForm::Text:
+    case TFieldForm::Integer:
+    case TFieldForm::Real:
+    case TFieldForm::Decimal:
+    case TFieldForm::Boolean:
+    case TFieldForm::Bytes:
       break;
   }
   if (!IsMoney(field)) return;

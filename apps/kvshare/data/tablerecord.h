@@ -19,7 +19,7 @@ struct TypedValue {
 };
 using TypedValues = std::vector<TypedValue>;
 
-// The errors are those of the fields and of the server, and Exception where said.
+// Throws what the fields and the server throw, and Exception where said.
 class TableRecord {
  public:
   // The connection is open and outlives the record. Throws Exception for a text that is no name of

@@ -9,17 +9,17 @@
 
 namespace kvshare::app {
 
-void AddRules(CLI::App& command, RuleOptions& options) {
-  command.add_option("--round", options.round, "Mode of quantity x price (default mrTwoDigits)")
-      ->type_name("MODE");
-  command.add_option("--vat-round", options.vatRound, "Mode of VAT amounts (default mrTwoDigits)")
-      ->type_name("MODE");
-  command.add_option("--vat", options.vat, "VAT is computed and shown per line or per document")
-      ->check(CLI::IsMember({"line", "document"}))
-      ->type_name("line|document");
-  command.add_option("--cash-step", options.cashStep, "Mode of the total, with a rounding line")
-      ->type_name("MODE");
-  command.add_flag("--price-includes-vat", options.priceIncludesVat, "Prices are with VAT");
+void AddRules(Command command, RuleOptions& options) {
+  command.AddOption("--round", options.round, "Mode of quantity x price (default mrTwoDigits)")
+      .TypeName("MODE");
+  command.AddOption("--vat-round", options.vatRound, "Mode of VAT amounts (default mrTwoDigits)")
+      .TypeName("MODE");
+  command.AddOption("--vat", options.vat, "VAT is computed and shown per line or per document")
+      .OneOf({"line", "document"})
+      .TypeName("line|document");
+  command.AddOption("--cash-step", options.cashStep, "Mode of the total, with a rounding line")
+      .TypeName("MODE");
+  command.AddFlag("--price-includes-vat", options.priceIncludesVat, "Prices are with VAT");
 }
 
 receipts::Rules UsageRules(const RuleOptions& options) {
@@ -45,14 +45,14 @@ void ReadDigits() {
 
 }  // namespace
 
-void AddLayout(CLI::App& command, LayoutOptions& options) {
-  command.add_option("--discount", options.discount, "Discounts are shown per line or as one sum")
-      ->check(CLI::IsMember({"line", "document"}))
-      ->type_name("line|document");
+void AddLayout(Command command, LayoutOptions& options) {
+  command.AddOption("--discount", options.discount, "Discounts are shown per line or as one sum")
+      .OneOf({"line", "document"})
+      .TypeName("line|document");
   AddEra(command, options.era);
-  command.add_option("--width", options.width, "Columns of a receipt (default 80)")
-      ->check(CLI::Range(40, 1000))
-      ->type_name("N");
+  command.AddOption("--width", options.width, "Columns of a receipt (default 80)")
+      .Between(40, 1000)
+      .TypeName("N");
 }
 
 receipts::Layout UsageLayout(const LayoutOptions& options, const RuleOptions& rules) {

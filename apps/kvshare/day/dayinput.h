@@ -1,14 +1,14 @@
 // A day's documents as command lines name and compute them.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <string>
 
+#include "apps/kvshare/terminal/commandline.h"
 #include "apps/kvshare/terminal/inputfile.h"
 #include "apps/kvshare/terminal/stream.h"
 #include "apps/receipts/calc.h"
 #include "apps/receipts/dayreader.h"
-#include "apps/receipts/print.h"
+#include "apps/receipts/plainreceipt.h"
 
 namespace kvshare::app {
 
@@ -22,7 +22,7 @@ struct RuleOptions {
 };
 
 // Adds `--round`, `--vat-round`, `--vat`, `--cash-step` and `--price-includes-vat`.
-void AddRules(CLI::App& command, RuleOptions& options);
+void AddRules(Command command, RuleOptions& options);
 
 // Refuses the usage of a mode that there is not.
 receipts::Rules UsageRules(const RuleOptions& options);
@@ -35,7 +35,7 @@ struct LayoutOptions {
 };
 
 // Adds `--discount`, `--era` and `--width`.
-void AddLayout(CLI::App& command, LayoutOptions& options);
+void AddLayout(Command command, LayoutOptions& options);
 
 // In the digits that the user has stored for this command. Refuses the usage of an era that there
 // is not; throws EConvertError for digits that cannot be used.

@@ -5,7 +5,7 @@
 #include "apps/kvshare/terminal/stream.h"
 #include "apps/receipts/calc.h"
 #include "apps/receipts/dayreader.h"
-#include "apps/receipts/print.h"
+#include "apps/receipts/plainreceipt.h"
 
 namespace kvshare::app {
 

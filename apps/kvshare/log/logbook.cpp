@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "apps/kvshare/terminal/inputfile.h"
+#include "kvshare/rtl/ascii.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/format.h"
@@ -21,7 +22,7 @@ namespace fs = std::filesystem;
 constexpr std::size_t kMonthDigits = 6;
 
 bool AllDigits(std::string_view text) {
-  return std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
+  return AreDigits(text);
 }
 
 // YYYYMM and the number of an archive's name, "" for another name.

@@ -1,11 +1,11 @@
 // A log that grows while it is read, through its monthly renaming.
 #pragma once
 
-#include <sys/types.h>
-
+#include <cstddef>
+#include <cstdint>
 #include <string>
 
-#include "apps/kvshare/terminal/inputfile.h"
+#include "apps/kvshare/system/descriptors.h"
 
 namespace kvshare::app {
 
@@ -26,11 +26,10 @@ class LogFollower {
   void OpenIfThere();
   void SkipToLast(std::size_t lines);
   void TakeNew(std::string& lines);
-  bool HasAnotherName() const;
 
   std::string path_;
   InputFile file_;
-  off_t position_ = 0;  // behind the last whole line
+  std::uint64_t position_ = 0;  // behind the last whole line
   std::string unfinished_;
 };
 

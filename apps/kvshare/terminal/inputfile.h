@@ -1,17 +1,11 @@
-// A file that a command reads.
+// Files that a command reads.
 #pragma once
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
+#include <cstddef>
 #include <stdexcept>
 #include <string>
-#include <system_error>
-#include <utility>
 
-#include "apps/kvshare/terminal/stream.h"
+#include "apps/kvshare/system/descriptors.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 
@@ -40,33 +34,5 @@ inline void AppendRest(std::string& bytes, int fd) {
     bytes.resize(size + n);
   }
 }
-
-class InputFile {
- public:
-  InputFile() = default;  // none
-  // Throws StreamError `NAME: reason`.
-  explicit InputFile(const std::string& path) : fd_(::open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
-    struct stat facts = {};
-    const bool folder = fd_ >= 0 && ::fstat(fd_, &facts) == 0 && S_ISDIR(facts.st_mode);
-    if (fd_ >= 0 && !folder) return;
-    const int error = folder ? EISDIR : errno;
-    if (fd_ >= 0) ::close(fd_);
-    throw StreamError(path + ": " + std::generic_category().message(error));
-  }
-  ~InputFile() {
-    if (fd_ >= 0) ::close(fd_);
-  }
-  InputFile(InputFile&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
-  InputFile& operator=(InputFile&& other) noexcept {
-    std::swap(fd_, other.fd_);
-    return *this;
-  }
-
-  bool IsOpen() const { return fd_ >= 0; }
-  int Fd() const { return fd_; }
-
- private:
-  int fd_ = -1;
-};
 
 }  // namespace kvshare::app

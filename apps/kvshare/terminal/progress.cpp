@@ -1,7 +1,5 @@
 #include "apps/kvshare/terminal/progress.h"
 
-#include <unistd.h>
-
 namespace kvshare::app {
 
 using namespace std::chrono_literals;
@@ -10,7 +8,11 @@ namespace {
 
 // Progress is a courtesy: a terminal that refuses it is no reason to stop.
 void WriteQuietly(int fd, std::string_view text) {
-  [[maybe_unused]] const ssize_t n = ::write(fd, text.data(), text.size());
+  try {
+    WriteAll(fd, text, {});
+  } catch (const StreamError&) {
+    return;
+  }
 }
 
 }  // namespace

@@ -1,12 +1,8 @@
 #include "apps/kvshare/terminal/stream.h"
-#include "kvshare/rtl/utf8mark.h"
 
-#include <poll.h>
-#include <unistd.h>
-
-#include <cerrno>
 #include <cstring>
-#include <system_error>
+
+#include "kvshare/rtl/utf8mark.h"
 
 namespace kvshare::app {
 
@@ -14,29 +10,7 @@ namespace {
 
 constexpr std::size_t kBlock = std::size_t{256} << 10;
 
-[[noreturn]] void Throw(const std::string& stream) {
-  if (errno == EPIPE) throw ReaderGone();
-  throw StreamError(stream + ": " + std::generic_category().message(errno));
-}
-
-bool WouldWait(int fd) {
-  pollfd request{fd, POLLIN, 0};
-  return ::poll(&request, 1, 0) == 0;
-}
-
 }  // namespace
-
-bool IsTerminal(int fd) {
-  return ::isatty(fd) != 0;
-}
-
-std::size_t ReadSome(int fd, char* to, std::size_t size) {
-  for (;;) {
-    const ssize_t n = ::read(fd, to, size);
-    if (n >= 0) return static_cast<std::size_t>(n);
-    if (errno != EINTR) Throw("input");
-  }
-}
 
 void BlockWriter::EndLine() {
   buffer_.push_back('\n');
@@ -48,17 +22,11 @@ void BlockWriter::EndBlock() {
 }
 
 void BlockWriter::Flush() {
-  std::size_t done = 0;
-  while (done < buffer_.size()) {
-    const ssize_t n = ::write(fd_, buffer_.data() + done, buffer_.size() - done);
-    if (n >= 0) {
-      done += static_cast<std::size_t>(n);
-    } else if (errno != EINTR) {
-      buffer_.clear();
-      Throw(name_);
-    }
-  }
-  buffer_.clear();
+  std::string bytes;  // emptied when the write fails too
+  bytes.swap(buffer_);
+  WriteAll(fd_, bytes, name_);
+  bytes.clear();
+  bytes.swap(buffer_);
 }
 
 LineReader::LineReader(int fd, std::function<void(bool)> beforeRead)
@@ -88,7 +56,7 @@ LineReader::Result LineReader::Next(std::string_view& line) {
 // Reads the next block behind what is there; false at the end of the input.
 bool LineReader::Fill() {
   MakeRoom();
-  beforeRead_(WouldWait(fd_));
+  beforeRead_(ReadWouldWait(fd_));
   const std::size_t n = ReadSome(fd_, buffer_.data() + end_, buffer_.size() - end_);
   end_ += n;
   if (first_) SkipByteOrderMark();

@@ -3,10 +3,11 @@
 
 #include <cstddef>
 #include <functional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "apps/kvshare/system/descriptors.h"
 
 namespace kvshare::app {
 
@@ -16,23 +17,6 @@ struct Stdio {
   int out = 1;
   int err = 2;
 };
-
-// A read or write that failed: `standard output: No space left on device`.
-class StreamError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
-
-// Whoever read the output has gone, as `head` does: nobody is there to be told.
-class ReaderGone : public StreamError {
- public:
-  ReaderGone() : StreamError("nobody reads the output") {}
-};
-
-bool IsTerminal(int fd);
-
-// Up to `size` bytes; 0 at the end of the input. Throws StreamError.
-std::size_t ReadSome(int fd, char* to, std::size_t size);
 
 // Collects bytes and writes them in blocks. What was not flushed when it is destroyed is lost: only
 // Flush can tell that the disk is full.

@@ -1,7 +1,5 @@
 #include "apps/kvshare/terminal/usage.h"
 
-#include <CLI/CLI.hpp>
-
 #include "apps/receipts/amounts.h"
 #include "kvshare/dates/date.h"
 #include "kvshare/rtl/convert.h"
@@ -11,7 +9,7 @@
 namespace kvshare::app {
 
 void RefuseUsage(std::string_view option, std::string_view reason) {
-  throw CLI::ValidationError(std::string(option), std::string(reason));
+  throw WrongUsage(std::string(option).append(": ").append(reason));
 }
 
 std::string UsageText(std::string_view option, std::string_view utf8) {
@@ -39,11 +37,10 @@ Currency UsageAmount(std::string_view option, std::string_view utf8) {
   }
 }
 
-void AddEra(CLI::App& command, std::string& era) {
+void AddEra(Command command, std::string& era) {
   command
-      .add_option("--era", era,
-                  "Years of the Buddhist era (543) or not (0); default: the machine's")
-      ->type_name("543|0");
+      .AddOption("--era", era, "Years of the Buddhist era (543) or not (0); default: the machine's")
+      .TypeName("543|0");
 }
 
 Word UsageEra(std::string_view era) {

@@ -5,16 +5,13 @@
 #include <string>
 #include <string_view>
 
+#include "apps/kvshare/terminal/commandline.h"
 #include "kvshare/rtl/currency.h"
 #include "kvshare/rtl/types.h"
 
-namespace CLI {
-class App;
-}
-
 namespace kvshare::app {
 
-// Stops with exit status 2.
+// Throws WrongUsage, which ends the command with exit status 2.
 [[noreturn]] void RefuseUsage(std::string_view option, std::string_view reason);
 
 // An option's or operand's value in code page 874, and as an amount. They refuse the usage.
@@ -23,7 +20,7 @@ std::int64_t UsageInteger(std::string_view option, std::string_view utf8);  // d
 Currency UsageAmount(std::string_view option, std::string_view utf8);
 
 // Adds `--era` to a command.
-void AddEra(CLI::App& command, std::string& era);
+void AddEra(Command command, std::string& era);
 
 // The year offset of an era option: 543 or 0, the machine's for "". Refuses the usage.
 Word UsageEra(std::string_view era);

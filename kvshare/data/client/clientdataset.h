@@ -74,7 +74,7 @@ class KVSHARE_API TClientDataSet : public TDataSet {
 
   TFieldDefs& FieldDefs() { return fieldDefs_; }
   const TFieldDefs& FieldDefs() const { return fieldDefs_; }
-  // Beside those of FieldDefs or of the provider, at every opening. EDatabaseError
+  // Beside the fields of FieldDefs or of the provider, at every opening. EDatabaseError
   // `Invalid field size`, as CreateDataSet.
   void AddCalculated(std::string_view name, TFieldType type, int size = 0);
   void AddLookup(std::string_view name, TFieldType type, int size, TLookup lookup);

@@ -6,7 +6,7 @@
 #include "kvshare/data/client/clientdataset.h"
 #include "kvshare/data/client/clientrecords.h"
 #include "kvshare/data/packet/packet.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 
 namespace kvshare {
 

@@ -1,6 +1,7 @@
 // A client dataset and its server: fetching records, applying changes, deciding about what the
 // server refused.
 #include <algorithm>
+#include <array>
 #include <utility>
 
 #include "kvshare/data/client/clientdataset.h"
@@ -8,6 +9,7 @@
 #include "kvshare/data/client/provider.h"
 #include "kvshare/data/client/resolver.h"
 #include "kvshare/data/contract/errors.h"
+#include "kvshare/rtl/ascii.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/strutils.h"
 
@@ -28,7 +30,7 @@ namespace {
 constexpr TProviderFlags kNowhere{.pfInUpdate = false, .pfInWhere = false, .pfInKey = false};
 
 constexpr bool IsPlain(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+  return IsLatinLetter(c) || IsDigit(c) || c == '_';
 }
 
 data::ColumnKind KindOf(TFieldForm form) {
@@ -37,9 +39,17 @@ data::ColumnKind KindOf(TFieldForm form) {
       return data::ColumnKind::Text;
     case TFieldForm::Decimal:
       return data::ColumnKind::Decimal;
-    default:
-      return data::ColumnKind::Integer;
+    case TFieldForm::None:
+    case TFieldForm::Integer:
+    case TFieldForm::Real:
+    case TFieldForm::Boolean:
+    case TFieldForm::Date:
+    case TFieldForm::Time:
+    case TFieldForm::Moment:
+    case TFieldForm::Bytes:
+      break;
   }
+  return data::ColumnKind::Integer;
 }
 
 bool Contains(const std::vector<std::string>& names, std::string_view name) {
@@ -47,14 +57,9 @@ bool Contains(const std::vector<std::string>& names, std::string_view name) {
 }
 
 bool IsComparable(TFieldType type) {
-  switch (type) {
-    case TFieldType::ftMemo:
-    case TFieldType::ftFmtMemo:
-    case TFieldType::ftOraClob:
-      return false;
-    default:
-      return FormOf(type) != TFieldForm::Bytes;
-  }
+  constexpr std::array kLongTexts = {ftMemo, ftFmtMemo, ftOraClob};
+  return FormOf(type) != TFieldForm::Bytes &&
+         std::ranges::find(kLongTexts, type) == kLongTexts.end();
 }
 
 }  // namespace
@@ -151,8 +156,8 @@ void TClientDataSet::TakeWritten(data::Written& written) {
   table.Accept(written.row);
 }
 
-// What the server has of a record, and of columns that are none of its table what the record has.
-// Its types may differ from those of the fields that a program has declared.
+// What the server has of a record, and of columns that its table does not have what the record has.
+// Its types may differ from the types of the fields that a program has declared.
 Record TClientDataSet::RecordOf(const TDataSet& server, std::uint32_t row) const {
   const data::RecordTable& table = records_->Table();
   const Record* original = table.Original(row);

@@ -24,9 +24,11 @@ TUpdateKind KindOf(TUpdateStatus status) {
       return TUpdateKind::ukInsert;
     case TUpdateStatus::usDeleted:
       return TUpdateKind::ukDelete;
-    default:
-      return TUpdateKind::ukModify;
+    case TUpdateStatus::usModified:
+    case TUpdateStatus::usUnmodified:
+      break;
   }
+  return TUpdateKind::ukModify;
 }
 
 bool IsTooMany(std::size_t refused, int maxErrors) {
@@ -188,9 +190,11 @@ bool Resolver::MakeStatement(RowId row) {
     case TUpdateStatus::usDeleted:
       sql_.Delete(*table_.Original(row));
       return true;
-    default:
-      return sql_.Update(*table_.Original(row), table_.At(row));
+    case TUpdateStatus::usModified:
+    case TUpdateStatus::usUnmodified:
+      break;
   }
+  return sql_.Update(*table_.Original(row), table_.At(row));
 }
 
 void Resolver::RunStatement(RowId row) {

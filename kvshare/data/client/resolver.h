@@ -1,4 +1,11 @@
 // Writes the changes of a client dataset into a server's table, and notices who was there first.
+//
+// Every UPDATE and DELETE names in its WHERE the values that the record had when it was read: the
+// number of rows that it reaches tells that the record is still as it was (1), that somebody has
+// changed or deleted it (0), or that its keys do not tell it from others (more). All changes are
+// one transaction. Where a refused statement would end that transaction on the server, each change
+// has a savepoint of its own. A change that reached several records has already written into them:
+// the attempt is undone and begins again without it.
 // Internal header.
 #pragma once
 

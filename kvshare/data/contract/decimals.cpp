@@ -13,10 +13,6 @@ namespace kvshare::data {
 
 namespace {
 
-constexpr bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
 constexpr int kMostExponent = 400;
 
 // [sign]digits behind the E; nothing for another text and past kMostExponent.
@@ -30,7 +26,7 @@ std::optional<int> ExponentOf(std::string_view text) {
   return sound ? std::optional(exponent) : std::nullopt;
 }
 
-std::strong_ordering CompareMagnitudes(const DecimalDigits& a, const DecimalDigits& b) {
+std::strong_ordering CompareMagnitudes(const DecimalText& a, const DecimalText& b) {
   if (a.whole.size() != b.whole.size()) return a.whole.size() <=> b.whole.size();
   if (const auto order = a.whole <=> b.whole; std::is_neq(order)) return order;
   return a.decimals <=> b.decimals;
@@ -56,28 +52,9 @@ void AppendWithPoint(std::string& out, bool negative, std::string_view digits, i
 
 }  // namespace
 
-std::optional<DecimalDigits> DigitsOf(std::string_view text) {
-  DecimalDigits digits;
-  const char* at = text.data();
-  const char* end = at + text.size();
-  if (at != end && *at == '-') {
-    digits.negative = true;
-    ++at;
-  }
-  const char* const first = at;
-  while (at != end && IsDigit(*at)) ++at;
-  const char* const point = at;
-  if (at != end && *at == '.') ++at;
-  const char* const decimals = at;
-  while (at != end && IsDigit(*at)) ++at;
-  if (at != end || (first == point && decimals == end)) return std::nullopt;
-  const char* begin = first;
-  while (begin != point && *begin == '0') ++begin;
-  while (end != decimals && end[-1] == '0') --end;
-  digits.whole = {begin, point};
-  digits.decimals = {decimals, end};
-  digits.negative = digits.negative && (begin != point || decimals != end);
-  return digits;
+std::optional<DecimalText> DigitsOf(std::string_view text) {
+  const auto digits = SplitDecimal(text);
+  return digits ? std::optional(WithoutZeros(*digits)) : std::nullopt;
 }
 
 bool AppendShortest(std::string& out, std::string_view text, char decimalSeparator) {

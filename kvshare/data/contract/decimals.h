@@ -7,16 +7,12 @@
 #include <string>
 #include <string_view>
 
+#include "kvshare/rtl/decimaltext.h"
+
 namespace kvshare::data {
 
-// Such a text taken apart, without the zeros that say nothing: of -0012.3400 they are 12 and 34, of
-// zero there are no digits and no sign.
-struct DecimalDigits {
-  bool negative = false;
-  std::string_view whole;
-  std::string_view decimals;
-};
-std::optional<DecimalDigits> DigitsOf(std::string_view text);  // nothing for another text
+// Such a text taken apart, without zeros (WithoutZeros). Nothing for another text.
+std::optional<DecimalText> DigitsOf(std::string_view text);
 
 // The text without these zeros, its point as `decimalSeparator`: of two equal decimals the texts
 // are equal. False, and nothing appended, for another text.

@@ -233,7 +233,7 @@ class KVSHARE_API Connection {
   // server does not tell are missing.
   virtual std::vector<std::string> FilledColumns(std::string_view /*table*/) { return {}; }
 
-  // Whether an insert with `returning` and columns behind it gives those of the new row.
+  // Whether an insert with `returning` and columns behind it gives these columns of the new row.
   virtual bool InsertReturns() const { return false; }
 
   // How long a statement waits for what another connection has locked before it fails as Busy;

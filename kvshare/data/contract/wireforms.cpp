@@ -1,6 +1,7 @@
 #include "kvshare/data/contract/wireforms.h"
 
 #include "kvshare/data/contract/decimals.h"
+#include "kvshare/rtl/ascii.h"
 #include "kvshare/rtl/digits.h"
 #include "kvshare/rtl/types.h"
 
@@ -8,13 +9,9 @@ namespace kvshare::data {
 
 namespace {
 
-constexpr bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
 // The digits times 10^places, rounded half to even, where Int has room for all of them.
 template <typename Int>
-Int Magnitude(const DecimalDigits& digits, std::size_t places) {
+Int Magnitude(const DecimalText& digits, std::size_t places) {
   Int value = 0;
   for (const char c : digits.whole) value = value * 10 + (c - '0');
   for (std::size_t i = 0; i < places; ++i) {
@@ -29,7 +26,7 @@ Int Magnitude(const DecimalDigits& digits, std::size_t places) {
 }
 
 // Nothing for numbers that are far past every range that is asked for.
-std::optional<Int128> Scaled(const DecimalDigits& digits, std::size_t places) {
+std::optional<Int128> Scaled(const DecimalText& digits, std::size_t places) {
   constexpr std::size_t kDigitsOfInt64 = 18;
   constexpr std::size_t kMostDigits = 30;
   const std::size_t count = digits.whole.size() + places;

@@ -4,16 +4,13 @@
 #include <utility>
 
 #include "kvshare/data/contract/errors.h"
+#include "kvshare/rtl/ascii.h"
 #include "kvshare/rtl/formatsettings.h"
 #include "kvshare/rtl/strutils.h"
 
 namespace kvshare {
 
 namespace {
-
-constexpr bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
 
 // Consonants, vowels and marks, with the two signs that words end in; neither the baht sign nor
 // digits and section marks.

@@ -28,9 +28,16 @@ std::string_view KindOf(TFieldForm form) {
       return "time";
     case TFieldForm::Moment:
       return "date and time";
-    default:
-      return "floating point";
+    case TFieldForm::None:
+    case TFieldForm::Text:
+    case TFieldForm::Integer:
+    case TFieldForm::Real:
+    case TFieldForm::Decimal:
+    case TFieldForm::Boolean:
+    case TFieldForm::Bytes:
+      break;
   }
+  return "floating point";
 }
 
 constexpr double kLeastAmount = -922337203685477.5808;
@@ -134,7 +141,7 @@ std::string_view TField::Digits() const {
   return digits;
 }
 
-// `least` and `most` are those of an error; they lie within 64 bits.
+// `least` and `most` stand in the error's text; they lie within 64 bits.
 std::int64_t TField::WholeOfReal(double value, double least, double most) const {
   const double whole = std::nearbyint(value);
   if (!(whole >= -kTwoTo63 && whole < kTwoTo63)) RefuseRange(value, least, most);
@@ -183,9 +190,13 @@ double TField::AsFloat() const {
     case TFieldForm::Time:
     case TFieldForm::Moment:
       return AsDateTime().Days();
-    default:
-      RefuseType("Float");
+    case TFieldForm::None:
+    case TFieldForm::Text:
+    case TFieldForm::Boolean:
+    case TFieldForm::Bytes:
+      break;
   }
+  RefuseType("Float");
 }
 
 Currency TField::DecimalAsCurrency(std::string_view digits) const {

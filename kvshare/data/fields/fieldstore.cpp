@@ -166,21 +166,14 @@ void TField::StoreTypedDecimal(std::string_view text) {
 }
 
 void TField::StoreTypedMoment(std::string_view text) {
-  switch (def_.DataType) {
-    case TFieldType::ftDate:
-      return StoreMoment(StrToDate(text));
-    case TFieldType::ftTime:
-      return StoreMoment(StrToTime(text));
-    case TFieldType::ftTimeStamp: {
-      TDateTime moment;
-      if (!TryStrToDateTime(text, moment)) {
-        throw EConvertError("Could not parse SQL TimeStamp string");
-      }
-      return StoreMoment(moment);
-    }
-    default:
-      return StoreMoment(StrToDateTime(text));
+  if (form_ == TFieldForm::Date) return StoreMoment(StrToDate(text));
+  if (form_ == TFieldForm::Time) return StoreMoment(StrToTime(text));
+  if (def_.DataType != ftTimeStamp) return StoreMoment(StrToDateTime(text));
+  TDateTime moment;
+  if (!TryStrToDateTime(text, moment)) {
+    throw EConvertError("Could not parse SQL TimeStamp string");
   }
+  StoreMoment(moment);
 }
 
 void TField::SetAsString(std::string_view text) {
@@ -203,7 +196,12 @@ void TField::SetAsString(std::string_view text) {
     case TFieldForm::Boolean:
       if (!SameText(text, "True") && !SameText(text, "False")) RefuseText(text, "boolean");
       return Store(Cell::Of(std::int64_t{SameText(text, "True")}));
-    default:
+    case TFieldForm::None:
+    case TFieldForm::Text:
+    case TFieldForm::Date:
+    case TFieldForm::Time:
+    case TFieldForm::Moment:
+    case TFieldForm::Bytes:
       return StoreTypedMoment(text);
   }
 }
@@ -218,7 +216,12 @@ void TField::SetAsInteger(std::int64_t value) {
       return StoreDecimal(IntToStr(value));
     case TFieldForm::Text:
       return StoreText(IntToStr(value));
-    default:
+    case TFieldForm::None:
+    case TFieldForm::Boolean:
+    case TFieldForm::Date:
+    case TFieldForm::Time:
+    case TFieldForm::Moment:
+    case TFieldForm::Bytes:
       RefuseType("Integer");
   }
 }
@@ -234,7 +237,12 @@ void TField::SetAsFloat(double value) {
       return StoreDecimal(data::DigitsOfReal(value));
     case TFieldForm::Text:
       return StoreText(FloatToStr(value));
-    default:
+    case TFieldForm::None:
+    case TFieldForm::Boolean:
+    case TFieldForm::Date:
+    case TFieldForm::Time:
+    case TFieldForm::Moment:
+    case TFieldForm::Bytes:
       RefuseType("Float");
   }
 }
@@ -251,7 +259,12 @@ void TField::SetAsCurrency(Currency amount) {
       return StoreDecimal(data::DigitsOfCurrency(amount));
     case TFieldForm::Text:
       return StoreText(CurrToStr(amount));
-    default:
+    case TFieldForm::None:
+    case TFieldForm::Boolean:
+    case TFieldForm::Date:
+    case TFieldForm::Time:
+    case TFieldForm::Moment:
+    case TFieldForm::Bytes:
       RefuseType("Currency");
   }
 }
@@ -300,7 +313,9 @@ void TField::StoreVariant(const Variant& value) {
     case TFieldForm::Time:
     case TFieldForm::Moment:
       return StoreMoment(Fit(value, &Variant::AsDateTime));
-    default:
+    case TFieldForm::None:
+    case TFieldForm::Text:
+    case TFieldForm::Bytes:
       return SetAsString(value.AsString());
   }
 }

@@ -236,7 +236,7 @@ std::optional<TMaskedText::Typed> TMaskedText::BySeparators(std::string_view lin
 }
 
 // Two digits beside the separator of a date or time: a number, to which a zero in front adds
-// nothing. A year in four digits is none: 67 may be 2567 or 1967.
+// nothing. A year in four digits is no such part: 67 may be 2567 or 1967.
 bool TMaskedText::IsPairOfDate(Group group) const {
   const auto places = mask_.Places();
   const bool digits = group.end - group.begin == 2 &&

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <limits>
+#include <span>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -16,47 +17,11 @@ namespace {
 
 using enum TFieldType;
 
-struct TypeRow {
-  TFieldType type;
-  std::string_view fieldtype;
-  std::string_view subtype;
-};
-
-// A type is written as its first row says. What is read is the first row of its words; a subtype
-// that no row has is as none.
-constexpr TypeRow kTypes[] = {
-    {ftString, "string", ""},
-    {ftFixedChar, "string", "FixedChar"},
-    {ftGuid, "string", "Guid"},
-    {ftWideString, "string.uni", ""},
-    {ftSmallint, "i2", ""},
-    {ftWord, "ui2", ""},
-    {ftInteger, "i4", ""},
-    {ftAutoInc, "i4", "Autoinc"},
-    {ftLargeint, "i8", ""},
-    {ftSmallint, "i1", ""},
-    {ftWord, "ui1", ""},
-    {ftLargeint, "ui4", ""},
-    {ftFloat, "r8", ""},
-    {ftCurrency, "r8", "Money"},
-    {ftBCD, "fixed", ""},
-    {ftFMTBcd, "fixedFMT", ""},
-    {ftBoolean, "boolean", ""},
-    {ftDate, "date", ""},
-    {ftTime, "time", ""},
-    {ftDateTime, "dateTime", ""},
-    {ftTimeStamp, "SQLdateTime", ""},
-    {ftMemo, "bin.hex", "Text"},
-    {ftFmtMemo, "bin.hex", "Formatted"},
-    {ftBlob, "bin.hex", "Binary"},
-    {ftGraphic, "bin.hex", "Graphics"},
-    {ftBytes, "bin.hex", ""},
-    {ftVarBytes, "bin.hex", ""},
-    {ftOraClob, "bin.hex", "Text"},
-    {ftOraBlob, "bin.hex", "Binary"},
-    {ftTypedBinary, "bin.hex", "Binary"},
-    {ftParadoxOle, "bin.hex", "Binary"},
-    {ftDBaseOle, "bin.hex", "Binary"},
+// What other writers send besides the words of kFieldTypes.
+constexpr TFieldTypeRow kOnlyRead[] = {
+    {ftSmallint, TFieldForm::Integer, "i1", ""},
+    {ftWord, TFieldForm::Integer, "ui1", ""},
+    {ftLargeint, TFieldForm::Integer, "ui4", ""},
 };
 
 struct RangeRow {
@@ -77,12 +42,16 @@ constexpr RangeRow kRanges[] = {
 constexpr int kBytesOfWideLetter = 2;
 constexpr std::string_view kCalculated = "internalcalc";  // ours: other readers ignore it
 
-const TypeRow* FindType(std::string_view fieldtype, std::string_view subtype) {
-  const TypeRow* plain = nullptr;
-  for (const TypeRow& row : kTypes) {
-    if (!SameText(row.fieldtype, fieldtype)) continue;
-    if (SameText(row.subtype, subtype)) return &row;
-    if (row.subtype.empty() && plain == nullptr) plain = &row;
+// The row of the two words; of the first word alone where no row has the second.
+const TFieldTypeRow* FindType(std::string_view fieldtype, std::string_view subtype) {
+  const TFieldTypeRow* plain = nullptr;
+  for (const std::span<const TFieldTypeRow> rows :
+       {std::span<const TFieldTypeRow>(kFieldTypes), std::span<const TFieldTypeRow>(kOnlyRead)}) {
+    for (const TFieldTypeRow& row : rows) {
+      if (row.PacketType.empty() || !SameText(row.PacketType, fieldtype)) continue;
+      if (SameText(row.PacketSubtype, subtype)) return &row;
+      if (row.PacketSubtype.empty() && plain == nullptr) plain = &row;
+    }
   }
   return plain;
 }
@@ -119,7 +88,13 @@ void ReadSizes(TFieldDef& def, const PacketNode& field) {
       def.Size = width;
       if (def.DataType == ftBytes && width == 0) def.DataType = ftBlob;
       break;
-    default:
+    case TFieldForm::None:
+    case TFieldForm::Integer:
+    case TFieldForm::Real:
+    case TFieldForm::Boolean:
+    case TFieldForm::Date:
+    case TFieldForm::Time:
+    case TFieldForm::Moment:
       break;
   }
 }
@@ -144,18 +119,18 @@ bool IsNameLetter(unsigned char c) {
 }
 
 PacketNode NewNode(const TFieldDef& def, std::string attribute) {
-  const TypeRow* type = std::ranges::find(kTypes, def.DataType, &TypeRow::type);
-  if (type == std::end(kTypes)) {
+  const TFieldTypeRow& type = kFieldTypes[static_cast<std::size_t>(def.DataType)];
+  if (type.PacketType.empty()) {
     throw EDBClient(Format("Field '%s' is of a type that a data packet cannot hold", {def.Name}),
                     0);
   }
   PacketNode field{"FIELD", {}, {}, 0};
   field.Set("attrname", std::move(attribute));
   if (field.attributes.front().second != def.Name) field.Set("fieldname", def.Name);
-  field.Set("fieldtype", std::string(type->fieldtype));
+  field.Set("fieldtype", std::string(type.PacketType));
   if (def.Required) field.Set("required", "true");
   if (def.Kind == TFieldKind::fkInternalCalc) field.Set(kCalculated, "true");
-  if (!type->subtype.empty()) field.Set("SUBTYPE", std::string(type->subtype));
+  if (!type.PacketSubtype.empty()) field.Set("SUBTYPE", std::string(type.PacketSubtype));
   const bool decimal = FormOf(def.DataType) == TFieldForm::Decimal && def.DataType != ftCurrency;
   if (decimal && def.Size > 0) field.Set("DECIMALS", std::to_string(def.Size));
   int width = decimal ? def.Precision : def.Size;
@@ -190,17 +165,17 @@ PacketColumn ColumnOf(const PacketNode& field) {
     throw PacketError(field.line, "a field without a name");
   }
   const std::string_view fieldtype = TextOf(field, "fieldtype");
-  const TypeRow* type = FindType(fieldtype, TextOf(field, "SUBTYPE"));
+  const TFieldTypeRow* type = FindType(fieldtype, TextOf(field, "SUBTYPE"));
   if (type == nullptr) {
     throw PacketError(field.line, "field " + Shown(column.def.Name) + " has the type " +
                                       Shown(fieldtype) + ", which is not known");
   }
-  column.def.DataType = type->type;
+  column.def.DataType = type->Type;
   column.def.Required = SameText(TextOf(field, "required"), "true");
   if (SameText(TextOf(field, kCalculated), "true")) column.def.Kind = TFieldKind::fkInternalCalc;
   ReadSizes(column.def, field);
   column.form = FormOf(column.def.DataType);
-  const auto range = std::ranges::find(kRanges, type->fieldtype, &RangeRow::fieldtype);
+  const auto range = std::ranges::find(kRanges, type->PacketType, &RangeRow::fieldtype);
   if (range != std::end(kRanges)) {
     column.least = range->least;
     column.most = range->most;

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kPerChange = 3;  // row, the row before it, kind
 
-// What the log tells of a row of the packet. Rows count from 1, 0 is none.
+// What the log says of a row of the packet. Rows count from 1, 0 is no row.
 struct Link {
   std::size_t earlier = 0;  // the row that it took the place of
   std::size_t later = 0;
@@ -258,8 +258,10 @@ std::string ChangeLogOf(const RecordTable& table) {
         return append(place, place - 1, RowState::kModified);
       case TUpdateStatus::usInserted:
         return append(place, 0, RowState::kInserted);
-      default:
+      case TUpdateStatus::usDeleted:
         return append(place, 0, RowState::kDeleted);
+      case TUpdateStatus::usUnmodified:
+        return;
     }
   });
   return log;

@@ -1,3 +1,4 @@
+// A packet from its XML: fields, rows, the log of changes.
 #include <algorithm>
 #include <charconv>
 #include <cstring>
@@ -104,7 +105,7 @@ class RowReader {
     const char* end = text.data() + text.size();
     const auto [last, error] = std::from_chars(text.data(), end, state);
     if (error != std::errc() || last != end || state > 0xFF) {
-      throw PacketError(0, "RowState " + Shown(text) + " is none");
+      throw PacketError(0, "there is no RowState " + Shown(text));
     }
     return state;
   }

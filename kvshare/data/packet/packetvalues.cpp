@@ -8,17 +8,14 @@
 
 #include "kvshare/data/contract/decimals.h"
 #include "kvshare/data/packet/base64.h"
+#include "kvshare/rtl/ascii.h"
 #include "kvshare/rtl/calendar.h"
 
 namespace kvshare::data {
 
 namespace {
 
-constexpr bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-
-// The number that `count` digits at `text` are, -1 where they are none.
+// The number that `count` digits at `text` are, -1 where one is no digit.
 constexpr int Number(const char* text, int count) {
   int value = 0;
   for (int i = 0; i < count; ++i) {
@@ -35,7 +32,7 @@ constexpr std::size_t kDateRoom = 10;     // yyyy-mm-dd
 constexpr std::size_t kTimeRoom = 12;     // hh:mm:ss.fff
 constexpr std::size_t kMomentRoom = kDateRoom + 1 + kTimeRoom;
 
-// Each writes at `out` and gives the bytes written, 0 for what is none.
+// Each writes at `out` and gives the bytes written, 0 for what is no such value.
 
 std::size_t PutDate(char* out, std::string_view text) {
   if (text.size() != kDate) return 0;
@@ -200,7 +197,8 @@ bool PutPacketValue(RecordBuffer& buffer, int at, const PacketColumn& column, st
     case TFieldForm::Moment:
       size = PutMoment(room, text);
       break;
-    default:
+    case TFieldForm::None:
+    case TFieldForm::Text:
       return false;
   }
   return size != 0 && put(std::string_view(room, size));
@@ -223,9 +221,11 @@ std::string_view KindOfValue(const PacketColumn& column) {
       return "a moment yyyymmddThh:mm:ssfff";
     case TFieldForm::Bytes:
       return "base64";
-    default:
-      return "a text";
+    case TFieldForm::None:
+    case TFieldForm::Text:
+      break;
   }
+  return "a text";
 }
 
 void AppendEscaped(std::string& out, std::string_view text) {
@@ -267,9 +267,10 @@ bool AppendPacketValue(std::string& out, TFieldForm form, const Cell& value) {
       return AppendTime(out, value.text);
     case TFieldForm::Moment:
       return AppendMoment(out, value.text);
-    default:
-      return false;
+    case TFieldForm::None:
+      break;
   }
+  return false;
 }
 
 }  // namespace kvshare::data

@@ -1,3 +1,4 @@
+// The XML of a packet.
 #include <algorithm>
 
 #include "kvshare/data/packet/packet.h"

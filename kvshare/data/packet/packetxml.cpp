@@ -70,7 +70,7 @@ Coding CodingOf(std::string_view packet) {
   return Coding::Other;
 }
 
-// The letters of the bytes for a parser that has not been told an encoding that it knows.
+// The letters of the bytes for a parser that does not know the encoding by its name.
 int XMLCALL LettersOfCodePage(void* /*data*/, const XML_Char* name, XML_Encoding* encoding) {
   if (!SameText(name, "windows-874")) return XML_STATUS_ERROR;
   for (unsigned byte = 0; byte < 256; ++byte) {
@@ -295,7 +295,7 @@ void ReadPacketXml(std::string_view packet, PacketHandler& handler) {
   if (Reader(coding, ascii, handler).Read(packet, lines)) return;
   handler.Restart();
   if (Reader(coding, ascii, handler).Read(WithoutControls(packet), lines)) return;
-  throw PacketError(0, "a reference to a letter that there is none of");
+  throw PacketError(0, "a reference to a letter that does not exist");
 }
 
 }  // namespace kvshare::data

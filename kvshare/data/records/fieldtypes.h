@@ -1,8 +1,12 @@
 // The types of fields, numbered as the platform numbers them.
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <string>
+#include <string_view>
 
 namespace kvshare {
 
@@ -62,71 +66,107 @@ enum class TFieldForm : std::uint8_t {
   Bytes,    // as they are
 };
 
-constexpr TFieldForm FormOf(TFieldType type) {
-  using enum TFieldType;
-  switch (type) {
-    case ftString:
-    case ftMemo:
-    case ftFmtMemo:
-    case ftFixedChar:
-    case ftWideString:
-    case ftOraClob:
-    case ftGuid:
-      return TFieldForm::Text;
-    case ftSmallint:
-    case ftInteger:
-    case ftWord:
-    case ftAutoInc:
-    case ftLargeint:
-      return TFieldForm::Integer;
-    case ftFloat:
-      return TFieldForm::Real;
-    case ftCurrency:
-    case ftBCD:
-    case ftFMTBcd:
-      return TFieldForm::Decimal;
-    case ftBoolean:
-      return TFieldForm::Boolean;
-    case ftDate:
-      return TFieldForm::Date;
-    case ftTime:
-      return TFieldForm::Time;
-    case ftDateTime:
-    case ftTimeStamp:
-      return TFieldForm::Moment;
-    case ftBytes:
-    case ftVarBytes:
-    case ftBlob:
-    case ftGraphic:
-    case ftParadoxOle:
-    case ftDBaseOle:
-    case ftTypedBinary:
-    case ftOraBlob:
-      return TFieldForm::Bytes;
-    default:
-      return TFieldForm::None;
+// How a type's values are read, and the words by which a saved packet names the type. A type whose
+// words another type has too is read back as the first one of them; one without words has no
+// values.
+struct TFieldTypeRow {
+  TFieldType Type;
+  TFieldForm Form;
+  std::string_view PacketType;
+  std::string_view PacketSubtype;
+};
+
+// One row a type, in the order of their numbers. What else depends on a type or a form is a switch
+// without `default:`, so that the compiler names every place that a new one touches.
+inline constexpr TFieldTypeRow kFieldTypes[] = {
+    {ftUnknown, TFieldForm::None, "", ""},
+    {ftString, TFieldForm::Text, "string", ""},
+    {ftSmallint, TFieldForm::Integer, "i2", ""},
+    {ftInteger, TFieldForm::Integer, "i4", ""},
+    {ftWord, TFieldForm::Integer, "ui2", ""},
+    {ftBoolean, TFieldForm::Boolean, "boolean", ""},
+    {ftFloat, TFieldForm::Real, "r8", ""},
+    {ftCurrency, TFieldForm::Decimal, "r8", "Money"},
+    {ftBCD, TFieldForm::Decimal, "fixed", ""},
+    {ftDate, TFieldForm::Date, "date", ""},
+    {ftTime, TFieldForm::Time, "time", ""},
+    {ftDateTime, TFieldForm::Moment, "dateTime", ""},
+    {ftBytes, TFieldForm::Bytes, "bin.hex", ""},
+    {ftVarBytes, TFieldForm::Bytes, "bin.hex", ""},
+    {ftAutoInc, TFieldForm::Integer, "i4", "Autoinc"},
+    {ftBlob, TFieldForm::Bytes, "bin.hex", "Binary"},
+    {ftMemo, TFieldForm::Text, "bin.hex", "Text"},
+    {ftGraphic, TFieldForm::Bytes, "bin.hex", "Graphics"},
+    {ftFmtMemo, TFieldForm::Text, "bin.hex", "Formatted"},
+    {ftParadoxOle, TFieldForm::Bytes, "bin.hex", "Binary"},
+    {ftDBaseOle, TFieldForm::Bytes, "bin.hex", "Binary"},
+    {ftTypedBinary, TFieldForm::Bytes, "bin.hex", "Binary"},
+    {ftCursor, TFieldForm::None, "", ""},
+    {ftFixedChar, TFieldForm::Text, "string", "FixedChar"},
+    {ftWideString, TFieldForm::Text, "string.uni", ""},
+    {ftLargeint, TFieldForm::Integer, "i8", ""},
+    {ftADT, TFieldForm::None, "", ""},
+    {ftArray, TFieldForm::None, "", ""},
+    {ftReference, TFieldForm::None, "", ""},
+    {ftDataSet, TFieldForm::None, "", ""},
+    {ftOraBlob, TFieldForm::Bytes, "bin.hex", "Binary"},
+    {ftOraClob, TFieldForm::Text, "bin.hex", "Text"},
+    {ftVariant, TFieldForm::None, "", ""},
+    {ftInterface, TFieldForm::None, "", ""},
+    {ftIDispatch, TFieldForm::None, "", ""},
+    {ftGuid, TFieldForm::Text, "string", "Guid"},
+    {ftTimeStamp, TFieldForm::Moment, "SQLdateTime", ""},
+    {ftFMTBcd, TFieldForm::Decimal, "fixedFMT", ""},
+};
+
+constexpr bool FieldTypesAreInOrder() {
+  std::size_t number = 0;
+  for (const TFieldTypeRow& row : kFieldTypes) {
+    if (static_cast<std::size_t>(row.Type) != number++) return false;
   }
+  return number == static_cast<std::size_t>(ftFMTBcd) + 1;
+}
+static_assert(FieldTypesAreInOrder(), "kFieldTypes is read by the number of the type");
+
+constexpr TFieldForm FormOf(TFieldType type) {
+  const auto number = static_cast<std::size_t>(type);
+  return number < std::size(kFieldTypes) ? kFieldTypes[number].Form : TFieldForm::None;
 }
 
-// The whole numbers that a type of the form Integer holds.
 struct TWholeRange {
   std::int64_t Least;
   std::int64_t Most;
   constexpr bool Has(std::int64_t value) const { return value >= Least && value <= Most; }
 };
 
+struct TWholeRangeRow {
+  TFieldType Type;
+  TWholeRange Range;
+};
+inline constexpr TWholeRangeRow kWholeRanges[] = {
+    {ftSmallint, {INT16_MIN, INT16_MAX}},
+    {ftInteger, {INT32_MIN, INT32_MAX}},
+    {ftWord, {0, UINT16_MAX}},
+    {ftAutoInc, {INT32_MIN, INT32_MAX}},
+    {ftLargeint, {INT64_MIN, INT64_MAX}},
+};
+
+constexpr bool HasWholeRange(TFieldType type) {
+  return std::ranges::find(kWholeRanges, type, &TWholeRangeRow::Type) != std::end(kWholeRanges);
+}
+static_assert(std::ranges::all_of(kFieldTypes,
+                                  [](const TFieldTypeRow& row) {
+                                    return (row.Form == TFieldForm::Integer) ==
+                                           HasWholeRange(row.Type);
+                                  }),
+              "a type of whole numbers has its row in kWholeRanges");
+
+// The whole numbers that a type of the form Integer holds; for other types the range of 64 bits.
 constexpr TWholeRange WholeRangeOf(TFieldType type) {
-  switch (type) {
-    case TFieldType::ftSmallint:
-      return {INT16_MIN, INT16_MAX};
-    case TFieldType::ftWord:
-      return {0, UINT16_MAX};
-    case TFieldType::ftInteger:
-    case TFieldType::ftAutoInc:
-      return {INT32_MIN, INT32_MAX};
-    default:
-      return {INT64_MIN, INT64_MAX};
+  for (const TWholeRangeRow& row : kWholeRanges) {
+    if (row.Type == type) return row.Range;
   }
+  return {INT64_MIN, INT64_MAX};
 }
 
 constexpr bool IsNumeric(TFieldType type) {

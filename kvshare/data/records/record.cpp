@@ -71,7 +71,12 @@ void PutCell(RecordBuffer& out, int at, const TRecordReader& reader, int column,
       case TFieldForm::Moment:
         if (cell.text.ends_with(kNoMilliseconds)) cell.text.remove_suffix(kNoMilliseconds.size());
         break;
-      default:
+      case TFieldForm::None:
+      case TFieldForm::Integer:
+      case TFieldForm::Real:
+      case TFieldForm::Boolean:
+      case TFieldForm::Date:
+      case TFieldForm::Bytes:
         break;
     }
   }
@@ -100,9 +105,14 @@ ParameterValue WireValueOf(const Cell& cell, TFieldForm form) {
       return Moment{ColumnKind::Time, std::string(cell.text)};
     case TFieldForm::Moment:
       return Moment{ColumnKind::TimeStamp, std::string(cell.text)};
-    default:
-      return Cp874ToUtf8(cell.text);
+    case TFieldForm::None:
+    case TFieldForm::Text:
+    case TFieldForm::Integer:
+    case TFieldForm::Real:
+    case TFieldForm::Boolean:
+      break;
   }
+  return Cp874ToUtf8(cell.text);
 }
 
 RecordLayout::RecordLayout(std::vector<TFieldForm> forms) : forms_(std::move(forms)) {

@@ -29,9 +29,15 @@ constexpr CellKind CellKindOf(TFieldForm form) {
       return CellKind::Integer;
     case TFieldForm::Real:
       return CellKind::Real;
-    default:
-      return CellKind::Text;
+    case TFieldForm::Text:
+    case TFieldForm::Decimal:
+    case TFieldForm::Date:
+    case TFieldForm::Time:
+    case TFieldForm::Moment:
+    case TFieldForm::Bytes:
+      break;
   }
+  return CellKind::Text;
 }
 
 // A value on its way; it does not own its text.

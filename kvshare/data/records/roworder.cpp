@@ -25,10 +25,12 @@ std::weak_ordering Compare(const Cell& a, const Cell& b, TFieldForm form) {
       return a.integer <=> b.integer;
     case CellKind::Real:
       return CompareReals(a.real, b.real);
-    default:
-      if (form == TFieldForm::Decimal) return CompareDecimals(a.text, b.text);
-      return a.text <=> b.text;  // dates too: theirs are in the order of time
+    case CellKind::Null:
+    case CellKind::Text:
+      break;
   }
+  if (form == TFieldForm::Decimal) return CompareDecimals(a.text, b.text);
+  return a.text <=> b.text;  // dates too: theirs are in the order of time
 }
 
 bool RowOrder::Less(RowId a, RowId b) const {

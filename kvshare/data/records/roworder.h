@@ -1,4 +1,9 @@
 // The rows of a table that are in view, in their order.
+//
+// One vector of row numbers, without an index beside it. A sorted order finds a row by bisection on
+// its values, so a row has to be looked up before its record changes (StandingOf) and is put back
+// after it (Renew). An order without columns finds a row by its number, by bisection as long as
+// nothing was inserted between others.
 // Internal header.
 #pragma once
 

@@ -13,7 +13,7 @@ namespace kvshare {
 enum class TUpdateStatus : std::uint8_t { usUnmodified, usModified, usInserted, usDeleted };
 using enum TUpdateStatus;
 
-// Which records are in view: all that are there, or those of the named statuses, deleted ones too.
+// Which records are in view: all that are there, or all of the named statuses, deleted ones too.
 // usUnmodified has no effect.
 struct TUpdateStatusSet {
   bool usModified = false;

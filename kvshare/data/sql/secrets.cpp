@@ -41,8 +41,8 @@ std::string LowerLetters(std::string_view name) {
   return letters;
 }
 
-// Behind the quote that closes what begins at `from`; a doubled one is none. The end of the text
-// where none does.
+// Behind the quote that closes what begins at `from`; a doubled one does not close it. The end of
+// the text where none does.
 std::size_t BehindQuoted(std::string_view text, std::size_t from) {
   const char close = text[from] == '{' ? '}' : text[from];
   for (std::size_t i = from + 1; i < text.size(); ++i) {

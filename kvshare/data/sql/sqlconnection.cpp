@@ -77,11 +77,7 @@ void PutBetweenMarks(TStrings& names, std::string_view quotedByServer) {
 std::vector<std::string> TextsOf(const std::vector<std::string>& names) {
   std::vector<std::string> texts;
   for (const std::string& name : names) {
-    try {
-      texts.push_back(Utf8ToCp874(name));
-    } catch (const EConvertError&) {
-      continue;
-    }
+    if (auto text = TryUtf8ToCp874(name)) texts.push_back(*std::move(text));
   }
   return texts;
 }
@@ -327,7 +323,7 @@ data::StatementParts TSQLConnection::WireParts(const data::StatementParts& state
   return parts;
 }
 
-// A driver that cannot be loaded is told by Open.
+// Open reports a driver that cannot be loaded.
 data::Lexis TSQLConnection::StatementLexis() {
   if (session_) return Guarded([&] { return session_->connection->StatementLexis(); });
   DriverLexis& known = driverLexis_;

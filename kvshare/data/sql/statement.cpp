@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "kvshare/rtl/ascii.h"
 #include "kvshare/rtl/strutils.h"
 
 namespace kvshare::data {
@@ -9,10 +10,6 @@ namespace kvshare::data {
 namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n\f\v";
-
-constexpr bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
 
 constexpr bool BeginsName(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' ||
@@ -23,7 +20,7 @@ constexpr bool ContinuesName(char c) {
   return BeginsName(c) || IsDigit(c);
 }
 
-// The servers' own names have more letters than those of parameters.
+// The servers' own names have more letters than parameters' names.
 constexpr bool IsInWord(char c) {
   return ContinuesName(c) || c == '$';
 }

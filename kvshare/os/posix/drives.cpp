@@ -97,8 +97,7 @@ class TableParser {
       return Refuse(name, "has no absolute Path");
     }
     const auto kind = KindNamed(section.kind.value_or(share ? "remote" : "fixed"));
-    if (!kind)
-      return Refuse(name, "has a Kind that is none of fixed, removable, remote, cdrom, ram");
+    if (!kind) return Refuse(name, "has a Kind other than fixed, removable, remote, cdrom, ram");
     std::string root(path);
     while (root.ends_with('/')) root.pop_back();
     Put({share ? std::string(name) : UpperCase(name), std::move(root), *kind});

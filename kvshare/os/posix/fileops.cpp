@@ -1,3 +1,4 @@
+// What is done to files and folders by their names: made, copied, renamed, deleted.
 #include "kvshare/os/files.h"
 
 #include <algorithm>

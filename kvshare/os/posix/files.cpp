@@ -1,4 +1,4 @@
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 
 #include <algorithm>
 #include <limits>

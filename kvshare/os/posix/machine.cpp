@@ -63,13 +63,9 @@ std::string EffectiveUserName() {
 
 // A name in code page 874 for a buffer that also takes a zero byte.
 std::optional<std::string> FittingName(std::string_view utf8, std::size_t bufferSize) {
-  try {
-    std::string name = Utf8ToCp874(utf8);
-    if (name.empty() || name.size() >= bufferSize) return std::nullopt;
-    return name;
-  } catch (const EConvertError&) {
-    return std::nullopt;
-  }
+  std::optional<std::string> name = TryUtf8ToCp874(utf8);
+  if (name && (name->empty() || name->size() >= bufferSize)) name.reset();
+  return name;
 }
 
 }  // namespace

@@ -45,8 +45,8 @@ std::vector<std::string> Spellings(std::string_view name) {
   return spellings;
 }
 
-// The running program's folder, then those of PATH. An empty one would be the current folder, where
-// anybody may have put a program.
+// The running program's folder, then the folders of PATH. An empty one would be the current folder,
+// where anybody may have put a program.
 std::vector<std::string> SearchFolders() {
   std::vector<std::string> folders{posix::RunningProgramFolder()};
   std::string_view path = Environment("PATH");
@@ -116,8 +116,8 @@ class Descriptors {
         posix_spawn_file_actions_addopen(&value_, stream, "/dev/null", O_RDWR, 0);
       }
     }
-    // Also those of libraries that do not mark theirs: a connection or a lock must not live on in
-    // another program.
+    // Also the descriptors of libraries that do not mark theirs: a connection or a lock must not
+    // live on in another program.
     posix_spawn_file_actions_addclosefrom_np(&value_, STDERR_FILENO + 1);
   }
   ~Descriptors() { posix_spawn_file_actions_destroy(&value_); }

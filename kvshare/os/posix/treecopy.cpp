@@ -1,8 +1,9 @@
+// A tree copied over another.
 #include <unordered_set>
 #include <vector>
 
 #include "kvshare/os/posix/copyfile.h"
-#include "kvshare/os/posix/secondlook.h"
+#include "kvshare/os/posix/foldednames.h"
 #include "kvshare/os/posix/treereport.h"
 #include "kvshare/os/posix/treewalk.h"
 #include "kvshare/os/tree.h"

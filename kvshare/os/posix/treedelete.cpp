@@ -1,3 +1,4 @@
+// A tree deleted from its ends upwards.
 #include <vector>
 
 #include "kvshare/os/posix/errors.h"

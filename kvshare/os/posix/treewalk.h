@@ -1,4 +1,10 @@
 // The way through a tree: each folder is opened from its parent, never by its whole name.
+//
+// So a folder that is renamed or replaced by a link while the walk is below it does not lead the
+// walk to another place, and a path may be longer than the system takes. The walk keeps its own
+// stack instead of calling itself, and compares identities against circles of links. A visitor sees
+// each folder before its subfolders (Enter) and after them (Leave), and its parent once more when
+// it is done (Left): copying works on the way down, deletion on the way up.
 // Internal header.
 #pragma once
 

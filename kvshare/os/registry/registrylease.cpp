@@ -1,4 +1,11 @@
-// Which connection a call uses.
+// Which connection a call uses: a lease of a session, for one call or one transaction.
+//
+// A thread inside a transaction always gets the session that holds it. Other calls take an idle
+// session of the pool, or open one, and give it back. Two events make a session unusable. The file
+// may be replaced by another one of its name, which its identity shows. And the process may fork:
+// the file locks belong to the parent, so a child never uses or closes what it has inherited, and
+// refuses to work where the parent was in the middle of a call. The pool is a few atomic pointers,
+// since a lock could be held by another thread at the fork and stay locked in the child for ever.
 #include <array>
 #include <atomic>
 #include <utility>

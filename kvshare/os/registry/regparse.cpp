@@ -1,3 +1,4 @@
+// The sections of a .reg file, as people and editors write them.
 #include <algorithm>
 #include <charconv>
 #include <cstdio>

@@ -1,3 +1,4 @@
+// The bytes of a .reg file in both formats.
 #include <algorithm>
 
 #include "kvshare/os/registry/regfile.h"

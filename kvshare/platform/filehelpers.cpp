@@ -1,4 +1,4 @@
-#include "kvshare/platform/files.h"
+#include "kvshare/platform/filehelpers.h"
 
 #include <algorithm>
 #include <limits>
@@ -10,8 +10,8 @@
 #include "kvshare/os/paths.h"
 #include "kvshare/os/tree.h"
 #include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/filenames.h"
-#include "kvshare/rtl/files.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/strutils.h"
 

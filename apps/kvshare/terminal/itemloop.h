@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "apps/kvshare/terminal/row.h"
+#include "apps/kvshare/terminal/outputrow.h"
 #include "apps/kvshare/terminal/stream.h"
 
 namespace kvshare::app {

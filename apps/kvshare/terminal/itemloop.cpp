@@ -1,4 +1,4 @@
-#include "apps/kvshare/terminal/items.h"
+#include "apps/kvshare/terminal/itemloop.h"
 
 #include "apps/kvshare/terminal/progress.h"
 #include "kvshare/rtl/cp874.h"

@@ -1,4 +1,4 @@
-#include "apps/kvshare/terminal/row.h"
+#include "apps/kvshare/terminal/outputrow.h"
 
 #include <nlohmann/json.hpp>
 

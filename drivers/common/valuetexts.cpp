@@ -1,4 +1,4 @@
-#include "drivers/common/forms.h"
+#include "drivers/common/valuetexts.h"
 
 #include <algorithm>
 #include <array>
@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "kvshare/data/contract/driver.h"
+#include "kvshare/rtl/decimaltext.h"
 
 namespace kvshare::drivers {
 namespace {
@@ -143,21 +144,13 @@ std::string DecimalOf(double value) {
 }
 
 std::string_view ToDecimal(std::string_view text, std::string& scratch) {
-  const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
-  const bool sign = !text.empty() && (text[0] == '-' || text[0] == '+');
-  const std::string_view number = text.substr(sign ? 1 : 0);
-  const std::size_t point = std::min(number.find('.'), number.size());
-  const std::string_view whole = number.substr(0, point);
-  const std::string_view decimals = number.substr(std::min(point + 1, number.size()));
-  if ((whole.empty() && decimals.empty()) || !std::ranges::all_of(whole, isDigit) ||
-      !std::ranges::all_of(decimals, isDigit)) {
-    RefuseNumber(text);
-  }
-  const bool inForm = !whole.empty() && (point == number.size() || !decimals.empty());
-  if (inForm && (!sign || text[0] == '-')) return text;
-  scratch = sign && text[0] == '-' ? "-" : "";
-  scratch.append(whole.empty() ? "0" : whole);
-  if (!decimals.empty()) scratch.append(".").append(decimals);
+  const auto parts = SplitDecimal(text, /*plus=*/true);
+  if (!parts) RefuseNumber(text);
+  const bool inForm = !text.starts_with('+') && !parts->whole.empty() && !text.ends_with('.');
+  if (inForm) return text;
+  scratch = parts->negative ? "-" : "";
+  scratch.append(parts->whole.empty() ? "0" : parts->whole);
+  if (!parts->decimals.empty()) scratch.append(".").append(parts->decimals);
   return scratch;
 }
 

@@ -20,7 +20,7 @@ namespace kvshare {
 // os/files.h), in the system's order, `.` and hidden-style names included.
 KVSHARE_API void GetFileName(std::string_view mask, int attributes, TStrings& list);
 
-// Appends the full name of every matching file; with `recurse` those of the subfolders first.
+// Appends the full name of every matching file; with `recurse` the subfolders' files first.
 KVSHARE_API void GetFileNames(std::string_view folder, TStrings& list, std::string_view mask,
                               bool recurse);
 

@@ -1,4 +1,4 @@
-#include "apps/kvshare/data/rowset.h"
+#include "apps/kvshare/data/rowwriter.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "apps/kvshare/data/fieldtext.h"
+#include "apps/kvshare/data/printedvalue.h"
 #include "apps/kvshare/terminal/legible.h"
-#include "apps/kvshare/terminal/row.h"
+#include "apps/kvshare/terminal/outputrow.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 
@@ -181,9 +181,16 @@ class JsonPrinter : public RowPrinter {
         return true;
       case TFieldForm::Real:
         return std::isfinite(field.AsFloat());
-      default:
-        return false;
+      case TFieldForm::None:
+      case TFieldForm::Text:
+      case TFieldForm::Decimal:
+      case TFieldForm::Date:
+      case TFieldForm::Time:
+      case TFieldForm::Moment:
+      case TFieldForm::Bytes:
+        break;
     }
+    return false;
   }
 
   void AppendValue(std::string& out, const TField& field) {

@@ -1,4 +1,4 @@
-#include "kvshare/os/posix/secondlook.h"
+#include "kvshare/os/posix/foldednames.h"
 
 #include <linux/magic.h>
 #include <sys/inotify.h>
@@ -46,7 +46,7 @@ class WatchedFolder {
   // A child process shares the messages with its parent and must not take them away.
   bool Covers(const Identity& folder) const { return folder == folder_ && process_ == ::getpid(); }
 
-  // False when it cannot be told any more what the folder holds.
+  // False when what the folder holds can no longer be found out.
   bool TakeChanges() {
     for (;;) {
       alignas(inotify_event) char block[4096];

@@ -16,7 +16,8 @@ void AppendTime(std::string& out, unsigned hour, unsigned minute, unsigned secon
 // A whole number with its last `decimals` digits behind a point: (-5, 2) is -0.05.
 void AppendScaled(std::string& out, std::int64_t value, int decimals);
 
-// The digits that a client gave for a number. Throw DriverError for what is none or does not fit.
+// The digits that a client gave for a number. Throw DriverError for what is no number or does not
+// fit.
 std::int64_t ToInteger(std::string_view digits);
 double ToFloat(std::string_view digits);
 std::string FromFloat(double value);  // the shortest text that reads back as the same number

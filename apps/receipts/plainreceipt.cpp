@@ -1,8 +1,8 @@
-#include "apps/receipts/print.h"
+#include "apps/receipts/plainreceipt.h"
 
 #include <algorithm>
 
-#include "apps/receipts/layout.h"
+#include "apps/receipts/textlayout.h"
 #include "kvshare/rtl/cp874.h"
 
 namespace kvshare::receipts {

@@ -1,4 +1,4 @@
-#include "apps/receipts/layout.h"
+#include "apps/receipts/textlayout.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

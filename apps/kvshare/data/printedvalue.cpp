@@ -1,4 +1,4 @@
-#include "apps/kvshare/data/fieldtext.h"
+#include "apps/kvshare/data/printedvalue.h"
 
 #include <array>
 #include <charconv>
@@ -82,7 +82,9 @@ void AppendField(std::string& out, const TField& field) {
     case TFieldForm::Moment:
       AppendMoment(out, field.AsDateTime());
       break;
-    default:
+    case TFieldForm::None:
+    case TFieldForm::Text:
+    case TFieldForm::Integer:
       field.AppendString(out);
   }
 }
@@ -173,7 +175,8 @@ void StoreField(TField& field, std::string_view text) {
       return field.SetAsDateTime(TimeOf(ParseIso("1899-12-30T" + std::string(text))));
     case TFieldForm::Moment:
       return field.SetAsDateTime(ParseIso(text));
-    default:
+    case TFieldForm::None:
+    case TFieldForm::Text:
       StoreWhole(field, std::string(text));
   }
 }

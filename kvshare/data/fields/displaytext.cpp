@@ -45,7 +45,10 @@ void TField::AppendOwnText(std::string& out, bool display) const {
     case TFieldForm::Moment:
       if (display) return AppendFormatDateTime(out, format, AsDateTime());
       return AppendString(out);
-    default:
+    case TFieldForm::None:
+    case TFieldForm::Text:
+    case TFieldForm::Boolean:
+    case TFieldForm::Bytes:
       AppendString(out);
   }
 }

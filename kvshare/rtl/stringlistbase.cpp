@@ -4,7 +4,7 @@
 #include <string>
 
 #include "kvshare/rtl/exceptions.h"
-#include "kvshare/rtl/files.h"
+#include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/lines.h"
 #include "kvshare/rtl/stringlist.h"
 #include "kvshare/rtl/strutils.h"

@@ -1,4 +1,4 @@
-#include "apps/receipts/columns.h"
+#include "apps/receipts/daycolumns.h"
 
 #include <charconv>
 
