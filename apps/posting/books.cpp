@@ -3,6 +3,7 @@
 #include <string>
 
 #include "apps/receipts/amounts.h"
+#include "apps/receipts/usertexts.h"
 #include "kvshare/data/sql/sqlquery.h"
 #include "kvshare/database/sqldialect.h"
 #include "kvshare/rtl/format.h"
@@ -87,7 +88,7 @@ class Differences {
   void Compare(std::string_view what, std::string_view there, std::string_view here) {
     if (there == here) return;
     text_.append(text_.empty() ? "" : "; ");
-    text_.append(Format("%s%s: %s there, %s here", {place_, what, there, here}));
+    text_.append(receipts::Say("%s%s: %s there, %s here", {place_, what, there, here}));
   }
   void Compare(std::string_view what, Currency there, Currency here) {
     Compare(what, Shown(there), Shown(here));
@@ -98,7 +99,9 @@ class Differences {
   void Compare(std::string_view what, TDateTime there, TDateTime here) {
     Compare(what, FormatDateTime("yyyy-mm-dd", there), FormatDateTime("yyyy-mm-dd", here));
   }
-  void EnterLine(std::size_t index) { place_ = "line " + std::to_string(index + 1) + ", "; }
+  void EnterLine(std::size_t index) {
+    place_ = receipts::Say("line %d, ", {static_cast<std::int64_t>(index) + 1});
+  }
   const std::string& Text() const { return text_; }
 
  private:

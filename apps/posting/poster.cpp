@@ -2,6 +2,7 @@
 
 #include "apps/posting/books.h"
 #include "apps/posting/company.h"
+#include "apps/receipts/usertexts.h"
 #include "kvshare/database/dblog.h"
 #include "kvshare/database/sqlfunc.h"
 #include "kvshare/database/sqlreplication.h"
@@ -19,7 +20,7 @@ using receipts::Receipt;
 
 void RequireNumberThatFits(std::string_view number) {
   if (number.size() <= kLongestNumber) return;
-  throw EPosting(Format("its number is longer than %d letters", {kLongestNumber}));
+  throw EPosting(receipts::Say("its number is longer than %d letters", {kLongestNumber}));
 }
 
 }  // namespace
@@ -47,8 +48,8 @@ bool Poster::MayPost(std::int32_t position) {
 bool Poster::IsPosted(const Document& document, const Receipt& receipt) {
   const Stored stored = FindInBooks(connection_, document, receipt);
   if (stored == Stored::Other) {
-    throw EPosting("it is posted already, with another content: " +
-                   DifferenceInBooks(connection_, document, receipt));
+    throw EPosting(receipts::Say("it is posted already, with another content: %s",
+                                 {DifferenceInBooks(connection_, document, receipt)}));
   }
   return stored == Stored::Same;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "apps/receipts/usertexts.h"
 #include "kvshare/rtl/convert.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/formatfloat.h"
@@ -33,18 +34,19 @@ bool HasThousands(std::string_view amount) {
 
 }  // namespace
 
-Currency ParseAmount(std::string_view text) {
+std::optional<Currency> TryParseAmount(std::string_view text) {
   const std::string_view trimmed = Trim(text);
   Currency amount;
   const bool accepted =
       trimmed.find(',') == std::string_view::npos
           ? TryStrToCurr(trimmed, amount)
           : HasThousands(trimmed) && TryStrToCurr(TKovraString::RemoveComma(trimmed), amount);
-  if (!accepted) {
-    throw EConvertError(
-        Format("'%s' is not a valid floating point value", {trimmed.substr(0, 80)}));
-  }
-  return amount;
+  return accepted ? std::optional(amount) : std::nullopt;
+}
+
+Currency ParseAmount(std::string_view text) {
+  if (const auto amount = TryParseAmount(text)) return *amount;
+  throw EConvertError(Say("'%s' is no amount", {Trim(text).substr(0, 80)}));
 }
 
 void AppendFourDecimals(std::string& out, Currency amount) {

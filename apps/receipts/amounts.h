@@ -1,6 +1,7 @@
 // Amounts as people type them and as programs read them.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -10,8 +11,11 @@ namespace kvshare::receipts {
 
 // The amount of a text (code page 874): blanks around it and thousands commas are dropped, the rest
 // is read as StrToCurr does. A comma counts only with exactly three digits behind it, one to three
-// before the first, and before the point. Throws EConvertError with the text as it was given.
+// before the first, and before the point. Throws EConvertError `'abc' is no amount`.
 Currency ParseAmount(std::string_view text);
+
+// The same; nothing for another text.
+std::optional<Currency> TryParseAmount(std::string_view text);
 
 // Always four decimals and no thousands: 1234.5000. Exact.
 void AppendFourDecimals(std::string& out, Currency amount);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "apps/receipts/usertexts.h"
 #include "kvshare/rtl/exceptions.h"
 
 namespace kvshare::receipts {
@@ -30,7 +31,7 @@ class Calculation {
     out.gross = RoundQuotient(Int128{line.quantity.Raw()} * line.price.Raw(), Currency::kScale,
                               rules_.lineMode);
     if (line.discount.Magnitude() > out.gross.Magnitude()) {
-      throw UnprintableDocument("the discount is greater than the line's amount", line.row,
+      throw UnprintableDocument(SayUtf8("the discount is greater than the line's amount"), line.row,
                                 Column::Discount);
     }
     out.amount = out.gross - line.discount;
@@ -105,7 +106,7 @@ Receipt Calculate(const Document& document, const Rules& rules) {
     }
     return calculation.Finish();
   } catch (const EIntOverflow&) {
-    throw UnprintableDocument("the amount is out of range", row, Column::Price);
+    throw UnprintableDocument(SayUtf8("the amount is out of range"), row, Column::Price);
   }
 }
 

@@ -53,6 +53,7 @@ struct Receipt {
 // A document that cannot be computed: a discount above its line's amount, an amount out of range.
 class UnprintableDocument : public std::runtime_error {
  public:
+  // `what` is UTF-8.
   UnprintableDocument(const std::string& what, std::uint64_t row, Column column)
       : std::runtime_error(what), row_(row), column_(column) {}
   std::uint64_t Row() const { return row_; }

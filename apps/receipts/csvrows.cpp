@@ -38,19 +38,24 @@ CsvRows::~CsvRows() {
   csv_free(&parser_);
 }
 
-std::string_view CsvRows::Feed(std::string_view bytes) {
+void CsvRows::SetSeparator(char separator) {
+  csv_set_delim(&parser_, static_cast<unsigned char>(separator));
+}
+
+std::optional<UserText> CsvRows::Feed(std::string_view bytes) {
   const std::size_t taken =
       csv_parse(&parser_, bytes.data(), bytes.size(), CellCallback, RowCallback, this);
   Rethrow();
-  return taken == bytes.size() ? "" : "a cell has more than 16 MB: is a closing quote missing?";
+  if (taken == bytes.size()) return std::nullopt;
+  return UserText("a cell has more than 16 MB: is a closing quote missing?");
 }
 
-std::string_view CsvRows::Finish() {
+std::optional<UserText> CsvRows::Finish() {
   const bool openQuote = parser_.quoted != 0 && parser_.pstate == kInsideField;
-  if (openQuote) return "a quote is opened and never closed";
+  if (openQuote) return UserText("a quote is opened and never closed");
   csv_fini(&parser_, CellCallback, RowCallback, this);
   Rethrow();
-  return "";
+  return std::nullopt;
 }
 
 void CsvRows::CellCallback(void* cell, std::size_t size, void* self) {

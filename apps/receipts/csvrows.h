@@ -6,15 +6,18 @@
 #include <cstdint>
 #include <exception>
 #include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "apps/receipts/usertexts.h"
+
 namespace kvshare::receipts {
 
-// Cells are separated by commas and may stand in quotes, inner quotes doubled; in quotes a cell may
-// hold commas and line breaks. Rows end at CR LF, LF or CR. Blanks around an unquoted cell are
+// Cells are separated by commas, or by the separator that is set before the first byte, and may stand
+// in quotes, inner quotes doubled; in quotes a cell may hold separators and line breaks. Rows end at CR LF, LF or CR. Blanks around an unquoted cell are
 // dropped, empty lines too. Bytes come in blocks of any size.
 class CsvRows {
  public:
@@ -27,10 +30,12 @@ class CsvRows {
   CsvRows(const CsvRows&) = delete;
   CsvRows& operator=(const CsvRows&) = delete;
 
-  // Both give what is wrong, or "": a cell of more than kMaxCell bytes, a quote that is never
+  void SetSeparator(char separator);
+
+  // Both give what is wrong, or nothing: a cell of more than kMaxCell bytes, a quote that is never
   // closed. Nothing can be read after that. An exception of the sink comes through.
-  std::string_view Feed(std::string_view bytes);
-  std::string_view Finish();
+  std::optional<UserText> Feed(std::string_view bytes);
+  std::optional<UserText> Finish();
 
   // Whether a cell of the row that the sink has is empty and stands in no quotes.
   bool IsMissing(std::size_t cell) const { return missing_[cell]; }

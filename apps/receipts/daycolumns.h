@@ -26,27 +26,36 @@ struct Problem {
   std::string text;
   bool warning = false;
 
-  // `line 5, column 6 (price): 'abc' is not a valid floating point value`
+  // `line 5, column 6 (price): 'abc' is no amount`
   std::string Message() const;
 };
 
-// The cells below are code page 874 without blanks around them. Each reader throws EConvertError.
+// The cells below are code page 874 without blanks around them; Thai digits count as digits. Each
+// reader throws EConvertError.
 
-// yyyy-mm-dd, dd/mm/yyyy or d/m/yyyy; a year from 2400 up is of the Buddhist era.
+// yyyy-mm-dd, dd/mm/yyyy, dd/mm/yy or dd-mm-yyyy, day and month also of one digit there; a time of
+// day behind it is left out. A year from 2400 up is of the Buddhist era. One of two digits lies in
+// the century 2500 where `era` is 543, else in 2000; with `-` it is refused, since it may be the first.
 struct TypedDate {
   TDateTime date;
   Word offset = 0;  // 543 for a year of the Buddhist era
 };
-TypedDate ParseDate(std::string_view cell);
+TypedDate ParseDate(std::string_view cell, Word era = 0);
+
+// How a file writes decimals: 1,234.50 or 1.234,50.
+enum class DecimalMark : std::uint8_t { Point, Comma };
+
+// An amount as ParseAmount reads it.
+Currency ParseNumber(std::string_view cell, DecimalMark mark);
 
 // 0 .. 100, with or without a per cent sign.
-Currency ParseVatRate(std::string_view cell);
+Currency ParseVatRate(std::string_view cell, DecimalMark mark);
 
 // An amount that is not negative.
-Currency ParsePrice(std::string_view cell);
+Currency ParsePrice(std::string_view cell, DecimalMark mark);
 
 // The discount of a line, "" for none, given the sign of its quantity: credit notes may be written
 // with either sign, invoices without one.
-Currency ParseDiscount(std::string_view cell, Currency quantity);
+Currency ParseDiscount(std::string_view cell, Currency quantity, DecimalMark mark);
 
 }  // namespace kvshare::receipts

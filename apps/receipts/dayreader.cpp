@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <utility>
 
-#include "apps/receipts/amounts.h"
+#include "apps/receipts/csvhead.h"
+#include "apps/receipts/usertexts.h"
 #include "apps/receipts/yearwarnings.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/strutils.h"
-#include "kvshare/rtl/utf8mark.h"
 
 namespace kvshare::receipts {
 
@@ -16,6 +16,29 @@ namespace {
 
 bool IsBlank(std::span<const std::string> cells) {
   return std::ranges::all_of(cells, [](const std::string& cell) { return Trim(cell).empty(); });
+}
+
+// The words with which spreadsheets end a table, in UTF-8.
+constexpr std::string_view kTotals[] = {
+    "รวม",   "รวมเงิน", "รวมทั้งสิ้น",  "รวมทั้งหมด", "ยอดรวม",      "ยอดรวมทั้งสิ้น",
+    "total", "totals", "subtotal", "sum",      "grand total",
+};
+
+// Whether such a word is the first that stands in the row.
+bool IsTotals(std::span<const std::string> cells) {
+  for (const std::string& cell : cells) {
+    std::string_view text = Trim(cell);
+    if (text.empty()) continue;
+    if (text.ends_with(':')) text = Trim(text.substr(0, text.size() - 1));
+    return std::ranges::any_of(kTotals, [text](auto word) { return SameText(text, word); });
+  }
+  return false;
+}
+
+// A rate of 7 per cent is a 7 in the file, also where a spreadsheet shows 0.07 as 7%.
+std::string VatRateWarning(Currency rate) {
+  if (rate <= 0_baht || rate >= 1_baht) return {};
+  return SayUtf8("a VAT rate below one per cent: 7 per cent is written 7");
 }
 
 // At most 80 bytes of UTF-8, not cut inside a letter.
@@ -29,36 +52,58 @@ std::string Beginning(std::string_view utf8) {
 
 }  // namespace
 
-DayReader::DayReader(std::function<void(const Problem&)> report, TDateTime today)
+DayReader::DayReader(std::function<void(const Problem&)> report, const DayFormat& format,
+                     TDateTime today)
     : report_(std::move(report)),
+      format_(format),
       today_(today),
+      decoder_(format.encoding),
       rows_([this](std::uint64_t line, Cells cells) { TakeRow(line, cells); }) {}
 
 bool DayReader::Feed(std::string_view bytes) {
   if (stopped_) return false;
-  std::string joined;
-  if (!started_) {
-    start_ += bytes;
-    if (start_.size() < kUtf8Mark.size() && kUtf8Mark.starts_with(start_)) return true;
-    started_ = true;
-    joined = std::move(start_);
-    bytes = joined;
-    bytes = WithoutUtf8Mark(bytes);
-  }
-  if (const std::string_view wrong = rows_.Feed(bytes); !wrong.empty()) Stop(rows_.Line(), wrong);
+  const bool whole = decoder_.Feed(bytes, text_);
+  FeedText(false);
+  if (!whole && !stopped_) Stop(decoder_.Line(), decoder_.Trouble());
   return !stopped_;
+}
+
+bool DayReader::FindSeparator(bool final) {
+  const auto head = ReadCsvHead(text_, final);
+  if (!head) return false;
+  separatorKnown_ = true;
+  separatorLine_ = head->named;
+  if (format_.separator == '\0' && !head->trouble.empty()) Stop(1, head->trouble);
+  rows_.SetSeparator(format_.separator != '\0' ? format_.separator : head->separator);
+  return true;
+}
+
+void DayReader::FeedText(bool final) {
+  if (!separatorKnown_ && !FindSeparator(final)) return;
+  if (!stopped_) {
+    if (const auto wrong = rows_.Feed(text_)) Stop(rows_.Line(), SayUtf8(*wrong));
+  }
+  text_.clear();
 }
 
 std::vector<Document> DayReader::Finish() {
   if (!stopped_) {
-    if (!started_) rows_.Feed(start_);
-    if (const auto wrong = rows_.Finish(); !wrong.empty()) Stop(rows_.Line(), wrong);
+    const bool whole = decoder_.Finish(text_);
+    FeedText(true);
+    if (!whole && !stopped_) Stop(decoder_.Line(), decoder_.Trouble());
   }
-  if (columns_ == 0 && !stopped_) Report(1, "the header line is missing");
+  if (!stopped_) {
+    if (const auto wrong = rows_.Finish()) Stop(rows_.Line(), SayUtf8(*wrong));
+  }
+  if (!stopped_ && columns_ == 0) Report(1, SayUtf8("the header line is missing"));
+  if (!stopped_ && columns_ != 0 && empty_) {
+    Report(0, SayUtf8("no documents: no row follows the header"));
+  }
   for (const Document& document : documents_) {
     if (document.complete) continue;
-    Report(document.row, "document " + Cp874ToUtf8Lossy(document.number) +
-                             " is not printed: a row of it, or beside it, is in error");
+    Report(document.row,
+           SayUtf8("document %s is not printed: a row of it, or beside it, is in error",
+                   {document.number}));
   }
   return std::move(documents_);
 }
@@ -84,9 +129,14 @@ void DayReader::SpoilNeighbours() {
 }
 
 void DayReader::TakeRow(std::uint64_t line, Cells cells) {
-  if (stopped_ || IsBlank(cells)) return;
+  if (stopped_ || IsBlank(cells) || std::exchange(separatorLine_, false)) return;
   if (columns_ == 0) {
     TakeHeader(line, cells);
+    return;
+  }
+  empty_ = false;
+  if (IsTotals(cells)) {
+    report_({line, 0, "", SayUtf8("the row of totals is left out"), true});
     return;
   }
   std::string number;
@@ -111,7 +161,7 @@ void DayReader::TakeHeader(std::uint64_t line, Cells cells) {
   }
   for (std::size_t i = 0; i < kColumnNames.size(); ++i) {
     if (positions_[i] == 0) {
-      Report(line, "column " + std::string(kColumnNames[i]) + " is missing");
+      Report(line, SayUtf8("column %s is missing", {kColumnNames[i]}));
       stopped_ = true;
     }
   }
@@ -121,12 +171,12 @@ void DayReader::TakeHeaderCell(std::uint64_t line, int position, const std::stri
   const std::string name = Beginning(cell);
   const auto column = FindColumn(cell);
   if (!column) {
-    report_({line, position, name, "the column is unknown and ignored", true});
+    report_({line, position, name, SayUtf8("the column is unknown and ignored"), true});
     return;
   }
   int& known = positions_[static_cast<std::size_t>(*column)];
   if (known != 0) {
-    report_({line, position, name, "the column stands twice", false});
+    report_({line, position, name, SayUtf8("the column stands twice"), false});
     stopped_ = true;
   }
   known = position;
@@ -139,12 +189,13 @@ bool DayReader::TakeNumber(std::uint64_t line, Cells cells, std::string& number)
       static_cast<std::size_t>(positions_[static_cast<std::size_t>(Column::Document)]);
   const bool whole = cells.size() == columns_;
   if (!whole) {
-    Report(line, "the row has " + std::to_string(cells.size()) + " cells, the header has " +
-                     std::to_string(columns_));
+    Report(line,
+           SayUtf8("the row has %d cells, the header has %d",
+                   {static_cast<std::int64_t>(cells.size()), static_cast<std::int64_t>(columns_)}));
     if (position != 1) return false;
   }
   return Read(Column::Document, line, cells, [&number](std::string_view cell) {
-    if (cell.empty()) throw EConvertError("the document has no number");
+    if (cell.empty()) throw EConvertError(Say("the document has no number"));
     number = cell;
   });
 }
@@ -157,8 +208,9 @@ Document& DayReader::Open(std::uint64_t line, const std::string& number) {
     Document& first = documents_[earlier->second];
     first.complete = false;
     report_(ProblemIn(Column::Document, line,
-                      "document " + Cp874ToUtf8Lossy(number) + " comes back: its rows of line " +
-                          std::to_string(first.row) + " do not stand beside this one"));
+                      SayUtf8("document %s comes back: its rows of line %d do not stand beside "
+                              "this one",
+                              {number, static_cast<std::int64_t>(first.row)})));
   }
   documents_.push_back({number, {}, "", {}, line, fresh && !spoiled});
   return documents_.back();
@@ -167,27 +219,27 @@ Document& DayReader::Open(std::uint64_t line, const std::string& number) {
 void DayReader::TakeHead(std::uint64_t line, Cells cells, Document& document, bool opened) {
   const bool date = Read(Column::Date, line, cells, [&](std::string_view cell) {
     if (!opened && cell.empty()) return;
-    const TypedDate typed = ParseDate(cell);
+    const TypedDate typed = ParseDate(cell, format_.era);
     if (opened) {
       document.date = typed.date;
-      WarnOfDate(line, typed);
+      Warn(Column::Date, line,
+           Cp874ToUtf8Lossy(DocumentDateWarning(typed.date, typed.offset, today_)));
     }
     if (typed.date != document.date)
-      throw EConvertError("the date differs from the document's first");
+      throw EConvertError(Say("the date differs from the document's first"));
   });
   const bool customer = Read(Column::Customer, line, cells, [&](std::string_view cell) {
     if (opened) document.customer = cell;
     if (!cell.empty() && cell != document.customer) {
-      throw EConvertError("the customer differs from the document's first");
+      throw EConvertError(Say("the customer differs from the document's first"));
     }
   });
   document.complete = document.complete && date && customer;
 }
 
-void DayReader::WarnOfDate(std::uint64_t line, const TypedDate& typed) {
-  std::string warning = DocumentDateWarning(typed.date, typed.offset, today_);
-  if (warning.empty()) return;
-  Problem problem = ProblemIn(Column::Date, line, std::move(warning));
+void DayReader::Warn(Column column, std::uint64_t line, std::string text) {
+  if (text.empty()) return;
+  Problem problem = ProblemIn(column, line, std::move(text));
   problem.warning = true;
   report_(problem);
 }
@@ -199,14 +251,18 @@ void DayReader::TakeLine(std::uint64_t line, Cells cells, Document& document) {
     if (!Read(column, line, cells, reader)) document.complete = false;
   };
   read(Column::Item, [&](std::string_view cell) {
-    if (cell.empty()) throw EConvertError("the item has no name");
+    if (cell.empty()) throw EConvertError(Say("the item has no name"));
     out.item = cell;
   });
-  read(Column::Quantity, [&](std::string_view cell) { out.quantity = ParseAmount(cell); });
-  read(Column::Price, [&](std::string_view cell) { out.price = ParsePrice(cell); });
+  const DecimalMark mark = format_.decimalMark;
+  read(Column::Quantity, [&](std::string_view cell) { out.quantity = ParseNumber(cell, mark); });
+  read(Column::Price, [&](std::string_view cell) { out.price = ParsePrice(cell, mark); });
   read(Column::Discount,
-       [&](std::string_view cell) { out.discount = ParseDiscount(cell, out.quantity); });
-  read(Column::Vat, [&](std::string_view cell) { out.vatRate = ParseVatRate(cell); });
+       [&](std::string_view cell) { out.discount = ParseDiscount(cell, out.quantity, mark); });
+  read(Column::Vat, [&](std::string_view cell) {
+    out.vatRate = ParseVatRate(cell, mark);
+    Warn(Column::Vat, line, VatRateWarning(out.vatRate));
+  });
   if (document.complete) document.lines.push_back(std::move(out));
 }
 
@@ -215,9 +271,10 @@ bool DayReader::Read(Column column, std::uint64_t line, Cells cells,
   const auto position = static_cast<std::size_t>(positions_[static_cast<std::size_t>(column)]);
   const std::string& cell = cells[position - 1];
   if (cell.size() > kMaxText) {
-    report_(ProblemIn(column, line,
-                      "the cell has " + std::to_string(cell.size()) + " bytes, at most " +
-                          std::to_string(kMaxText) + " are read"));
+    report_(ProblemIn(
+        column, line,
+        SayUtf8("the cell has %d bytes, at most %d are read",
+                {static_cast<std::int64_t>(cell.size()), static_cast<std::int64_t>(kMaxText)})));
     return false;
   }
   try {

@@ -11,13 +11,24 @@
 #include "apps/receipts/csvrows.h"
 #include "apps/receipts/daycolumns.h"
 #include "apps/receipts/model.h"
+#include "apps/receipts/textencoding.h"
 
 namespace kvshare::receipts {
 
-// Reads UTF-8, with or without a byte-order mark, in blocks of any size. The first row names the
-// columns, all of kColumnNames in any order; others are ignored with a warning. Rows of one
-// document stand together; its date and customer may be left empty after its first row. Rows with
-// empty cells only are skipped.
+// How the file is written.
+struct DayFormat {
+  TextEncoding encoding = TextEncoding::ByContent;
+  char separator = '\0';  // of cells; 0: as the header shows it
+  DecimalMark decimalMark = DecimalMark::Point;
+  Word era = 0;  // 543 for the Buddhist era; of years with two digits
+};
+
+// Reads the file in blocks of any size. The first row names the columns, all of kColumnNames in any
+// order; others are ignored with a warning. A row `sep=;` may stand before it. Rows of one document
+// stand together; its date and customer may be left empty after its first row. Rows with empty
+// cells only are skipped, and rows of totals with a warning.
+//
+// Bytes that are not of the file's encoding end the reading with one problem at their line.
 //
 // A receipt that lacks a line would be a false one: a row with anything wrong makes its document
 // incomplete, a row without a usable document number those on both sides of it, and a document
@@ -27,7 +38,8 @@ class DayReader {
   static constexpr std::size_t kMaxText = 4096;  // bytes of a cell
 
   // A document that is dated far from `today`, or in a doubtful era, is reported as a warning.
-  explicit DayReader(std::function<void(const Problem&)> report, TDateTime today = Date());
+  explicit DayReader(std::function<void(const Problem&)> report, const DayFormat& format = {},
+                     TDateTime today = Date());
 
   // False once nothing more can be read.
   bool Feed(std::string_view bytes);
@@ -41,13 +53,15 @@ class DayReader {
  private:
   using Cells = std::span<const std::string>;
 
+  bool FindSeparator(bool final);
+  void FeedText(bool final);
   void TakeRow(std::uint64_t line, Cells cells);
   void TakeHeader(std::uint64_t line, Cells cells);
   void TakeHeaderCell(std::uint64_t line, int position, const std::string& cell);
   bool TakeNumber(std::uint64_t line, Cells cells, std::string& number);
   Document& Open(std::uint64_t line, const std::string& number);
   void TakeHead(std::uint64_t line, Cells cells, Document& document, bool opened);
-  void WarnOfDate(std::uint64_t line, const TypedDate& typed);
+  void Warn(Column column, std::uint64_t line, std::string text);
   void TakeLine(std::uint64_t line, Cells cells, Document& document);
   void SpoilNeighbours();
   void Stop(std::uint64_t line, std::string_view reason);
@@ -58,11 +72,15 @@ class DayReader {
   void Report(std::uint64_t line, std::string text);
 
   std::function<void(const Problem&)> report_;
+  DayFormat format_;
   TDateTime today_;
+  TextDecoder decoder_;
   CsvRows rows_;
-  std::string start_;  // the first bytes, until it is clear whether they are a byte-order mark
-  bool started_ = false;
+  std::string text_;             // UTF-8 that the rows have not got yet
+  bool separatorKnown_ = false;  // before that the text waits for the end of the header
+  bool separatorLine_ = false;   // the next row is `sep=;`
   bool stopped_ = false;
+  bool empty_ = true;                                 // no row has followed the header
   std::size_t columns_ = 0;                           // cells of the header, 0 before it
   std::array<int, kColumnNames.size()> positions_{};  // from 1, 0 absent
   std::vector<Document> documents_;

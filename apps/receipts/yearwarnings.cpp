@@ -1,7 +1,9 @@
 #include "apps/receipts/yearwarnings.h"
 
+#include <initializer_list>
+
+#include "apps/receipts/usertexts.h"
 #include "kvshare/dates/date.h"
-#include "kvshare/rtl/format.h"
 
 namespace kvshare::receipts {
 
@@ -26,18 +28,17 @@ std::string EraWarning(TDateTime date, Word offset) {
   if (excess == 0) {
     const bool christian = offset != 0 && typed >= kFirstYear && typed <= kLastTypedYear;
     if (!christian) return {};
-    return Format("%d looks like a Christian year read as one of the Buddhist era", {typed});
+    return Say("%d looks like a Christian year read as one of the Buddhist era", {typed});
   }
   if (added == 1) {
-    return Format(
-        "%d looks like a year of the Buddhist era read as a Christian one: it would be %d",
-        {typed, likely});
+    return Say("%d looks like a year of the Buddhist era read as a Christian one: it would be %d",
+               {typed, likely});
   }
   if (added == 2) {
-    return Format("%d looks like a year to which 543 was added twice: it would be %d",
-                  {typed, likely});
+    return Say("%d looks like a year to which 543 was added twice: it would be %d",
+               {typed, likely});
   }
-  return Format("the year %d lies far ahead", {year});
+  return Say("the year %d lies far ahead", {year});
 }
 
 std::string DocumentDateWarning(TDateTime date, Word offset, TDateTime today) {
@@ -45,8 +46,10 @@ std::string DocumentDateWarning(TDateTime date, Word offset, TDateTime today) {
   const int year = DecodeDate(date).Year;
   const int distance = year - DecodeDate(today).Year;
   if (distance <= kFar && distance >= -kFar) return {};
-  return Format("the year %d, %d as it was typed, lies more than %d years %s",
-                {year, year + offset, kFar, distance > 0 ? "ahead" : "back"});
+  const std::initializer_list<TVarRec> values = {year, year + offset, kFar};
+  return distance > 0
+             ? Say("the year %d, %d as it was typed, lies more than %d years ahead", values)
+             : Say("the year %d, %d as it was typed, lies more than %d years back", values);
 }
 
 }  // namespace kvshare::receipts

@@ -84,8 +84,8 @@ _kvshare_options() { # _kvshare_options COMMAND
     "dataset convert") printf '%s\n' --from --to --fields ;;
     "dataset compare") printf '%s\n' --from --to --key ;;
     post)
-      printf '%s\n' --connect --position --round --vat-round --vat --cash-step --price-includes-vat \
-        --print --discount --era --width ;;
+      printf '%s\n' --connect --position --encoding --separator --decimal-comma --round --vat-round \
+        --vat --cash-step --price-includes-vat --print --discount --era --width ;;
     "rights "* | "replication "*) echo --connect ;;
     "log show") printf '%s\n' --file --day --user --computer ;;
     "log follow") printf '%s\n' --file --lines --once ;;
@@ -94,8 +94,8 @@ _kvshare_options() { # _kvshare_options COMMAND
     "printers print") printf '%s\n' --printer --folders ;;
     "printers picture") printf '%s\n' --title --pdf --printer ;;
     receipts)
-      printf '%s\n' --round --vat-round --vat --discount --cash-step --era --price-includes-vat --width \
-        --pdf ;;
+      printf '%s\n' --encoding --separator --decimal-comma --round --vat-round --vat --discount \
+        --cash-step --era --price-includes-vat --width --pdf ;;
   esac
   case $1 in
     edit | dialog | date | settings | files | log | connect | company | dataset | rights | replication) ;;

@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "kvshare/platform/verinfo.h"
+#include "kvshare/rtl/cp874.h"
 #include "tests/apps/tempfile.h"
 #include "tests/support.h"
 
@@ -124,24 +125,24 @@ TEST(CommandLine, Items) {
       {{"words"},
        "abc\n\n9e99\n1",
        "\n\n\n(หนึ่งบาทถ้วน)\n",
-       "line 1: 'abc' is not a valid floating point value\n"
-       "line 2: '' is not a valid floating point value\n"
-       "line 3: '9e99' is not a valid floating point value\n",
+       "line 1: 'abc' is no amount\n"
+       "line 2: '' is no amount\n"
+       "line 3: '9e99' is no amount\n",
        1,
        "one line out for each, whatever comes in"},
       {{"words", "๕", "\xFF", "1\x1B[2J"},
        "",
        "\n\n\n",
-       "argument 1: '๕' is not a valid floating point value\n"
+       "argument 1: '๕' is no amount\n"
        "argument 2: Invalid UTF-8 at byte 1\n"
-       "argument 3: '1?[2J' is not a valid floating point value\n",
+       "argument 3: '1?[2J' is no amount\n",
        1,
        "reasons are legible and steer no terminal"},
       {{"words", "--json", "x", "-1"},
        "",
-       "{\"argument\":1,\"error\":\"'x' is not a valid floating point value\"}\n"
+       "{\"argument\":1,\"error\":\"'x' is no amount\"}\n"
        "{\"amount\":\"-1.0000\",\"words\":\"(หนึ่งบาทถ้วน)\",\"safe\":false}\n",
-       "argument 1: 'x' is not a valid floating point value\n"
+       "argument 1: 'x' is no amount\n"
        "argument 2: warning: the words do not say that the amount is negative\n",
        1,
        "JSON, one object a line"},
@@ -243,7 +244,7 @@ TEST(CommandLine, WrongUsageGivesStatusTwoAndNoOutput) {
       {{"round", "mrNear", "1"}, "'mrNear' is no rounding mode"},
       {{"round", "70000", "1"}, "no rounding mode"},
       {{"round", "--list", "3"}, "takes no MODE"},
-      {{"share", "many", "1"}, "'many' is not a valid"},
+      {{"share", "many", "1"}, "'many' is no amount"},
       {{"qty", "0", "1"}, "FACTOR"},
       {{"qty", "12", "1", "--sku", "1,2,3"}, "--sku"},
       {{"qty", "12", "1", "--sku", "1,9,0,0,0"}, "--sku"},
@@ -324,7 +325,7 @@ TEST(CommandLine, Receipts) {
       Kvshare({"receipts", "--width", "50", "--cash-step", "mrDownTo25", "--era", "543"}, kDay);
   EXPECT_EQ(got.status, 1);
   EXPECT_EQ(got.err,
-            "line 5, column 6 (quantity): 'x' is not a valid floating point value\n"
+            "line 5, column 6 (quantity): 'x' is no amount\n"
             "line 5: document B-1 is not printed: a row of it, or beside it, is in error\n"
             "line 4: warning: document C-1: no Thai and English words for -2,129.25, the figures "
             "stand alone\n");
@@ -342,6 +343,35 @@ TEST(CommandLine, Receipts) {
                                  "Twenty Five Stang\n"));
   EXPECT_THAT(got.out, HasSubstr("รวมทั้งสิ้น / Total  -2,129.25\n\n")) << "no words";
   EXPECT_THAT(got.out, HasSubstr("Documents left out"));
+}
+
+TEST(CommandLine, MessagesInThai) {
+  ::setenv("KVSHARE_LANGUAGE", "th", 1);
+  const Outcome words = Kvshare({"words", "x", "-1"});
+  const Outcome receipts = Kvshare({"receipts"}, kDay);
+  ::unsetenv("KVSHARE_LANGUAGE");
+  EXPECT_EQ(words.err,
+            "ข้อมูลที่ 1: 'x' ไม่ใช่จำนวน\n"
+            "ข้อมูลที่ 2: คำเตือน: คำอ่านไม่ได้บอกว่าจำนวนเงินติดลบ\n");
+  EXPECT_EQ(receipts.err,
+            "บรรทัดที่ 5, คอลัมน์ที่ 6 (quantity): 'x' ไม่ใช่จำนวน\n"
+            "บรรทัดที่ 5: เอกสาร B-1 ไม่ได้พิมพ์: แถวของเอกสารหรือแถวที่ติดกันมีข้อผิดพลาด\n"
+            "บรรทัดที่ 4: คำเตือน: เอกสาร C-1: ไม่มีคำอ่านภาษาไทยและอังกฤษของ -2,129.30 จึงมีแต่ตัวเลข\n");
+}
+
+TEST(CommandLine, ReceiptsFromAnExport) {
+  const std::string day =
+      "sep=;\r\ndocument;date;customer;item;quantity;price;discount;vat\r\n"
+      "A-1;๒๔/๑๑/๖๙ 0:00;ร้านดี;กาแฟ;2;1.000,50;;7%\r\n";
+  const std::vector<std::string> arguments = {"receipts", "--json", "--decimal-comma", "--era",
+                                              "543"};
+  const Outcome utf8 = Kvshare(arguments, day);
+  EXPECT_EQ(utf8.status, 0) << utf8.err;
+  EXPECT_THAT(utf8.out, HasSubstr("\"date\":\"2026-11-24\""));
+  EXPECT_THAT(utf8.out, HasSubstr("\"price\":\"1000.50"));
+  EXPECT_EQ(Kvshare(arguments, Utf8ToCp874(day)).out, utf8.out);
+  EXPECT_EQ(Kvshare({"receipts", "--encoding", "latin1"}, day).status, 2);
+  EXPECT_EQ(Kvshare({"receipts", "--separator", "|"}, day).status, 2);
 }
 
 TEST(CommandLine, ReceiptsHaveTheDigitsOfTheSettings) {

@@ -14,6 +14,7 @@
 #include "apps/posting/company.h"
 #include "apps/posting/poster.h"
 #include "apps/receipts/amounts.h"
+#include "apps/receipts/usertexts.h"
 #include "kvshare/database/dbxconf.h"
 #include "kvshare/database/sqldialect.h"
 #include "kvshare/database/sqlreplication.h"
@@ -41,6 +42,7 @@ constexpr std::string_view kPostExamples =
 struct Options {
   std::string connect;
   std::string file = "-";
+  FormatOptions format;
   RuleOptions rules;
   LayoutOptions layout;
   bool print = false;
@@ -48,13 +50,15 @@ struct Options {
 };
 
 struct Settings {
+  receipts::DayFormat format;
   receipts::Rules rules;
   std::optional<receipts::Layout> layout;  // of the receipts, where they are printed
   bool json = false;
 };
 
 Settings UsageSettings(const Options& options, bool json) {
-  Settings settings{UsageRules(options.rules), std::nullopt, json};
+  Settings settings{UsageFormat(options.format, UsageEra(options.layout.era)),
+                    UsageRules(options.rules), std::nullopt, json};
   if (options.print) settings.layout = UsageLayout(options.layout, options.rules);
   return settings;
 }
@@ -132,7 +136,8 @@ class PostRun {
         poster_(connection),
         settings_(settings),
         output_(stdio, settings.json, settings.layout.has_value()),
-        reader_([this](const receipts::Problem& problem) { output_.Report(problem); }) {}
+        reader_([this](const receipts::Problem& problem) { output_.Report(problem); },
+                settings.format) {}
 
   int Run(const DayInput& input) {
     input.FeedTo(reader_);
@@ -140,7 +145,9 @@ class PostRun {
     try {
       const Interruption interruption;
       for (const Document& document : documents) {
-        if (interruption.Asked()) throw EEndOfRun("interrupted: what is posted stays posted");
+        if (interruption.Asked()) {
+          throw EEndOfRun(receipts::Say("interrupted: what is posted stays posted"));
+        }
         Take(document);
       }
     } catch (const EEndOfRun& e) {
@@ -153,7 +160,7 @@ class PostRun {
  private:
   void Take(const Document& document) {
     try {
-      if (!document.complete) throw posting::EPosting("a row of it cannot be read");
+      if (!document.complete) throw posting::EPosting(receipts::Say("a row of it cannot be read"));
       const Receipt receipt = Calculate(document, settings_.rules);
       std::optional<std::string> sendNumber;
       WithoutBoxes([&] { sendNumber = poster_.Post(document, receipt); });
@@ -163,14 +170,14 @@ class PostRun {
         ++tally_.wasThere;
       }
     } catch (const receipts::UnprintableDocument& e) {
-      Leave(document, reader_.ProblemIn(e.Column(), e.Row(), e.what()).Message());
+      Leave(document, Utf8ToCp874(reader_.ProblemIn(e.Column(), e.Row(), e.what()).Message()));
     } catch (const EEndOfRun&) {
       throw;
     } catch (const EServerError& e) {
       if (e.ConnectionLost()) throw EEndOfRun(e.Message());
-      Leave(document, Cp874ToUtf8Lossy(e.Message()));
+      Leave(document, e.Message());
     } catch (const Exception& e) {
-      Leave(document, Cp874ToUtf8Lossy(e.Message()));
+      Leave(document, e.Message());
     }
   }
 
@@ -182,13 +189,14 @@ class PostRun {
     try {
       WithoutBoxes([&] { posting::Poster::Log(document, receipt, sendNumber); });
     } catch (const Exception& e) {
-      throw EEndOfRun("document " + document.number +
-                      " is posted, but not in the log: " + e.Message());
+      throw EEndOfRun(receipts::Say("document %s is posted, but not in the log: %s",
+                                    {document.number, e.Message()}));
     }
   }
 
-  void Leave(const Document& document, const std::string& why) {
-    output_.ReportDocument(document, " is not posted: " + why);
+  void Leave(const Document& document, std::string_view why) {
+    output_.ReportDocument(
+        document, receipts::SayUtf8("document %s is not posted: %s", {document.number, why}));
   }
 
   std::string LastSend() {
@@ -217,11 +225,11 @@ class PostRun {
   }
 
   void FillSentence(Row& row, std::uint64_t left) {
-    const std::string total =
-        tally_.total ? Format("%.2n baht", {*tally_.total}) : "a sum that is out of range";
-    row.Cell("summary") = Format(
-        "%d documents with %d lines posted, %s; %d were there already, %d are left; "
-        "last send number %s",
+    const std::string total = tally_.total ? receipts::Say("%.2n baht", {*tally_.total})
+                                           : receipts::Say("a sum that is out of range");
+    row.Cell("summary") = receipts::Say(
+        "%d documents with %d lines posted, %s; %d were there already, %d are left; last send "
+        "number %s",
         {Whole(tally_.documents), Whole(tally_.lines), total, Whole(tally_.wasThere), Whole(left),
          LastSend()});
   }
@@ -275,6 +283,7 @@ void DeclarePost(Command parent, Plan& plan) {
   AddConnect(command, options->connect);
   command.AddOption("--position", options->position, "Who posts, as the rights know him")
       .TypeName("N");
+  AddFormat(command, options->format);
   AddRules(command, options->rules);
   command.AddFlag("--print", options->print, "Print the receipt of each document posted");
   AddLayout(command, options->layout);

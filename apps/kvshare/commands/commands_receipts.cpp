@@ -5,8 +5,9 @@
 #include "apps/kvshare/day/dayinput.h"
 #include "apps/kvshare/day/dayoutput.h"
 #include "apps/kvshare/day/daypaper.h"
+#include "apps/kvshare/terminal/usage.h"
+#include "apps/receipts/usertexts.h"
 #include "kvshare/rtl/exceptions.h"
-#include "kvshare/rtl/format.h"
 
 namespace kvshare::app {
 
@@ -27,6 +28,7 @@ constexpr std::string_view kExamples =
 struct Options {
   std::string file = "-";
   std::string pdf;
+  FormatOptions format;
   RuleOptions rules;
   LayoutOptions layout;
 };
@@ -34,13 +36,13 @@ struct Options {
 class ReceiptsRun {
  public:
   // With a `pdf` the documents stand there instead of on standard output.
-  ReceiptsRun(receipts::Rules rules, receipts::Layout layout, const std::string& pdf, bool json,
-              const Stdio& stdio)
+  ReceiptsRun(const receipts::DayFormat& format, receipts::Rules rules, receipts::Layout layout,
+              const std::string& pdf, bool json, const Stdio& stdio)
       : rules_(rules),
         layout_(layout),
         paper_(pdf.empty() ? nullptr : std::make_unique<DayPaper>(pdf)),
         output_(stdio, json, paper_ == nullptr || json),
-        reader_([this](const receipts::Problem& problem) { output_.Report(problem); }) {}
+        reader_([this](const receipts::Problem& problem) { output_.Report(problem); }, format) {}
 
   int Run(const DayInput& input) {
     input.FeedTo(reader_);
@@ -63,7 +65,8 @@ class ReceiptsRun {
     } catch (const receipts::UnprintableDocument& e) {
       ++left_;
       output_.Report(reader_.ProblemIn(e.Column(), e.Row(), e.what()));
-      output_.ReportDocument(document, " is not printed");
+      output_.ReportDocument(document,
+                             receipts::SayUtf8("document %s is not printed", {document.number}));
     }
   }
 
@@ -79,18 +82,25 @@ class ReceiptsRun {
     const bool thai = TKovraMoney::ThaiNoteIsSafe(total);
     const bool english = TKovraMoney::EngNoteIsSafe(total);
     if (thai && english) return;
-    const std::string_view lacking = thai ? "English" : english ? "Thai" : "Thai and English";
-    output_.ReportDocument(
-        document, Format(": no %s words for %.2n, the figures stand alone", {lacking, total}),
-        true);
+    const receipts::UserText text =
+        thai ? receipts::UserText("document %s: no English words for %.2n, the figures stand alone")
+        : english
+            ? receipts::UserText("document %s: no Thai words for %.2n, the figures stand alone")
+            : receipts::UserText(
+                  "document %s: no Thai and English words for %.2n, the "
+                  "figures stand alone");
+    output_.ReportDocument(document, receipts::SayUtf8(text, {document.number, total}), true);
   }
 
   void Finish() {
     if (paper_ && !paper_->Finish()) {
-      output_.Report({0, 0, "", "no document is printed, and no PDF file is written", false});
+      output_.Report({0, 0, "",
+                      receipts::SayUtf8("no document is printed, and no PDF file is written"),
+                      false});
     }
     if (!dayFits_) {
-      output_.Report({0, 0, "", "the day's total is out of range and not printed", false});
+      output_.Report(
+          {0, 0, "", receipts::SayUtf8("the day's total is out of range and not printed"), false});
     } else if (!output_.Json() && printed_ != 0) {
       AppendDayTotal(output_.Out().Buffer(), day_, left_, layout_);
     }
@@ -110,9 +120,10 @@ class ReceiptsRun {
 
 std::function<int(const Stdio&)> MakeReceipts(const Options& options, const Plan& plan) {
   return [options, json = plan.json, rules = UsageRules(options.rules),
-          layout = UsageLayout(options.layout, options.rules)](const Stdio& stdio) {
+          layout = UsageLayout(options.layout, options.rules),
+          format = UsageFormat(options.format, UsageEra(options.layout.era))](const Stdio& stdio) {
     const DayInput input(options.file, stdio);
-    return ReceiptsRun(rules, layout, options.pdf, json, stdio).Run(input);
+    return ReceiptsRun(format, rules, layout, options.pdf, json, stdio).Run(input);
   };
 }
 
@@ -123,6 +134,7 @@ void DeclareReceipts(Command parent, Plan& plan) {
   const Command command = AddCommand(
       parent, plan, "receipts", "A day's sales documents from a CSV file, as receipts", kExamples);
   command.AddOption("FILE", options->file, "The file (default: standard input)");
+  AddFormat(command, options->format);
   AddRules(command, options->rules);
   AddLayout(command, options->layout);
   command.AddOption("--pdf", options->pdf, "The documents on pages of that file").TypeName("FILE");

@@ -4,6 +4,7 @@
 #include "apps/kvshare/commands/commands.h"
 #include "apps/kvshare/day/roundmodes.h"
 #include "apps/receipts/amounts.h"
+#include "apps/receipts/usertexts.h"
 #include "kvshare/messages/catalogue.h"
 #include "kvshare/money/money.h"
 
@@ -53,7 +54,7 @@ Transform MakeRound(const RoundOptions& options) {
   const bool unlisted = IsUnlistedCode(options.mode, options.Codes());
   return OnAmounts("amount", [mode = *mode, unlisted](Currency amount, Row& row) {
     receipts::AppendFourDecimals(row.Cell("rounded"), TKovraMoney::Round_Baht(amount, mode));
-    if (unlisted) row.Warn("the code is in no list: the amount stays as it is");
+    if (unlisted) row.Warn(receipts::Say("the code is in no list: the amount stays as it is"));
   });
 }
 

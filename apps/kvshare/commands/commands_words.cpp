@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "apps/kvshare/commands/commands.h"
+#include "apps/receipts/usertexts.h"
 #include "kvshare/money/money.h"
 
 namespace kvshare::app {
@@ -38,8 +39,9 @@ Speller EnglishSpeller(const std::string& currency) {
 }
 
 void WarnUnsafe(Currency amount, Row& row) {
-  row.Warn(amount.Raw() < 0 ? "the words do not say that the amount is negative"
-                            : "the amount is too large: the words are not its words");
+  row.Warn(amount.Raw() < 0
+               ? receipts::Say("the words do not say that the amount is negative")
+               : receipts::Say("the amount is too large: the words are not its words"));
 }
 
 Transform MakeWords(const Options& options) {

@@ -94,9 +94,9 @@ void ReadJson(TextTable& table, std::string_view json, std::uint64_t line) {
 class CsvReader {
  public:
   TextTable Read(std::string_view utf8) {
-    std::string_view trouble = rows_.Feed(utf8);
-    if (trouble.empty()) trouble = rows_.Finish();
-    if (!trouble.empty()) Refuse("line", rows_.Line(), trouble);
+    auto trouble = rows_.Feed(utf8);
+    if (!trouble) trouble = rows_.Finish();
+    if (trouble) Refuse("line", rows_.Line(), receipts::Say(*trouble));
     if (table_.Names().empty()) throw Exception("there is no heading");
     return std::move(table_);
   }

@@ -1,9 +1,12 @@
 #include "apps/kvshare/day/dayinput.h"
 
+#include <utility>
+
 #include "apps/kvshare/day/roundmodes.h"
 #include "apps/kvshare/terminal/usage.h"
 #include "kvshare/platform/verinfo.h"
 #include "kvshare/rtl/exceptions.h"
+#include "kvshare/rtl/strutils.h"
 #include "kvshare/settings/globals.h"
 #include "kvshare/settings/programsettings.h"
 
@@ -30,6 +33,48 @@ receipts::Rules UsageRules(const RuleOptions& options) {
   rules.vatPerLine = options.vat == "line";
   rules.priceIncludesVat = options.priceIncludesVat;
   return rules;
+}
+
+void AddFormat(Command command, FormatOptions& options) {
+  command
+      .AddOption("--encoding", options.encoding,
+                 "utf-8, utf-16le, utf-16be or cp874 (default: found by the content)")
+      .TypeName("NAME");
+  command
+      .AddOption("--separator", options.separator,
+                 "Of cells: comma, semicolon or tab (default: as in the header)")
+      .TypeName("NAME");
+  command.AddFlag("--decimal-comma", options.decimalComma, "Amounts are written 1.234,50");
+}
+
+namespace {
+
+char UsageSeparator(const std::string& name) {
+  constexpr std::pair<std::string_view, char> kNames[] = {
+      {"comma", ','}, {",", ','}, {"semicolon", ';'}, {";", ';'}, {"tab", '\t'}, {"\t", '\t'}};
+  if (name.empty()) return '\0';
+  for (const auto& [known, separator] : kNames) {
+    if (SameText(name, known)) return separator;
+  }
+  RefuseUsage("--separator", "'" + name + "' is not comma, semicolon or tab");
+}
+
+}  // namespace
+
+receipts::DayFormat UsageFormat(const FormatOptions& options, Word era) {
+  receipts::DayFormat format;
+  if (!options.encoding.empty()) {
+    const auto encoding = receipts::FindEncoding(options.encoding);
+    if (!encoding) {
+      RefuseUsage("--encoding",
+                  "'" + options.encoding + "' is not utf-8, utf-16le, utf-16be or cp874");
+    }
+    format.encoding = *encoding;
+  }
+  format.separator = UsageSeparator(options.separator);
+  if (options.decimalComma) format.decimalMark = receipts::DecimalMark::Comma;
+  format.era = era;
+  return format;
 }
 
 namespace {

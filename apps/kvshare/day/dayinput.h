@@ -27,6 +27,19 @@ void AddRules(Command command, RuleOptions& options);
 // Refuses the usage of a mode that there is not.
 receipts::Rules UsageRules(const RuleOptions& options);
 
+// How the file is written, as typed.
+struct FormatOptions {
+  std::string encoding;
+  std::string separator;
+  bool decimalComma = false;
+};
+
+// Adds `--encoding`, `--separator` and `--decimal-comma`.
+void AddFormat(Command command, FormatOptions& options);
+
+// Years of two digits are of `era`. Refuses the usage of an encoding or separator that there is not.
+receipts::DayFormat UsageFormat(const FormatOptions& options, Word era);
+
 // How receipts are set, as typed.
 struct LayoutOptions {
   std::string discount = "line";

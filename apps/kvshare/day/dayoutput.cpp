@@ -1,7 +1,8 @@
 #include "apps/kvshare/day/dayoutput.h"
 
+#include <utility>
+
 #include "apps/receipts/json.h"
-#include "kvshare/rtl/cp874.h"
 
 namespace kvshare::app {
 
@@ -12,11 +13,8 @@ void DayOutput::Report(const receipts::Problem& problem) {
   err_.EndLine();
 }
 
-void DayOutput::ReportDocument(const receipts::Document& document, std::string_view what,
-                               bool warning) {
-  Report({document.row, 0, "",
-          std::string("document ").append(Cp874ToUtf8Lossy(document.number)).append(what),
-          warning});
+void DayOutput::ReportDocument(const receipts::Document& document, std::string text, bool warning) {
+  Report({document.row, 0, "", std::move(text), warning});
 }
 
 void DayOutput::Print(const receipts::Document& document, const receipts::Receipt& receipt,

@@ -20,9 +20,8 @@ class DayOutput {
         json_(json) {}
 
   void Report(const receipts::Problem& problem);
-  // About a document as a whole; `what` (UTF-8) stands behind its number.
-  void ReportDocument(const receipts::Document& document, std::string_view what,
-                      bool warning = false);
+  // About a document as a whole; `text` (UTF-8) names it.
+  void ReportDocument(const receipts::Document& document, std::string text, bool warning = false);
 
   void Print(const receipts::Document& document, const receipts::Receipt& receipt,
              const receipts::Layout& layout);

@@ -1,6 +1,7 @@
 #include "apps/kvshare/terminal/itemloop.h"
 
 #include "apps/kvshare/terminal/progress.h"
+#include "apps/receipts/usertexts.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 
@@ -13,6 +14,10 @@ bool IsAscii(std::string_view text) {
   for (const char c : text) bits |= static_cast<unsigned char>(c);
   return bits < 0x80;
 }
+
+// What stands before an item's number in JSON.
+constexpr std::string_view kArgument = "argument";
+constexpr std::string_view kLine = "line";
 
 class ItemRun {
  public:
@@ -30,7 +35,7 @@ class ItemRun {
       row_.Clear();
       transform_(Decoded(utf8), row_);
       row_.AppendTo(out_.Buffer());
-      if (!row_.Warning().empty()) Report("warning: " + row_.Warning());
+      if (!row_.Warning().empty()) Report(receipts::Say("warning: ") + row_.Warning());
     } catch (const Exception& e) {
       Refuse(e.Message());
     }
@@ -39,7 +44,7 @@ class ItemRun {
 
   void TakeTooLong() {
     ++number_;
-    Refuse("the line has more than 16 MB");
+    Refuse(receipts::Say("the line has more than 16 MB"));
     out_.EndLine();
   }
 
@@ -81,7 +86,10 @@ class ItemRun {
   // Bytes below 32 come from the input and must not steer the terminal.
   void Report(std::string_view reason) {
     std::string& err = err_.Buffer();
-    err += std::string(place_) + " " + std::to_string(number_) + ": ";
+    const auto number = static_cast<std::int64_t>(number_);
+    err += place_ == kLine ? receipts::SayUtf8("line %d", {number})
+                           : receipts::SayUtf8("argument %d", {number});
+    err += ": ";
     for (const char c : Cp874ToUtf8Lossy(reason.substr(0, 500))) {
       err.push_back(static_cast<unsigned char>(c) < 32 || c == 127 ? '?' : c);
     }
@@ -104,11 +112,11 @@ class ItemRun {
 int RunItems(const Transform& transform, const std::vector<std::string>& operands, bool json,
              const Stdio& stdio) {
   if (!operands.empty()) {
-    ItemRun run(transform, json, "argument", stdio);
+    ItemRun run(transform, json, kArgument, stdio);
     for (const std::string& operand : operands) run.Take(operand);
     return run.Finish();
   }
-  ItemRun run(transform, json, "line", stdio);
+  ItemRun run(transform, json, kLine, stdio);
   LineReader reader(stdio.in, [&run](bool waits) { run.BeforeRead(waits); });
   std::string_view line;
   for (auto result = reader.Next(line); result != LineReader::Result::End;
