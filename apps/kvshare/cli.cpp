@@ -67,6 +67,7 @@ void Declare(CLI::App& app, Plan& plan) {
   DeclarePrinters(command, plan);
   DeclareDoctor(command, plan);
   DeclareSettings(command, plan);
+  DeclareShop(command, plan);
   DeclareVersion(command, plan);
 }
 

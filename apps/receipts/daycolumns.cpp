@@ -4,6 +4,7 @@
 #include <charconv>
 
 #include "apps/receipts/amounts.h"
+#include "apps/receipts/thaidigits.h"
 #include "apps/receipts/usertexts.h"
 #include "kvshare/dates/date.h"
 #include "kvshare/rtl/ascii.h"
@@ -31,18 +32,11 @@ int Digits(std::string_view text, std::size_t least, std::size_t most) {
   return value;
 }
 
-constexpr bool IsThaiDigit(char c) {
-  const auto byte = static_cast<unsigned char>(c);
-  return byte >= 0xF0 && byte <= 0xF9;
-}
-
 // The text itself, or `scratch` where it has Thai digits.
 std::string_view WithLatinDigits(std::string_view text, std::string& scratch) {
   if (std::ranges::none_of(text, IsThaiDigit)) return text;
   scratch = text;
-  for (char& c : scratch) {
-    if (IsThaiDigit(c)) c = static_cast<char>('0' + (static_cast<unsigned char>(c) - 0xF0));
-  }
+  std::ranges::transform(scratch, scratch.begin(), LatinDigit);
   return scratch;
 }
 

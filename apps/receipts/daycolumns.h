@@ -11,9 +11,27 @@
 
 namespace kvshare::receipts {
 
-enum class Column : std::uint8_t { Document, Date, Customer, Item, Quantity, Price, Discount, Vat };
-inline constexpr std::array<std::string_view, 8> kColumnNames = {
-    "document", "date", "customer", "item", "quantity", "price", "discount", "vat"};
+enum class Column : std::uint8_t {
+  Document,
+  Date,
+  Customer,
+  Item,
+  Quantity,
+  Price,
+  Discount,
+  Vat,
+  // A file may lack these.
+  Address,
+  TaxId,
+  Branch,
+  Reference,
+  ReferenceDate,
+  Reason,
+};
+inline constexpr std::array<std::string_view, 14> kColumnNames = {
+    "document", "date",    "customer", "item",   "quantity",  "price",          "discount",
+    "vat",      "address", "tax_id",   "branch", "reference", "reference_date", "reason"};
+inline constexpr std::size_t kNeededColumns = 8;  // the first of them
 
 // The column of a header cell, blanks around it and letter case ignored.
 std::optional<Column> FindColumn(std::string_view header);

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "apps/receipts/csvhead.h"
+#include "apps/receipts/party.h"
 #include "apps/receipts/usertexts.h"
 #include "apps/receipts/yearwarnings.h"
 #include "kvshare/rtl/cp874.h"
@@ -39,6 +40,17 @@ bool IsTotals(std::span<const std::string> cells) {
 std::string VatRateWarning(Currency rate) {
   if (rate <= 0_baht || rate >= 1_baht) return {};
   return SayUtf8("a VAT rate below one per cent: 7 per cent is written 7");
+}
+
+// Line breaks of any kind as LF.
+std::string WithLineFeeds(std::string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '\r' && text.substr(i + 1).starts_with('\n')) continue;
+    out.push_back(text[i] == '\r' ? '\n' : text[i]);
+  }
+  return out;
 }
 
 // At most 80 bytes of UTF-8, not cut inside a letter.
@@ -159,7 +171,7 @@ void DayReader::TakeHeader(std::uint64_t line, Cells cells) {
   for (std::size_t i = 0; i < cells.size(); ++i) {
     TakeHeaderCell(line, static_cast<int>(i) + 1, cells[i]);
   }
-  for (std::size_t i = 0; i < kColumnNames.size(); ++i) {
+  for (std::size_t i = 0; i < kNeededColumns; ++i) {
     if (positions_[i] == 0) {
       Report(line, SayUtf8("column %s is missing", {kColumnNames[i]}));
       stopped_ = true;
@@ -234,7 +246,45 @@ void DayReader::TakeHead(std::uint64_t line, Cells cells, Document& document, bo
       throw EConvertError(Say("the customer differs from the document's first"));
     }
   });
-  document.complete = document.complete && date && customer;
+  const bool particulars = TakeParticulars(line, cells, document, opened);
+  document.complete = document.complete && date && customer && particulars;
+}
+
+bool DayReader::TakeParticulars(std::uint64_t line, Cells cells, Document& document, bool opened) {
+  Particulars found;
+  bool sound = true;
+  bool any = false;
+  const auto take = [&](Column column, const std::function<void(std::string_view)>& read) {
+    if (!Has(column)) return;
+    sound = Read(column, line, cells,
+                 [&](std::string_view cell) {
+                   if (cell.empty()) return;
+                   any = true;
+                   read(cell);
+                 }) &&
+            sound;
+  };
+  const auto same = [&](auto Particulars::*member) {
+    const Particulars* first = document.particulars.get();
+    if (!opened && (first == nullptr || first->*member != found.*member)) {
+      throw EConvertError(Say("it differs from the document's first"));
+    }
+  };
+  const auto text = [&](std::string Particulars::*member, std::string value) {
+    found.*member = std::move(value);
+    same(member);
+  };
+  take(Column::Address, [&](auto cell) { text(&Particulars::address, WithLineFeeds(cell)); });
+  take(Column::TaxId, [&](auto cell) { text(&Particulars::taxId, ParseTaxId(cell)); });
+  take(Column::Branch, [&](auto cell) { text(&Particulars::branch, ParseBranch(cell)); });
+  take(Column::Reference, [&](auto cell) { text(&Particulars::reference, std::string(cell)); });
+  take(Column::ReferenceDate, [&](auto cell) {
+    found.referenceDate = ParseDate(cell, format_.era).date;
+    same(&Particulars::referenceDate);
+  });
+  take(Column::Reason, [&](auto cell) { text(&Particulars::reason, std::string(cell)); });
+  if (opened && any) document.particulars = std::make_shared<const Particulars>(std::move(found));
+  return sound;
 }
 
 void DayReader::Warn(Column column, std::uint64_t line, std::string text) {

@@ -24,9 +24,10 @@ struct DayFormat {
 };
 
 // Reads the file in blocks of any size. The first row names the columns, all of kColumnNames in any
-// order; others are ignored with a warning. A row `sep=;` may stand before it. Rows of one document
-// stand together; its date and customer may be left empty after its first row. Rows with empty
-// cells only are skipped, and rows of totals with a warning.
+// order but the last ones, which may be missing; others are ignored with a warning. A row `sep=;` may
+// stand before it. Rows of one document stand together; what is the document's and not the line's may
+// be left empty after its first row. Rows with empty cells only are skipped, and rows of totals with
+// a warning.
 //
 // Bytes that are not of the file's encoding end the reading with one problem at their line.
 //
@@ -61,6 +62,8 @@ class DayReader {
   bool TakeNumber(std::uint64_t line, Cells cells, std::string& number);
   Document& Open(std::uint64_t line, const std::string& number);
   void TakeHead(std::uint64_t line, Cells cells, Document& document, bool opened);
+  bool TakeParticulars(std::uint64_t line, Cells cells, Document& document, bool opened);
+  bool Has(Column column) const { return positions_[static_cast<std::size_t>(column)] != 0; }
   void Warn(Column column, std::uint64_t line, std::string text);
   void TakeLine(std::uint64_t line, Cells cells, Document& document);
   void SpoilNeighbours();

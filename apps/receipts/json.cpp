@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "apps/receipts/amounts.h"
+#include "apps/receipts/papertitle.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/formatdatetime.h"
 #include "kvshare/rtl/formatfloat.h"
@@ -34,9 +35,24 @@ Json RateObject(const RateAmounts& rate) {
   return {{"rate", Plain(rate.rate)}, {"net", Decimals(rate.net)}, {"vat", Decimals(rate.vat)}};
 }
 
+void AddParticulars(Json& object, const Particulars& particulars) {
+  const auto add = [&object](const char* name, const std::string& text) {
+    if (!text.empty()) object[name] = Cp874ToUtf8(text);
+  };
+  add("customer_address", particulars.address);
+  add("customer_tax_id", particulars.taxId);
+  add("customer_branch", particulars.branch);
+  add("reference", particulars.reference);
+  if (particulars.referenceDate) {
+    object["reference_date"] = FormatDateTime("yyyy-mm-dd", *particulars.referenceDate);
+  }
+  add("reason", particulars.reason);
+}
+
 }  // namespace
 
-void AppendJson(std::string& out, const Document& document, const Receipt& receipt) {
+void AppendJson(std::string& out, const Document& document, const Receipt& receipt,
+                const Seller& seller) {
   Json object = {{"document", Cp874ToUtf8(document.number)},
                  {"date", FormatDateTime("yyyy-mm-dd", document.date)},
                  {"customer", Cp874ToUtf8(document.customer)},
@@ -60,6 +76,8 @@ void AppendJson(std::string& out, const Document& document, const Receipt& recei
   if (TKovraMoney::EngNoteIsSafe(receipt.total)) {
     object["words_english"] = TKovraMoney::EngNote(receipt.total);
   }
+  object["kind"] = NameOf(TitleOf(document, receipt, seller));
+  if (document.particulars != nullptr) AddParticulars(object, *document.particulars);
   out += object.dump();
 }
 

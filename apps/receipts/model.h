@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,6 +22,17 @@ struct Line {
   std::uint64_t row = 0;
 };
 
+// What a tax paper says beside the customer's name; "" for what is not known.
+struct Particulars {
+  std::string address;  // the buyer's; its lines end in LF
+  std::string taxId;    // 13 digits
+  std::string branch;   // 5 digits, 00000 is the head office
+  // The invoice that a credit note reduces.
+  std::string reference;
+  std::optional<TDateTime> referenceDate;
+  std::string reason;
+};
+
 // Rows that stand together under one number.
 struct Document {
   std::string number;
@@ -28,6 +41,7 @@ struct Document {
   std::vector<Line> lines;
   std::uint64_t row = 0;  // of its first line
   bool complete = true;   // false: a row of it could not be read, so that it must not be printed
+  std::shared_ptr<const Particulars> particulars = nullptr;  // none where the file says none
 };
 
 }  // namespace kvshare::receipts

@@ -24,15 +24,21 @@ void AppendWrapped(std::string& out, std::string_view text, std::size_t width) {
 void AppendHead(std::string& out, const ReceiptTexts& texts, std::size_t width) {
   const std::string number = std::string(kNumber) + texts.number;
   out += Rule('=', width);
+  for (const std::string& line : texts.seller) AppendWrapped(out, line, width);
+  if (!texts.seller.empty()) out.push_back('\n');
   if (DisplayWidth(texts.title) + 2 + DisplayWidth(number) <= width) {
     out += texts.title + PadLeft(number, width - DisplayWidth(texts.title)) + "\n";
   } else {
     out.append(texts.title).push_back('\n');
     AppendWrapped(out, number, width);
   }
+  if (!texts.copy.empty()) out.append(texts.copy).push_back('\n');
   out.append(kDate).append(texts.date).push_back('\n');
   if (!texts.customer.empty()) {
     AppendWrapped(out, std::string(kCustomer) + texts.customer, width);
+  }
+  for (const auto& [label, text] : texts.particulars) {
+    AppendWrapped(out, std::string(label).append(" ").append(text), width);
   }
   out += Rule('-', width);
 }
@@ -50,8 +56,8 @@ void AppendSums(std::string& out, const std::vector<Sum>& sums, std::size_t widt
 }  // namespace
 
 void AppendReceipt(std::string& out, const Document& document, const Receipt& receipt,
-                   const Layout& layout) {
-  ReceiptTexts texts = TextsOf(document, receipt, layout);
+                   const Layout& layout, const Sheet& sheet) {
+  ReceiptTexts texts = TextsOf(document, receipt, layout, sheet);
   std::string text;
   AppendHead(text, texts, layout.width);
   Table table(layout.width);
@@ -60,6 +66,7 @@ void AppendReceipt(std::string& out, const Document& document, const Receipt& re
   table.AppendTo(text);
   text += Rule('-', layout.width);
   AppendSums(text, texts.sums, layout.width);
+  if (!texts.note.empty()) AppendWrapped(text, texts.note, layout.width);
   for (const std::string& words : texts.words) AppendWrapped(text, words, layout.width);
   text.push_back('\n');
   AppendUtf8(out, text);

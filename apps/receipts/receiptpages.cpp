@@ -17,6 +17,7 @@ constexpr int kTopMargin = 180;
 constexpr int kTitle = 200, kText = 100, kSmall = 80;
 constexpr int kTableFonts[] = {100, 90, 80, 70, 60};  // the first that leaves the items room
 constexpr int kLeastItem = 1300;
+constexpr int kLabelWidth = 1000;  // at least
 constexpr int kColumnGap = 100;
 constexpr int kPadding = 25;
 constexpr int kHair = 4, kThin = 7, kThick = 15;
@@ -51,11 +52,13 @@ ReceiptPages::ReceiptPages(TCanvas& canvas, TSize size, TSize pixelsPerInch, Rec
   pen_.On(clWhite);
   pen_.Use(kSmall);
   bottom_ -= pen_.LineHeight() + 3 * pen_.Down(kPadding);
+  AddSeller();
   AddTitle();
   MeasureTable();
   MakeTableHead();
   AddRows();
   AddSums();
+  AddNote();
   AddWords();
   AddSignatures();
   Place();
@@ -63,6 +66,31 @@ ReceiptPages::ReceiptPages(TCanvas& canvas, TSize size, TSize pixelsPerInch, Rec
 
 void ReceiptPages::AddLine(std::vector<Block>& to, int height, std::function<void(int)> draw) {
   to.push_back({height, std::move(draw)});
+}
+
+// The name larger than what follows it.
+void ReceiptPages::AddSeller() {
+  for (std::size_t i = 0; i < texts_.seller.size(); ++i) {
+    const int font = i == 0 ? kText + 30 : kText - 10;
+    pen_.Use(font, i == 0);
+    const auto widthOf = [this](std::string_view part) { return pen_.Width(part); };
+    for (const std::string& piece : Wrap(texts_.seller[i], right_ - left_, widthOf)) {
+      AddLine(head_, pen_.LineHeight(), [this, font, bold = i == 0, piece](int top) {
+        pen_.Use(font, bold);
+        pen_.Left(left_, top, piece);
+      });
+    }
+  }
+  if (!texts_.seller.empty()) AddLine(head_, pen_.Down(100), [](int) {});
+}
+
+void ReceiptPages::AddNote() {
+  if (texts_.note.empty()) return;
+  pen_.Use(kSmall);
+  AddLine(tail_, pen_.LineHeight() + pen_.Down(60), [this](int top) {
+    pen_.Use(kSmall);
+    pen_.Right(right_ - pen_.Across(kPadding), top, texts_.note);
+  });
 }
 
 void ReceiptPages::AddTitle() {
@@ -78,18 +106,23 @@ void ReceiptPages::AddTitle() {
   AddLine(head_, pen_.LineHeight() + pen_.Down(100), [this, english](int top) {
     pen_.Use(kText);
     pen_.Left(left_, top, english);
+    pen_.Right(right_, top, texts_.copy);
     pen_.Rule(left_, right_, top + pen_.LineHeight() + pen_.Down(40), kThick);
   });
+  labelWidth_ = pen_.Across(kLabelWidth);
+  for (const auto& [label, text] : texts_.particulars) {
+    labelWidth_ = std::max(labelWidth_, pen_.Width(label) + pen_.Across(kColumnGap));
+  }
   AddNamed(kNumber, texts_.number);
   AddNamed(kDate, texts_.date);
   if (!texts_.customer.empty()) AddNamed(kCustomer, texts_.customer);
+  for (const auto& [label, text] : texts_.particulars) AddNamed(label, text);
   AddLine(head_, pen_.Down(120), [](int) {});
 }
 
 // A label, and its text beside it in as many lines as it needs.
 void ReceiptPages::AddNamed(std::string_view label, const std::string& text) {
-  constexpr int kLabelWidth = 1000;
-  const int x = left_ + pen_.Across(kLabelWidth);
+  const int x = left_ + labelWidth_;
   const auto widthOf = [this](std::string_view part) { return pen_.Width(part); };
   pen_.Use(kText, true);
   bool first = true;

@@ -40,6 +40,7 @@ class ReceiptPages {
     int width = 0;
   };
 
+  void AddSeller();
   void AddTitle();
   void AddNamed(std::string_view label, const std::string& text);
   void MeasureTable();
@@ -48,6 +49,7 @@ class ReceiptPages {
   void AddRows();
   void AddRow(std::size_t row);
   void AddSums();
+  void AddNote();
   void AddWords();
   void AddSignatures();
   void AddLine(std::vector<Block>& to, int height, std::function<void(int)> draw);
@@ -60,6 +62,7 @@ class ReceiptPages {
   int left_, right_, top_, bottom_;  // of what is written
   ReceiptTexts texts_;
 
+  int labelWidth_ = 0;  // of the names in the head
   int tableFont_ = 0;
   int numberRight_ = 0;  // of the lines' own numbers
   int itemLeft_ = 0, itemWidth_ = 0;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "apps/receipts/papertitle.h"
 #include "kvshare/dates/date.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/format.h"
@@ -14,8 +15,9 @@ namespace {
 constexpr int kSatang = 100;  // ten-thousandths
 constexpr int kBaht = 100 * kSatang;
 
-constexpr std::string_view kReceipt = "ใบเสร็จรับเงิน / Receipt"_th;
-constexpr std::string_view kCreditNote = "ใบลดหนี้ / Credit note"_th;
+constexpr std::string_view kTaxId = "เลขประจำตัวผู้เสียภาษี / Tax ID"_th;
+constexpr std::string_view kPhone = "โทร. / Phone"_th;
+constexpr std::string_view kVatIncluded = "ยอดรวมทั้งสิ้นรวมภาษีมูลค่าเพิ่มแล้ว / The total includes VAT"_th;
 constexpr std::string_view kItem = "รายการ"_th;
 constexpr std::string_view kQuantity = "จำนวน"_th;
 constexpr std::string_view kPrice = "ราคา"_th;
@@ -64,7 +66,6 @@ class Amounts : public Decimals {
     for (const Currency amount : {receipt.net, receipt.vat, receipt.rounding}) Add(amount);
   }
 
- private:
   void Add(Currency amount) { MakeRoom(AmountDecimals(amount)); }
 };
 
@@ -102,11 +103,21 @@ std::vector<std::vector<std::string>> TableRows(const Document& document, const 
   return rows;
 }
 
-std::vector<Sum> SumsOf(const Receipt& receipt, const Layout& layout, const Amounts& amounts) {
+// The value before and after a credit note.
+void AddOriginal(std::vector<Sum>& sums, const Receipt& receipt, Currency original,
+                 const Amounts& amounts) {
+  sums.emplace_back("มูลค่าตามใบกำกับภาษีเดิม / Original value"_th, amounts.Text(original));
+  sums.emplace_back("มูลค่าที่ถูกต้อง / Right value"_th, amounts.Text(original + receipt.net));
+  sums.emplace_back("ผลต่าง / Difference"_th, amounts.Text(-receipt.net));
+}
+
+std::vector<Sum> SumsOf(const Receipt& receipt, const Layout& layout, const Amounts& amounts,
+                        const Currency* original) {
   std::vector<Sum> sums;
   const auto add = [&](std::string_view label, Currency amount) {
     sums.emplace_back(label, amounts.Text(amount));
   };
+  if (original != nullptr) AddOriginal(sums, receipt, *original, amounts);
   if (!layout.discountPerLine && receipt.discount != 0_baht) {
     add("รวม / Subtotal"_th, receipt.gross);
     add("ส่วนลด / Discount"_th, -receipt.discount);
@@ -132,25 +143,64 @@ std::vector<std::string> WordsOf(Currency total) {
   return words;
 }
 
-}  // namespace
-
-bool IsCreditNote(const Document& document, const Receipt& receipt) {
-  if (receipt.total != 0_baht) return receipt.total < 0_baht;
-  const auto negative = [](const Line& line) { return line.quantity < 0_baht; };
-  const auto notPositive = [](const Line& line) { return line.quantity <= 0_baht; };
-  return std::ranges::any_of(document.lines, negative) &&
-         std::ranges::all_of(document.lines, notPositive);
+std::vector<std::string> SellerLines(const Seller& seller) {
+  if (seller.name.empty()) return {};
+  std::vector<std::string> lines = {seller.name};
+  lines.insert(lines.end(), seller.address.begin(), seller.address.end());
+  if (!seller.phone.empty()) lines.push_back(std::string(kPhone) + " " + seller.phone);
+  if (!seller.taxId.empty()) {
+    lines.push_back(std::string(kTaxId) + " " + ShownTaxId(seller.taxId));
+    if (!seller.branch.empty()) lines.back() += "  " + ShownBranch(seller.branch);
+  }
+  return lines;
 }
 
-ReceiptTexts TextsOf(const Document& document, const Receipt& receipt, const Layout& layout) {
-  const Amounts amounts(receipt, layout.amountDigits);
-  return {std::string(IsCreditNote(document, receipt) ? kCreditNote : kReceipt),
+// Address and tax number of the buyer, and what a credit note refers to.
+std::vector<Sum> ParticularsOf(const Document& document, const Layout& layout) {
+  std::vector<Sum> texts;
+  const auto add = [&texts](std::string_view label, std::string text) {
+    if (!text.empty()) texts.emplace_back(label, std::move(text));
+  };
+  if (document.particulars == nullptr) return texts;
+  const Particulars& particulars = *document.particulars;
+  std::string address = particulars.address;
+  std::ranges::replace(address, '\n', ' ');
+  add("ที่อยู่ / Address"_th, std::move(address));
+  std::string taxId = ShownTaxId(particulars.taxId);
+  if (!particulars.branch.empty()) {
+    taxId.append(taxId.empty() ? "" : "  ").append(ShownBranch(particulars.branch));
+  }
+  add(kTaxId, std::move(taxId));
+  std::string reference = particulars.reference;
+  if (particulars.referenceDate) {
+    reference.append(reference.empty() ? "" : "  ");
+    reference += TKovraDate::ShowDate(*particulars.referenceDate, layout.yearOffset);
+  }
+  add("อ้างถึง / Reference"_th, std::move(reference));
+  add("สาเหตุ / Reason"_th, particulars.reason);
+  return texts;
+}
+
+}  // namespace
+
+ReceiptTexts TextsOf(const Document& document, const Receipt& receipt, const Layout& layout,
+                     const Sheet& sheet) {
+  const PaperTitle title = TitleOf(document, receipt, layout.seller);
+  const bool reduces = title == PaperTitle::CreditNote && sheet.originalNet >= 0_baht;
+  const Currency* const original = reduces ? &*sheet.originalNet : nullptr;
+  Amounts amounts(receipt, layout.amountDigits);
+  if (original != nullptr) amounts.Add(*original);
+  return {SellerLines(layout.seller),
+          std::string(ShownTitle(title)),
+          std::string(sheet.copy),
           document.number,
           TKovraDate::ShowDate(document.date, layout.yearOffset),
           document.customer,
+          ParticularsOf(document, layout),
           TableHead(layout),
           TableRows(document, receipt, layout, amounts),
-          SumsOf(receipt, layout, amounts),
+          SumsOf(receipt, layout, amounts, original),
+          std::string(title == PaperTitle::AbbreviatedTaxInvoice ? kVatIncluded : ""),
           WordsOf(receipt.total)};
 }
 

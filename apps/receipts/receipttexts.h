@@ -4,12 +4,15 @@
 // whole document shows as many, so that every column can be added up by hand.
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "apps/receipts/calc.h"
 #include "apps/receipts/model.h"
+#include "apps/receipts/party.h"
 #include "kvshare/rtl/types.h"
 
 namespace kvshare::receipts {
@@ -21,28 +24,37 @@ struct Layout {
   bool priceIncludesVat = false;
   Word yearOffset = 0;    // 543 for dates of the Buddhist era
   bool cashStep = false;  // show the rounding line even when it is 0
-  Word quantityDigits = 4;
+  Word quantityDigits = 0;
   Word priceDigits = 2;
   Word amountDigits = 2;
+  Seller seller;
 };
 
-// Whether all the document takes back what an invoice gave.
-bool IsCreditNote(const Document& document, const Receipt& receipt);
+// What one sheet of a document says besides.
+struct Sheet {
+  std::string_view copy;                // "" or which copy it is, in both languages
+  std::optional<Currency> originalNet;  // of the invoice that a credit note reduces
+};
 
 using Sum = std::pair<std::string, std::string>;  // label, amount
 
 struct ReceiptTexts {
-  std::string title;  // Thai / English, as all labels
+  std::vector<std::string> seller;  // lines; none for a seller that is not set
+  std::string title;                // Thai / English, as all labels
+  std::string copy;                 // may be empty
   std::string number;
   std::string date;
   std::string customer;                        // may be empty
+  std::vector<Sum> particulars;                // label and text: the buyer's, and the reference
   std::vector<std::string> head;               // of the table
   std::vector<std::vector<std::string>> rows;  // as many cells; all but the first are numbers
   std::vector<Sum> sums;                       // the total is the last
+  std::string note;                            // below the sums; may be empty
   std::vector<std::string> words;  // of the total: Thai, English, each only where it is safe
 };
 
-ReceiptTexts TextsOf(const Document& document, const Receipt& receipt, const Layout& layout);
+ReceiptTexts TextsOf(const Document& document, const Receipt& receipt, const Layout& layout,
+                     const Sheet& sheet = {});
 
 // The sums below all documents. `left` documents are not in them.
 std::vector<Sum> DayTexts(const DayTotal& day, std::uint64_t left, const Layout& layout);

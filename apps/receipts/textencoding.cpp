@@ -176,7 +176,7 @@ bool TextDecoder::Decode(std::string& out, bool final) {
   const std::size_t before = out.size();
   const bool known = encoding_ != TextEncoding::ByContent || FindByContent(out, final);
   const bool cut = known && DecodeKnown(out);
-  CountLines(std::string_view(out).substr(before));
+  CountLines(std::string_view{out}.substr(before));
   broken_ = known && !pending_.empty() && (final || !cut);
   return !broken_;
 }
@@ -215,7 +215,7 @@ bool TextDecoder::DecodeKnown(std::string& out) {
       break;
     case TextEncoding::Cp874:
       run = Cp874RunOf(pending_);
-      AppendUtf8(out, std::string_view(pending_).substr(0, run.bytes));
+      AppendUtf8(out, std::string_view{pending_}.substr(0, run.bytes));
       break;
     case TextEncoding::Utf16Le:
     case TextEncoding::Utf16Be:

@@ -67,6 +67,13 @@ inline constexpr UserTextRow kUserTexts[] = {
      "'%s' ติดลบ: ใบลดหนี้ให้ใส่ปริมาณติดลบ"_th},
     {"'%s' is negative: no discount", "'%s' ติดลบ: ไม่ใช่ส่วนลด"_th},
 
+    {"'%s' is no tax number: 13 digits", "'%s' ไม่ใช่เลขประจำตัวผู้เสียภาษี: ต้องมี 13 หลัก"_th},
+    {"'%s' is no tax number: its check digit is wrong",
+     "'%s' ไม่ใช่เลขประจำตัวผู้เสียภาษี: หลักตรวจสอบไม่ถูกต้อง"_th},
+    {"'%s' is no branch: 5 digits, 00000 for the head office",
+     "'%s' ไม่ใช่สาขา: 5 หลัก, สำนักงานใหญ่คือ 00000"_th},
+    {"it differs from the document's first", "ไม่ตรงกับแถวแรกของเอกสาร"_th},
+
     // Years.
     {"%d looks like a Christian year read as one of the Buddhist era",
      "%d ดูเหมือนปี ค.ศ. ที่อ่านเป็น พ.ศ."_th},
@@ -100,6 +107,19 @@ inline constexpr UserTextRow kUserTexts[] = {
      "เอกสาร %s: ไม่มีคำอ่านภาษาไทยและอังกฤษของ %.2n จึงมีแต่ตัวเลข"_th},
     {"no document is printed, and no PDF file is written", "ไม่มีเอกสารที่พิมพ์ และไม่ได้เขียนแฟ้ม PDF"_th},
     {"the day's total is out of range and not printed", "ยอดรวมของวันเกินขอบเขต จึงไม่ได้พิมพ์"_th},
+
+    {"no seller is set, and the papers name none; `kvshare shop set` sets one",
+     "ยังไม่ได้ตั้งผู้ขาย เอกสารจึงไม่มีชื่อผู้ขาย; ตั้งได้ด้วย `kvshare shop set`"_th},
+    {"full tax invoices need %s; documents without it: %d, the first is %s",
+     "ใบกำกับภาษีเต็มรูปต้องมี%s; เอกสารที่ไม่มี: %d, เอกสารแรกคือ %s"_th},
+    {"credit notes need %s; documents without it: %d, the first is %s",
+     "ใบลดหนี้ต้องมี%s; เอกสารที่ไม่มี: %d, เอกสารแรกคือ %s"_th},
+    {"the seller's address", "ที่อยู่ผู้ขาย"_th},
+    {"the buyer's address", "ที่อยู่ผู้ซื้อ"_th},
+    {"the invoice's number", "เลขที่ใบกำกับภาษีเดิม"_th},
+    {"the invoice's date", "วันที่ใบกำกับภาษีเดิม"_th},
+    {"the invoice's value, which is not in the file", "มูลค่าตามใบกำกับภาษีเดิม ซึ่งไม่อยู่ในแฟ้ม"_th},
+    {"the reason", "สาเหตุที่ลดหนี้"_th},
 
     // Posting.
     {"document %s is not posted: %s", "เอกสาร %s ไม่ได้ลงบัญชี: %s"_th},

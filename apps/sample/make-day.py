@@ -55,6 +55,10 @@ GOODS = [
     ("เก้าอี้สำนักงาน มีที่พักแขน", 345000, 7, [1, 4, 12]),
 ]
 
+STREETS = ["ถนนสุขุมวิท แขวงพระโขนง เขตคลองเตย กรุงเทพฯ 10110", "ถนนพระราม 4 แขวงสีลม เขตบางรัก กรุงเทพฯ 10500",
+           "ถนนรัตนาธิเบศร์ อ.เมือง จ.นนทบุรี 11000"]
+REASON = "สินค้าชำรุด"
+
 rng = random.Random(2569)
 
 
@@ -73,6 +77,20 @@ def customer():
     if kind < 0.9:
         return f"คุณ{rng.choice(FIRST)} {rng.choice(LAST)}"
     return ""  # cash over the counter
+
+
+def tax_id(number):
+    """Thirteen digits with their check digit, of no real company."""
+    digits = f"0999900000{number:02d}"
+    return digits + str((11 - sum(int(d) * (13 - i) for i, d in enumerate(digits)) % 11) % 10)
+
+
+def buyer(name):
+    """Address, tax number and branch; only companies ask for a full tax invoice."""
+    if name not in COMPANIES:
+        return ["", "", ""]
+    number = COMPANIES.index(name) + 1
+    return [f"{number * 7}/{number} {STREETS[number % len(STREETS)]}", tax_id(number), "00000"]
 
 
 def discount(price, quantity):
@@ -109,7 +127,8 @@ def credit(rows):
 
 def main():
     out = csv.writer(sys.stdout, lineterminator="\n")
-    out.writerow(["document", "date", "customer", "item", "quantity", "price", "discount", "vat"])
+    out.writerow(["document", "date", "customer", "item", "quantity", "price", "discount", "vat",
+                  "address", "tax_id", "branch", "reference", "reference_date", "reason"])
     returns = set(rng.sample(range(20, INVOICES), CREDIT_NOTES))
     credits = 0
     for number in range(1, INVOICES + 1):
@@ -118,13 +137,17 @@ def main():
         rows = sale()
         day = DAY_THAI if till else DAY_ISO
         document = f"{'CS' if till else 'IV'}6911-{number:04d}"
+        said = buyer(name) + ["", "", ""]  # on the first row
         for item, quantity, price, off, vat in rows:
             shown = price if till else grouped(price)
-            out.writerow([document, day, name, item, quantity, shown, off, vat])
+            out.writerow([document, day, name, item, quantity, shown, off, vat, *said])
+            said = [""] * 6
         if number in returns:
             credits += 1
+            said = buyer(name) + [document, day, REASON]
             for row in credit(rows):
-                out.writerow([f"CN6911-{credits:04d}", day, name, *row])
+                out.writerow([f"CN6911-{credits:04d}", day, name, *row, *said])
+                said = [""] * 6
 
 
 if __name__ == "__main__":

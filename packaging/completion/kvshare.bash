@@ -20,7 +20,7 @@ _kvshare_languages() {
 
 _kvshare_commands() {
   printf '%s\n' words round share qty format mask date encode decode key message receipts printers \
-    settings version files doctor connect sql edit dataset company post dialect dialog rights \
+    settings shop version files doctor connect sql edit dataset company post dialect dialog rights \
     replication log
 }
 
@@ -29,6 +29,7 @@ _kvshare_subcommands() {
   case $1 in
     date) printf '%s\n' show parse month explain ;;
     settings) printf '%s\n' list get set delete export import ;;
+    shop) printf '%s\n' set show ;;
     files) printf '%s\n' count list copy delete ;;
     log) printf '%s\n' show follow verify ;;
     connect) printf '%s\n' list test show tables ;;
@@ -67,6 +68,7 @@ _kvshare_options() { # _kvshare_options COMMAND
     "date parse") printf '%s\n' --era --loose --stamp ;;
     "settings list" | "settings delete") echo --recursive ;;
     "settings set") echo --integer ;;
+    "shop set") printf '%s\n' --name --address --tax-id --branch --phone ;;
     "settings export") printf '%s\n' --output --regedit4 ;;
     "files count" | "files list" | "files copy") printf '%s\n' --mask --recursive ;;
     "files delete") printf '%s\n' --mask --recursive --yes ;;
@@ -95,10 +97,10 @@ _kvshare_options() { # _kvshare_options COMMAND
     "printers picture") printf '%s\n' --title --pdf --printer ;;
     receipts)
       printf '%s\n' --encoding --separator --decimal-comma --round --vat-round --vat --discount \
-        --cash-step --era --price-includes-vat --width --pdf ;;
+        --cash-step --era --price-includes-vat --width --copies --pdf ;;
   esac
   case $1 in
-    edit | dialog | date | settings | files | log | connect | company | dataset | rights | replication) ;;
+    edit | dialog | date | settings | shop | "shop set" | files | log | connect | company | dataset | rights | replication) ;;
     printers | "printers print" | "printers picture") ;;
     "company add" | "company edit" | "company remove" | "company create") ;;
     "dataset convert" | "settings set" | "settings delete" | "settings export" | "settings import") ;;
@@ -131,6 +133,12 @@ _kvshare_value() {
       _kvshare_offer "$3" < <(_kvshare_modes) ;;
     "receipts --vat" | "post --vat" | "receipts --discount" | "post --discount")
       _kvshare_offer "$3" < <(printf '%s\n' line document) ;;
+    "receipts --encoding" | "post --encoding")
+      _kvshare_offer "$3" < <(printf '%s\n' utf-8 utf-16le utf-16be cp874) ;;
+    "receipts --separator" | "post --separator")
+      _kvshare_offer "$3" < <(printf '%s\n' comma semicolon tab) ;;
+    "receipts --copies") _kvshare_offer "$3" < <(printf '%s\n' original copy original,copy) ;;
+    "shop set "*) ;;
     "message --language") _kvshare_offer "$3" < <(_kvshare_languages) ;;
     "dataset "*" --from" | "dataset "*" --to")
       _kvshare_offer "$3" < <(printf '%s\n' packet csv json) ;;

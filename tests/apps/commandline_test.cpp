@@ -328,14 +328,15 @@ TEST(CommandLine, Receipts) {
             "line 5, column 6 (quantity): 'x' is no amount\n"
             "line 5: document B-1 is not printed: a row of it, or beside it, is in error\n"
             "line 4: warning: document C-1: no Thai and English words for -2,129.25, the figures "
-            "stand alone\n");
+            "stand alone\n"
+            "warning: no seller is set, and the papers name none; `kvshare shop set` sets one\n");
   EXPECT_THAT(got.out, StartsWith("==================================================\n"
                                   "ใบเสร็จรับเงิน / Receipt                     เลขที่ A-1\n"
                                   "วันที่ 24/11/2569\n"
                                   "ลูกค้า ร้านดี\n"
                                   "--------------------------------------------------\n"
                                   "รายการ            จำนวน      ราคา  ส่วนลด  จำนวนเงิน\n"
-                                  "กาแฟ             2.0000  1,000.00  10.00  1,990.00\n"));
+                                  "กาแฟ                  2  1,000.00  10.00  1,990.00\n"));
   EXPECT_THAT(got.out, HasSubstr("                        ปัดเศษ / Rounding     -0.18\n"
                                  "                         รวมทั้งสิ้น / Total  2,129.25\n"
                                  "(สองพันหนึ่งร้อยยี่สิบเก้าบาทยี่สิบห้าสตางค์)\n"
@@ -356,7 +357,8 @@ TEST(CommandLine, MessagesInThai) {
   EXPECT_EQ(receipts.err,
             "บรรทัดที่ 5, คอลัมน์ที่ 6 (quantity): 'x' ไม่ใช่จำนวน\n"
             "บรรทัดที่ 5: เอกสาร B-1 ไม่ได้พิมพ์: แถวของเอกสารหรือแถวที่ติดกันมีข้อผิดพลาด\n"
-            "บรรทัดที่ 4: คำเตือน: เอกสาร C-1: ไม่มีคำอ่านภาษาไทยและอังกฤษของ -2,129.30 จึงมีแต่ตัวเลข\n");
+            "บรรทัดที่ 4: คำเตือน: เอกสาร C-1: ไม่มีคำอ่านภาษาไทยและอังกฤษของ -2,129.30 จึงมีแต่ตัวเลข\n"
+            "คำเตือน: ยังไม่ได้ตั้งผู้ขาย เอกสารจึงไม่มีชื่อผู้ขาย; ตั้งได้ด้วย `kvshare shop set`\n");
 }
 
 TEST(CommandLine, ReceiptsFromAnExport) {
@@ -409,7 +411,8 @@ TEST(CommandLine, ReceiptsAsJson) {
   EXPECT_THAT(got.out,
               HasSubstr("\"net\":\"-1859.81\",\"vat\":\"-130.19\",\"vat_rates\":[{\"rate\":\"7\","
                         "\"net\":\"-1859.81\",\"vat\":\"-130.19\"}],\"rounding\":\"0.00\","
-                        "\"total\":\"-1990.00\",\"words_thai\":null,\"words_english\":null}\n"));
+                        "\"total\":\"-1990.00\",\"words_thai\":null,\"words_english\":null,"
+                        "\"kind\":\"credit_note\"}\n"));
 }
 
 TEST(CommandLine, ReceiptsNameAMissingFile) {

@@ -45,6 +45,7 @@ void DeclareCompanyCreate(Command company, Plan& plan);
 void DeclarePost(Command parent, Plan& plan);
 void DeclarePrinters(Command parent, Plan& plan);
 void DeclareReceipts(Command parent, Plan& plan);
+void DeclareShop(Command parent, Plan& plan);
 void DeclareVersion(Command parent, Plan& plan);
 void DeclareConnect(Command parent, Plan& plan);
 void DeclareEdit(Command parent, Plan& plan);

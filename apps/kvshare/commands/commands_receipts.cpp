@@ -1,12 +1,20 @@
 // `kvshare receipts`.
+#include <algorithm>
 #include <memory>
+#include <optional>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
 
 #include "apps/kvshare/commands/commands.h"
 #include "apps/kvshare/day/dayinput.h"
 #include "apps/kvshare/day/dayoutput.h"
 #include "apps/kvshare/day/daypaper.h"
+#include "apps/kvshare/day/lackings.h"
 #include "apps/kvshare/terminal/usage.h"
 #include "apps/receipts/usertexts.h"
+#include "kvshare/dates/date.h"
+#include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 
 namespace kvshare::app {
@@ -31,22 +39,63 @@ struct Options {
   FormatOptions format;
   RuleOptions rules;
   LayoutOptions layout;
+  std::string copies;
 };
+
+// Which copy a sheet is, as `--copies` names it and as the sheet says it.
+struct CopyRow {
+  std::string_view name;
+  std::string_view shown;
+};
+constexpr CopyRow kCopies[] = {
+    {"original", "ต้นฉบับ / Original"_th},
+    {"copy", "สำเนา / Copy"_th},
+};
+
+// One unnamed sheet for "".
+std::vector<std::string_view> UsageCopies(std::string_view names) {
+  if (names.empty()) return {""};
+  std::vector<std::string_view> copies;
+  while (true) {
+    const std::size_t comma = std::min(names.find(','), names.size());
+    const auto* row = std::ranges::find(kCopies, names.substr(0, comma), &CopyRow::name);
+    if (row == std::end(kCopies)) RefuseUsage("--copies", "is a list of original and copy");
+    copies.push_back(row->shown);
+    if (comma == names.size()) return copies;
+    names.remove_prefix(comma + 1);
+  }
+}
+
+// How documents are set, on a terminal and on pages.
+struct Looks {
+  receipts::Layout text;
+  receipts::Layout pages;
+  std::vector<std::string_view> copies;
+};
+
+// Thai papers are dated in the Buddhist era; text stays in the machine's, for scripts.
+Looks UsageLooks(const Options& options) {
+  Looks looks{UsageLayout(options.layout, options.rules), {}, UsageCopies(options.copies)};
+  looks.pages = looks.text;
+  if (options.layout.era.empty()) looks.pages.yearOffset = kBuddhistEraOffset;
+  return looks;
+}
 
 class ReceiptsRun {
  public:
   // With a `pdf` the documents stand there instead of on standard output.
-  ReceiptsRun(const receipts::DayFormat& format, receipts::Rules rules, receipts::Layout layout,
+  ReceiptsRun(const receipts::DayFormat& format, receipts::Rules rules, const Looks& looks,
               const std::string& pdf, bool json, const Stdio& stdio)
       : rules_(rules),
-        layout_(layout),
+        looks_(looks),
         paper_(pdf.empty() ? nullptr : std::make_unique<DayPaper>(pdf)),
         output_(stdio, json, paper_ == nullptr || json),
         reader_([this](const receipts::Problem& problem) { output_.Report(problem); }, format) {}
 
   int Run(const DayInput& input) {
     input.FeedTo(reader_);
-    for (const Document& document : reader_.Finish()) {
+    documents_ = reader_.Finish();
+    for (const Document& document : documents_) {
       document.complete ? Take(document) : static_cast<void>(++left_);
     }
     Finish();
@@ -59,14 +108,40 @@ class ReceiptsRun {
       const Receipt receipt = Calculate(document, rules_);
       AddToDay(receipt);
       WarnOfWords(document, receipt.total);
-      if (paper_) paper_->Print(document, receipt, layout_);
-      if (!paper_ || output_.Json()) output_.Print(document, receipt, layout_);
+      Print(document, receipt);
       output_.ShowProgress(++printed_);
     } catch (const receipts::UnprintableDocument& e) {
       ++left_;
       output_.Report(reader_.ProblemIn(e.Column(), e.Row(), e.what()));
       output_.ReportDocument(document,
                              receipts::SayUtf8("document %s is not printed", {document.number}));
+    }
+  }
+
+  void Print(const Document& document, const Receipt& receipt) {
+    receipts::Sheet sheet{"", OriginalNet(document)};
+    const auto missing = MissingOn(document, receipt, looks_.text.seller, sheet.originalNet);
+    if (missing) lackings_.Add(document, *missing, IsCreditNote(document, receipt));
+    if (output_.Json()) output_.Print(document, receipt, looks_.text);
+    for (const std::string_view copy : looks_.copies) {
+      sheet.copy = copy;
+      if (paper_) paper_->Print(document, receipt, looks_.pages, sheet);
+      if (!paper_ && !output_.Json()) output_.Print(document, receipt, looks_.text, sheet);
+    }
+  }
+
+  // The value of the invoice that a document refers to; nothing where the file does not have it.
+  std::optional<Currency> OriginalNet(const Document& document) {
+    if (document.particulars == nullptr || document.particulars->reference.empty()) return {};
+    if (byNumber_.empty()) {
+      for (const Document& known : documents_) byNumber_.emplace(known.number, &known);
+    }
+    const auto found = byNumber_.find(document.particulars->reference);
+    if (found == byNumber_.end() || !found->second->complete) return {};
+    try {
+      return Calculate(*found->second, rules_).net;
+    } catch (const receipts::UnprintableDocument&) {
+      return {};  // it is reported where it stands
     }
   }
 
@@ -102,28 +177,39 @@ class ReceiptsRun {
       output_.Report(
           {0, 0, "", receipts::SayUtf8("the day's total is out of range and not printed"), false});
     } else if (!output_.Json() && printed_ != 0) {
-      AppendDayTotal(output_.Out().Buffer(), day_, left_, layout_);
+      AppendDayTotal(output_.Out().Buffer(), day_, left_, looks_.text);
+    }
+    for (std::string& message : lackings_.Messages()) {
+      output_.Report({0, 0, "", std::move(message), true});
+    }
+    if (printed_ != 0 && looks_.text.seller.name.empty() && (paper_ || !output_.Json())) {
+      output_.Report({0, 0, "",
+                      receipts::SayUtf8("no seller is set, and the papers name none; `kvshare shop "
+                                        "set` sets one"),
+                      true});
     }
     output_.Finish();
   }
 
   receipts::Rules rules_;
-  receipts::Layout layout_;
+  const Looks& looks_;
   std::unique_ptr<DayPaper> paper_;
   DayOutput output_;
   receipts::DayReader reader_;
   receipts::DayTotal day_;
+  std::vector<Document> documents_;
+  std::unordered_map<std::string_view, const Document*> byNumber_;
+  Lackings lackings_;
   std::uint64_t printed_ = 0;
   std::uint64_t left_ = 0;
   bool dayFits_ = true;
 };
 
 std::function<int(const Stdio&)> MakeReceipts(const Options& options, const Plan& plan) {
-  return [options, json = plan.json, rules = UsageRules(options.rules),
-          layout = UsageLayout(options.layout, options.rules),
+  return [options, json = plan.json, rules = UsageRules(options.rules), looks = UsageLooks(options),
           format = UsageFormat(options.format, UsageEra(options.layout.era))](const Stdio& stdio) {
     const DayInput input(options.file, stdio);
-    return ReceiptsRun(format, rules, layout, options.pdf, json, stdio).Run(input);
+    return ReceiptsRun(format, rules, looks, options.pdf, json, stdio).Run(input);
   };
 }
 
@@ -137,6 +223,11 @@ void DeclareReceipts(Command parent, Plan& plan) {
   AddFormat(command, options->format);
   AddRules(command, options->rules);
   AddLayout(command, options->layout);
+  command
+      .AddOption(
+          "--copies", options->copies,
+          "Sheets of each document: a list of original and copy (default: one without a name)")
+      .TypeName("LIST");
   command.AddOption("--pdf", options->pdf, "The documents on pages of that file").TypeName("FILE");
   command.OnParsed([options, &plan] { plan.action = MakeReceipts(*options, plan); });
 }

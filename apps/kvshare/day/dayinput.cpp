@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "apps/kvshare/day/roundmodes.h"
+#include "apps/kvshare/day/shopsettings.h"
 #include "apps/kvshare/terminal/usage.h"
 #include "kvshare/platform/verinfo.h"
 #include "kvshare/rtl/exceptions.h"
@@ -79,6 +80,10 @@ receipts::DayFormat UsageFormat(const FormatOptions& options, Word era) {
 
 namespace {
 
+bool IsStored(std::string_view digits) {
+  return !TKovraRegistry().ReadRegistryString("", "Default", digits, "").empty();
+}
+
 void ReadDigits() {
   try {
     ReadNumberSettings(TKovraRegistry());
@@ -109,9 +114,10 @@ receipts::Layout UsageLayout(const LayoutOptions& options, const RuleOptions& ru
   layout.yearOffset = UsageEra(options.era);
   layout.cashStep = !rules.cashStep.empty();
   ReadDigits();
-  layout.quantityDigits = QtyDigit;
+  if (IsStored("QtyDigit")) layout.quantityDigits = QtyDigit;
   layout.priceDigits = UPrcDigit;
   layout.amountDigits = BahtDigit;
+  layout.seller = StoredSeller();
   return layout;
 }
 

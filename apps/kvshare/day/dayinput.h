@@ -50,7 +50,7 @@ struct LayoutOptions {
 // Adds `--discount`, `--era` and `--width`.
 void AddLayout(Command command, LayoutOptions& options);
 
-// In the digits that the user has stored for this command. Refuses the usage of an era that there
+// With the shop and in the digits that the user has stored for this command. Refuses the usage of an era that there
 // is not; throws EConvertError for digits that cannot be used.
 receipts::Layout UsageLayout(const LayoutOptions& options, const RuleOptions& rules);
 

@@ -18,12 +18,12 @@ void DayOutput::ReportDocument(const receipts::Document& document, std::string t
 }
 
 void DayOutput::Print(const receipts::Document& document, const receipts::Receipt& receipt,
-                      const receipts::Layout& layout) {
+                      const receipts::Layout& layout, const receipts::Sheet& sheet) {
   if (json_) {
-    AppendJson(out_.Buffer(), document, receipt);
+    AppendJson(out_.Buffer(), document, receipt, layout.seller);
     out_.EndLine();
   } else {
-    AppendReceipt(out_.Buffer(), document, receipt, layout);
+    AppendReceipt(out_.Buffer(), document, receipt, layout, sheet);
     out_.EndBlock();
   }
 }

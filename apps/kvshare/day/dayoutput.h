@@ -24,7 +24,7 @@ class DayOutput {
   void ReportDocument(const receipts::Document& document, std::string text, bool warning = false);
 
   void Print(const receipts::Document& document, const receipts::Receipt& receipt,
-             const receipts::Layout& layout);
+             const receipts::Layout& layout, const receipts::Sheet& sheet = {});
 
   void ShowProgress(std::uint64_t done) { progress_.Show(done); }
 

@@ -21,9 +21,9 @@ DayPaper::DayPaper(std::string_view fileName)
 }
 
 void DayPaper::Print(const receipts::Document& document, const receipts::Receipt& receipt,
-                     const receipts::Layout& layout) {
+                     const receipts::Layout& layout, const receipts::Sheet& sheet) {
   receipts::ReceiptPages pages(printer_->Canvas(), printer_->PageSize(), printer_->PixelsPerInch(),
-                               TextsOf(document, receipt, layout));
+                               TextsOf(document, receipt, layout, sheet));
   for (std::size_t page = 0; page < pages.Count(); ++page) {
     NamingFile(file_,
                [this] { printer_->Printing() ? printer_->NewPage() : printer_->BeginDoc(); });

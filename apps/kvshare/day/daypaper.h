@@ -20,7 +20,7 @@ class DayPaper {
 
   // Throws EPrinter where no font has the letters.
   void Print(const receipts::Document& document, const receipts::Receipt& receipt,
-             const receipts::Layout& layout);
+             const receipts::Layout& layout, const receipts::Sheet& sheet);
 
   // False where there was no document: then there is no file either. Throws EInOutError.
   bool Finish();
