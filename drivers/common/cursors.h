@@ -17,6 +17,7 @@
 
 namespace kvshare::drivers {
 
+// A cursor that may be asked to let go, by the connection on which it reads.
 class OpenCursor {
  public:
   OpenCursor() = default;
@@ -35,11 +36,14 @@ class OpenCursor {
 // The cursors of a connection that still read from the server.
 class OpenCursors {
  public:
+  // A cursor stays in the list until it has ended, was detached or is destroyed.
   void Add(OpenCursor* cursor) { cursors_.push_back(cursor); }
   void Remove(OpenCursor* cursor) noexcept { std::erase(cursors_, cursor); }
+  // Before any other statement on the connection, and before a transaction ends.
   void DetachAll() {
     for (OpenCursor* cursor : std::exchange(cursors_, {})) cursor->Detach();
   }
+  // Before the connection closes.
   void AbandonAll() noexcept {
     for (OpenCursor* cursor : std::exchange(cursors_, {})) cursor->Abandon();
   }
@@ -48,13 +52,16 @@ class OpenCursors {
   std::vector<OpenCursor*> cursors_;
 };
 
-// Rows in memory, front to back.
+// Rows in memory, front to back. Texts lie one behind the other in one block, so that a million
+// short values cost no million allocations; a cell has the number, or where its text lies.
 class MemoryRows {
  public:
   explicit MemoryRows(const std::vector<data::Column>& columns) {
     for (const data::Column& column : columns) kinds_.push_back(column.kind);
   }
 
+  // Copies the row that the source is on. A value that the source refuses is kept as its error,
+  // which is thrown when the value is read, as it would have been on the way.
   template <typename Source>
   void AddRowOf(const Source& source) {
     for (std::size_t i = 0; i < kinds_.size(); ++i) cells_.push_back(CellOf(source, i));
@@ -66,6 +73,7 @@ class MemoryRows {
     ++next_;
     return true;
   }
+  // Of the current row. The text stays valid as long as the rows do.
   bool IsNull(int column) const { return At(column).null; }
   std::int64_t Integer(int column) const { return Value(column).integer; }
   double Float(int column) const { return Value(column).real; }
@@ -176,6 +184,7 @@ class DetachableCursor final : public data::Cursor, private OpenCursor {
  private:
   enum class Place : std::uint8_t { BeforeFirst, OnRow, Ended };
 
+  // After the end, and after an error, there are no more rows: a client must not be asked again.
   bool NextOfSource() {
     if (place_ == Place::Ended) return false;
     place_ = Place::Ended;  // also where the source throws
@@ -186,6 +195,7 @@ class DetachableCursor final : public data::Cursor, private OpenCursor {
     open_.Remove(this);
     return false;
   }
+  // What failed while the rest was fetched is thrown where the rows end, once.
   bool NextInMemory() {
     if (rows_->Next()) return true;
     if (failure_) std::rethrow_exception(std::exchange(failure_, nullptr));
@@ -221,8 +231,8 @@ class DetachableCursor final : public data::Cursor, private OpenCursor {
   OpenCursors& open_;
   Source source_;
   Place place_ = Place::BeforeFirst;
-  std::unique_ptr<MemoryRows> rows_;
-  std::exception_ptr failure_;
+  std::unique_ptr<MemoryRows> rows_;  // once detached
+  std::exception_ptr failure_;        // behind the last of them
 };
 
 }  // namespace kvshare::drivers

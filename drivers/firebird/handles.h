@@ -31,6 +31,8 @@ class Transaction {
 
   bool Active() const { return handle_ != 0; }
   isc_tr_handle* Handle() { return &handle_; }
+  // Commit and Rollback throw DriverError and leave the transaction active where they fail, which
+  // Abandon then ends without a word.
   void Commit();
   void Rollback();
   void Abandon() noexcept;
@@ -42,6 +44,7 @@ class Transaction {
 // A description of columns or parameters, with room for their values.
 class Descriptor {
  public:
+  // For `room` columns; where the server needs more, Needed says how many.
   explicit Descriptor(ISC_SHORT room);
   XSQLDA* Get() { return reinterpret_cast<XSQLDA*>(memory_.get()); }
   const XSQLDA* Get() const { return reinterpret_cast<const XSQLDA*>(memory_.get()); }
@@ -58,8 +61,10 @@ class Descriptor {
   std::vector<ISC_SHORT> nulls_;
 };
 
+// A prepared statement. Firebird prepares inside a transaction, executes in any.
 class Statement {
  public:
+  // Throws DriverError with the place of a syntax error in its text.
   Statement(isc_db_handle& database, Transaction& transaction, std::string_view sql, int dialect);
   ~Statement() { Free(); }
   Statement(Statement&& other) noexcept
@@ -67,8 +72,10 @@ class Statement {
   Statement& operator=(Statement&&) = delete;
 
   isc_stmt_handle* Handle() { return &handle_; }
+  // Whether executing it opens rows; a statement with RETURNING gives its one row at once.
   bool IsSelect();
   Descriptor& Columns() { return columns_; }
+  // Inserted, updated and deleted together, by the last execution.
   std::int64_t RowsChanged();
   void Free() noexcept;
 
@@ -77,11 +84,13 @@ class Statement {
   Descriptor columns_;
 };
 
+// All bytes of a blob, and a new blob of these bytes; `text` marks it as text in UTF-8. A blob
+// belongs to the transaction in which it was written.
 std::string ReadBlob(isc_db_handle& database, Transaction& transaction, ISC_QUAD id);
 ISC_QUAD WriteBlob(isc_db_handle& database, Transaction& transaction, std::string_view bytes,
                    bool text);
 
-constexpr int kUtf8 = 4;  // the server's number of the character set
-constexpr int kOctets = 1;
+constexpr int kUtf8 = 4;    // the server's number of the character set
+constexpr int kOctets = 1;  // bytes that are no text
 
 }  // namespace kvshare::firebird

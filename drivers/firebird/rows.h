@@ -23,6 +23,7 @@ class Rows {
   Rows(isc_db_handle& database, Transaction& transaction, Statement statement, bool trimCharacters);
 
   const std::vector<data::Column>& Columns() const { return columns_; }
+  // Makes the texts of the row at once: dates, decimals and blobs come in forms of the client's.
   bool Next();
   bool IsNull(int column) const;
   std::int64_t Integer(int column) const;
@@ -41,7 +42,7 @@ class Rows {
   Transaction* transaction_;
   std::optional<Transaction> own_;
   mutable Statement statement_;
-  bool single_ = false;
+  bool single_ = false;  // one row, which the execution gave
   bool ended_ = false;
   std::vector<data::Column> columns_;
   std::vector<bool> trimmed_;

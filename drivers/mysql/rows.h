@@ -14,6 +14,7 @@
 
 namespace kvshare::mysql {
 
+// Owners of the client's results and statements.
 struct FreeResult {
   void operator()(MYSQL_RES* result) const { mysql_free_result(result); }
 };
@@ -29,7 +30,9 @@ class Rows {
  public:
   const std::vector<data::Column>& Columns() const { return columns_; }
   bool IsNull(int column) const { return cells_[Index(column)] == nullptr; }
+  // A BIT column is a number too. Throws DriverError for a text that is no whole number.
   std::int64_t Integer(int column) const;
+  // Moments in the form of the driver contract; valid until the next row.
   std::string_view Text(int column) const;
 
  protected:
@@ -37,6 +40,7 @@ class Rows {
   static std::size_t Index(int column) { return static_cast<std::size_t>(column); }
   std::string_view Raw(int column) const { return {cells_[Index(column)], sizes_[Index(column)]}; }
 
+  // Of the current row, in the client's memory.
   char** cells_ = nullptr;
   unsigned long* sizes_ = nullptr;
 
@@ -48,7 +52,7 @@ class Rows {
   mutable std::vector<std::string> scratch_;
 };
 
-// Of a statement without parameters.
+// Of a statement without parameters, streamed: the connection is busy until the last row or Close.
 class TextRows : public Rows {
  public:
   TextRows(MYSQL* connection, Result result)
@@ -62,7 +66,8 @@ class TextRows : public Rows {
   Result result_;
 };
 
-// Of a prepared statement that has been executed.
+// Of a prepared statement that has been executed. Short columns are fetched into buffers of their
+// declared width, long ones in a second call with the length that the first one told.
 class StatementRows : public Rows {
  public:
   StatementRows(Statement statement, Result description);

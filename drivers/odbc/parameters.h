@@ -1,3 +1,4 @@
+// Values bound to the parameters of a statement.
 #pragma once
 
 #include <deque>
@@ -12,8 +13,12 @@ namespace kvshare::odbc {
 // The values of a prepared statement's parameters, kept for as long as it executes.
 class BoundParameters {
  public:
+  // Binds all of them, in their order. The statement reads them when it executes, from the memory
+  // of this object and of `parameters`, which both have to live until then. Throws DriverError.
   BoundParameters(const Handle& statement, std::span<const data::ParameterValue> parameters);
 
+  // One a kind of value; each binds the next parameter. A decimal goes as text, so that no driver
+  // rounds it, a moment as the text of its server.
   void operator()(std::monostate);
   void operator()(const std::int64_t& value);
   void operator()(const double& value);
@@ -28,6 +33,7 @@ class BoundParameters {
 
   const Handle& statement_;
   SQLUSMALLINT number_ = 0;
+  // Deques, since the driver has the addresses of their elements.
   std::deque<std::u16string> texts_;
   std::deque<std::string> moments_;
   std::deque<SQLLEN> sizes_;

@@ -21,6 +21,8 @@ struct TextRules {
 
 class Rows {
  public:
+  // Of a statement that has been executed. Describes its columns and binds the short ones in
+  // blocks.
   Rows(Handle statement, TextRules rules);
   ~Rows() { Close(); }
   Rows(const Rows&) = delete;
@@ -29,6 +31,8 @@ class Rows {
   const std::vector<data::Column>& Columns() const { return columns_; }
   bool Next();
   bool IsNull(int column) const { return At(column).sizes[row_] == SQL_NULL_DATA; }
+  // Each throws DriverError for a value that is no such number; the text is valid until the next
+  // row.
   std::int64_t Integer(int column) const;
   double Float(int column) const;
   std::string_view Text(int column) const;
@@ -45,11 +49,15 @@ class Rows {
   };
 
   const Field& At(int column) const { return fields_[static_cast<std::size_t>(column)]; }
+  // What the driver says of a column, and how its values are fetched. SQLite's driver has no types
+  // of its own to tell: there the declared type decides, and compound selects have none.
   void Describe(SQLUSMALLINT number, TextRules rules);
   void DescribeForSqlite(SQLUSMALLINT number, bool compound, data::Column& column);
   std::string Attribute(SQLUSMALLINT number, SQLUSMALLINT attribute) const;
   void Bind();
+  // Several rows in one call; false at the end.
   bool FetchBlock();
+  // A value of the current row that was not bound: whole, or in parts.
   void Get(std::size_t column);
   void GetLong(std::size_t column);
   std::string_view Raw(int column) const;
@@ -62,8 +70,8 @@ class Rows {
   std::vector<data::Column> columns_;
   std::vector<Field> fields_;
   bool bound_ = true;
-  std::size_t row_ = 0;
-  SQLULEN fetched_ = 0;
+  std::size_t row_ = 0;  // in the block
+  SQLULEN fetched_ = 0;  // rows of the block
 };
 
 }  // namespace kvshare::odbc

@@ -10,6 +10,7 @@
 
 namespace kvshare {
 
+// What a box is about: its icon, and its caption unless it is mtCustom.
 enum class TMsgDlgType : std::uint8_t {
   mtWarning,
   mtError,
@@ -35,6 +36,7 @@ enum class TMsgDlgBtn : std::uint8_t {
 };
 using enum TMsgDlgBtn;
 
+// A set of buttons. Without any, a box can only be closed.
 class TMsgDlgButtons {
  public:
   constexpr TMsgDlgButtons(std::initializer_list<TMsgDlgBtn> buttons) {
@@ -50,6 +52,8 @@ class TMsgDlgButtons {
   std::uint32_t bits_ = 0;
 };
 
+// What a modal form or box answers: the button that closed it. mrNone is no answer: a form with it
+// stays open, a box that has no button to cancel gives it for Esc.
 inline constexpr int mrNone = 0;
 inline constexpr int mrOk = 1;
 inline constexpr int mrCancel = 2;

@@ -11,6 +11,8 @@
 
 namespace kvshare {
 
+// What was drawn, in the order of the calls, in device units from the top left of the printable
+// area. A text has its font and the colour behind it as they were at the call.
 struct TDrawnText {
   int x = 0;
   int y = 0;
@@ -41,6 +43,7 @@ class KVSHARE_API TRecordingPrinter : public TPrinter {
   TRecordingPrinter();
   ~TRecordingPrinter() override;
 
+  // May be set before a job; what was recorded stays until it is taken away.
   TSize pageSize{4800, 6600};  // 8 by 11 inches
   TSize pixelsPerInch{600, 600};
   std::vector<TRecordedJob> jobs;

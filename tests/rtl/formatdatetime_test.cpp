@@ -84,6 +84,7 @@ TEST(FormatDateTime, TwelveHourClock) {
   };
   constexpr Hour kCases[] = {
       {14, "ampm h", "pm 2", "a marker already printed"},
+      {14, "am/pm h A/P hh", "pm 2 P 02", "spelled in the pattern"},
       {14, "h h ampm", "14 2 pm", "an hour looks as far as the next hour"},
       {14, "h 'am/pm'", "14 am/pm", "a quoted marker is text"},
       {14, "h 'a' a/p", "2 a p", "past quoted text"},

@@ -150,6 +150,16 @@ TEST(ChangeString, RefusesWhatNeverEnds) {
   EXPECT_EQ(refusal("aab", "ab", wide), "Replacing 'ab' by '" + wide + "' does not come to an end");
 }
 
+// Sorting takes a replacement of two bytes for each pair, nearly all of them in what was inserted.
+TEST(ChangeString, EndsAtItsLimit) {
+  const auto sorted = [](std::size_t letters) {
+    const std::string a(letters, 'a'), b(letters, 'b');
+    return S::ChangeString(a + b, "ab", "ba") == b + a;
+  };
+  EXPECT_TRUE(sorted(2890)) << "16,704,200 bytes";
+  EXPECT_THROW(sorted(2905), EConvertError) << "16,878,050 bytes, past 2^24 and the text's 5,810";
+}
+
 // The steps as they are described: search, delete, insert, from the start again.
 std::optional<std::string> ChangeByTheSteps(std::string text, std::string_view old,
                                             std::string_view with) {

@@ -17,6 +17,7 @@
 
 namespace kvshare::data {
 
+// How a value lies in memory: numbers as they are, all else as text.
 enum class CellKind : std::uint8_t { Null, Integer, Real, Text };
 
 // Which kind the values of a form have when they are not null.
@@ -113,6 +114,7 @@ class Record {
   Record(const RecordLayout& layout, const RecordBuffer& buffer);
 
   explicit operator bool() const { return block_ != nullptr; }
+  // The layout has to be the one that the record was made with; the block does not know its size.
   Record Copy(const RecordLayout& layout) const;
 
   bool IsNull(int column) const { return Bit(static_cast<std::size_t>(column)); }
@@ -120,6 +122,8 @@ class Record {
   bool IsGiven(const RecordLayout& layout, int column) const {
     return Bit(layout.GivenAt() * 8 + static_cast<std::size_t>(column));
   }
+  // Of a column that is not null, by its kind; another kind's reader gives bits without a meaning.
+  // The text is valid as long as the record.
   std::int64_t Integer(const RecordLayout& layout, int column) const {
     return Slot<std::int64_t>(layout, column);
   }
@@ -159,8 +163,10 @@ class RecordBuffer {
  public:
   void Resize(int columns) { values_.resize(static_cast<std::size_t>(columns)); }
   void Clear();  // all null, nothing assigned or given
+  // Copies all values; none counts as assigned then.
   void Load(const RecordLayout& layout, const Record& record);
 
+  // Copies the cell's text. Every put counts as assigned, of an equal value too.
   void Put(int column, const Cell& cell);
   Cell At(int column) const;
   CellKind Kind(int column) const { return Value(column).kind; }
