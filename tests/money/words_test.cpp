@@ -157,6 +157,13 @@ TEST(Words, SafeAmountsEndWhereTheSpellingDoes) {
   EXPECT_FALSE(TKovraMoney::EngNoteIsSafe(-0.01_baht));
 }
 
+TEST(ThaiWord, SpellsSixDigits) {
+  for (int value = 0; value < 1'000'000; value += 37) {
+    const std::string digits = Format("%.6d", {value});
+    ASSERT_EQ(TKovraMoney::ThaiWord(digits), DescribedThaiWord(digits)) << digits;
+  }
+}
+
 TEST(ThaiWord, RefusesWhatIsNotSixDigits) {
   for (const char* text : {"", "12345", "1234567", "12345 ", "$00001", "-00001", "0000.5"}) {
     EXPECT_THROW(TKovraMoney::ThaiWord(text), EConvertError) << text;
