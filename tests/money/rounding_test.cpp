@@ -122,6 +122,14 @@ TEST(Rounding, EveryModeIsAsDescribed) {
   }
 }
 
+TEST(Rounding, AModeThatThereIsNotKeepsTheAmount) {
+  const Currency amount = Currency::FromRaw(12'3456);
+  for (const int mode : {kRoundModes, kRoundModes + 1, 255}) {
+    EXPECT_EQ(TKovraMoney::Round_Baht(amount, static_cast<TKovraMoneyRound>(mode)), amount) << mode;
+    EXPECT_EQ(TKovraMoney::Round_Baht(amount, static_cast<Word>(mode)), amount) << mode;
+  }
+}
+
 // On the whole quotient: no step of four decimals in between.
 TEST(Rounding, AQuotientIsRoundedOnce) {
   std::mt19937_64 random(25690405);
