@@ -61,6 +61,7 @@ void Declare(CLI::App& app, Plan& plan) {
   DeclareDataset(command, plan);
   DeclareCompany(command, plan);
   DeclarePost(command, plan);
+  DeclareReprint(command, plan);
   DeclareRights(command, plan);
   DeclareReplication(command, plan);
   DeclareDialog(command, plan);

@@ -1,7 +1,11 @@
 #include "apps/posting/books.h"
 
+#include <memory>
 #include <string>
+#include <vector>
 
+#include "apps/posting/eposting.h"
+#include "apps/posting/paperrules.h"
 #include "apps/receipts/amounts.h"
 #include "apps/receipts/usertexts.h"
 #include "kvshare/data/sql/sqlquery.h"
@@ -82,6 +86,32 @@ bool SameLines(TSQLConnection& connection, const Document& document, const Recei
   return query.Eof();
 }
 
+constexpr std::string_view kPaper =
+    "SELECT PAP_RULES, PAP_ADDRESS, PAP_TAXID, PAP_BRANCH, PAP_REFERENCE, PAP_REFDATE, PAP_REASON"
+    " FROM DOCPAPER WHERE %s";
+
+receipts::Particulars ParticularsIn(const TSQLQuery& row) {
+  receipts::Particulars found;
+  found.address = row.Fields(1).AsString();
+  found.taxId = row.Fields(2).AsString();
+  found.branch = row.Fields(3).AsString();
+  found.reference = row.Fields(4).AsString();
+  if (!row.Fields(5).IsNull()) found.referenceDate = row.Fields(5).AsDateTime();
+  found.reason = row.Fields(6).AsString();
+  return found;
+}
+
+receipts::Particulars ParticularsOf(const Document& document) {
+  return document.particulars ? *document.particulars : receipts::Particulars();
+}
+
+// True as well where another program has written the document without a paper.
+bool SameParticulars(TSQLConnection& connection, const Document& document) {
+  TSQLQuery row;
+  OpenFor(row, connection, document.number, Format(kPaper, {IsNumber("PAP_DOC")}));
+  return row.Eof() || ParticularsIn(row) == ParticularsOf(document);
+}
+
 // Two values of one kind, as a person reads them.
 class Differences {
  public:
@@ -131,6 +161,20 @@ void CompareHead(Differences& found, TSQLConnection& connection, const Document&
   found.Compare("rounding", row.Fields(5).AsCurrency(), receipt.rounding);
 }
 
+void CompareParticulars(Differences& found, TSQLConnection& connection, const Document& document) {
+  TSQLQuery row;
+  OpenFor(row, connection, document.number, Format(kPaper, {IsNumber("PAP_DOC")}));
+  if (row.Eof()) return;
+  const receipts::Particulars there = ParticularsIn(row), here = ParticularsOf(document);
+  found.CompareText("address", there.address, here.address);
+  found.CompareText("tax_id", there.taxId, here.taxId);
+  found.CompareText("branch", there.branch, here.branch);
+  found.CompareText("reference", there.reference, here.reference);
+  found.Compare("reference_date", there.referenceDate.value_or(TDateTime()),
+                here.referenceDate.value_or(TDateTime()));
+  found.CompareText("reason", there.reason, here.reason);
+}
+
 void CompareLine(Differences& found, const TSQLQuery& row, const Line& line,
                  const LineAmounts& amounts) {
   found.CompareText("item", row.Fields(0).AsString(), line.item);
@@ -148,6 +192,7 @@ std::string DifferenceInBooks(TSQLConnection& connection, const Document& docume
                               const Receipt& receipt) {
   Differences found;
   CompareHead(found, connection, document, receipt);
+  CompareParticulars(found, connection, document);
   TSQLQuery row;
   OpenFor(row, connection, document.number, LinesOfDocument());
   for (std::size_t i = 0; i < document.lines.size() && !row.Eof(); ++i, row.Next()) {
@@ -166,9 +211,66 @@ Stored FindInBooks(TSQLConnection& connection, const Document& document, const R
             Format("SELECT DOC_NO FROM DOCUMENT WHERE %s", {IsNumber("DOC_NO")}));
     if (query.Eof()) return Stored::Missing;
   }
-  const bool same =
-      SameHead(connection, document, receipt) && SameLines(connection, document, receipt);
+  const bool same = SameHead(connection, document, receipt) &&
+                    SameLines(connection, document, receipt) &&
+                    SameParticulars(connection, document);
   return same ? Stored::Same : Stored::Other;
+}
+
+namespace {
+
+// The lines as they were read from the day's file.
+std::vector<Line> LinesInBooks(TSQLConnection& connection, const std::string& number) {
+  TSQLQuery row;
+  OpenFor(row, connection, number, LinesOfDocument());
+  std::vector<Line> lines;
+  for (; !row.Eof(); row.Next()) {
+    lines.push_back({row.Fields(0).AsString(), row.Fields(1).AsCurrency(),
+                     row.Fields(2).AsCurrency(), row.Fields(3).AsCurrency(),
+                     row.Fields(4).AsCurrency(), 0});
+  }
+  return lines;
+}
+
+}  // namespace
+
+std::optional<Posted> ReadFromBooks(TSQLConnection& connection, const std::string& number) {
+  Posted posted;
+  posted.document.number = number;
+  {
+    TSQLQuery head;
+    OpenFor(head, connection, number,
+            Format("SELECT DOC_DATE, DOC_CUSTOMER FROM DOCUMENT WHERE %s", {IsNumber("DOC_NO")}));
+    if (head.Eof()) return std::nullopt;
+    posted.document.date = head.Fields(0).AsDateTime();
+    posted.document.customer = head.Fields(1).AsString();
+  }
+  posted.document.lines = LinesInBooks(connection, number);
+  {
+    TSQLQuery paper;
+    OpenFor(paper, connection, number, Format(kPaper, {IsNumber("PAP_DOC")}));
+    const auto rules = paper.Eof() ? std::nullopt : RulesOfText(paper.Fields(0).AsString());
+    if (!rules)
+      throw EPosting(receipts::Say("the books do not say by which rules it was computed"));
+    posted.rules = *rules;
+    posted.document.particulars =
+        std::make_shared<const receipts::Particulars>(ParticularsIn(paper));
+  }
+  try {
+    posted.receipt = Calculate(posted.document, posted.rules);
+    if (FindInBooks(connection, posted.document, posted.receipt) == Stored::Same) return posted;
+  } catch (const receipts::UnprintableDocument&) {
+    // Lines that come to nothing were not posted so either.
+  }
+  throw EPosting(receipts::Say("its amounts in the books do not follow from its lines"));
+}
+
+std::optional<Currency> NetInBooks(TSQLConnection& connection, const std::string& number) {
+  TSQLQuery row;
+  OpenFor(row, connection, number,
+          Format("SELECT DOC_NET FROM DOCUMENT WHERE %s", {IsNumber("DOC_NO")}));
+  if (row.Eof()) return std::nullopt;
+  return row.Fields(0).AsCurrency();
 }
 
 }  // namespace kvshare::posting

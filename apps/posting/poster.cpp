@@ -2,6 +2,7 @@
 
 #include "apps/posting/books.h"
 #include "apps/posting/company.h"
+#include "apps/posting/paperrules.h"
 #include "apps/receipts/usertexts.h"
 #include "kvshare/database/dblog.h"
 #include "kvshare/database/sqlfunc.h"
@@ -28,12 +29,18 @@ void RequireNumberThatFits(std::string_view number) {
 // Texts and amounts travel as parameters. The runners of statements cut a line at its first `;` and
 // take a line break for the end of one, in quotes too; a customer's name may have both, and quotes
 // and backslashes, which each server spells its own way.
-Poster::Poster(TSQLConnection& connection) : connection_(connection) {
+Poster::Poster(TSQLConnection& connection, const receipts::Rules& rules)
+    : connection_(connection), rules_(TextOfRules(rules)) {
   document_.SetSQLConnection(&connection);
   document_.SQL().Add(
       "INSERT INTO DOCUMENT (DOC_NO, DOC_DATE, DOC_CUSTOMER, DOC_LINES, DOC_NET, DOC_VAT,"
       " DOC_ROUNDING, DOC_TOTAL, DOC_POSTED, DOC_SENDNO)"
       " VALUES (:NO, :DAY, :CUSTOMER, :LINES, :NET, :VAT, :ROUNDING, :TOTAL, :POSTED, :SENDNO)");
+  paper_.SetSQLConnection(&connection);
+  paper_.SQL().Add(
+      "INSERT INTO DOCPAPER (PAP_DOC, PAP_NO, PAP_RULES, PAP_ADDRESS, PAP_TAXID, PAP_BRANCH,"
+      " PAP_REFERENCE, PAP_REFDATE, PAP_REASON)"
+      " VALUES (:DOC, 1, :RULES, :ADDRESS, :TAXID, :BRANCH, :REFERENCE, :REFDATE, :REASON)");
   line_.SetSQLConnection(&connection);
   line_.SQL().Add(
       "INSERT INTO DOCLINE (LIN_DOC, LIN_NO, LIN_ITEM, LIN_QTY, LIN_PRICE, LIN_DISCOUNT,"
@@ -78,6 +85,7 @@ void Poster::Log(const Document& document, const Receipt& receipt, std::string_v
 void Poster::Write(const Document& document, const Receipt& receipt, std::string_view sendNumber) {
   StatementTransaction transaction(connection_);  // all of a document or nothing of it
   WriteHead(document, receipt, sendNumber);
+  WritePaper(document);
   for (std::size_t i = 0; i < document.lines.size(); ++i) WriteLine(document, receipt, i);
   transaction.Commit();
 }
@@ -96,6 +104,26 @@ void Poster::WriteHead(const Document& document, const Receipt& receipt,
   values.ParamByName("POSTED").SetAsDateTime(ServerDateTime(connection_, SQLServerDateTime));
   values.ParamByName("SENDNO").SetAsString(sendNumber);
   document_.ExecSQL();
+}
+
+void Poster::WritePaper(const Document& document) {
+  const receipts::Particulars none;
+  const receipts::Particulars& particulars = document.particulars ? *document.particulars : none;
+  TParams& values = paper_.Params();
+  const auto put = [&values](std::string_view name, const std::string& text) {
+    TParam& value = values.ParamByName(name);
+    text.empty() ? value.Clear() : value.SetAsString(text);
+  };
+  values.ParamByName("DOC").SetAsString(document.number);
+  values.ParamByName("RULES").SetAsString(rules_);
+  put("ADDRESS", particulars.address);
+  put("TAXID", particulars.taxId);
+  put("BRANCH", particulars.branch);
+  put("REFERENCE", particulars.reference);
+  TParam& date = values.ParamByName("REFDATE");
+  particulars.referenceDate ? date.SetAsDate(*particulars.referenceDate) : date.Clear();
+  put("REASON", particulars.reason);
+  paper_.ExecSQL();
 }
 
 void Poster::WriteLine(const Document& document, const Receipt& receipt, std::size_t index) {

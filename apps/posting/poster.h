@@ -6,24 +6,19 @@
 #include <string>
 #include <string_view>
 
+#include "apps/posting/eposting.h"
 #include "apps/receipts/calc.h"
 #include "apps/receipts/model.h"
 #include "kvshare/data/sql/sqlconnection.h"
 #include "kvshare/data/sql/sqlquery.h"
-#include "kvshare/rtl/exceptions.h"
 
 namespace kvshare::posting {
-
-// A document that cannot be posted; the others can. The message is code page 874.
-class EPosting : public Exception {
- public:
-  using Exception::Exception;
-};
 
 // Posts documents to a company (company.h) over an open connection whose dialect is loaded.
 class Poster {
  public:
-  explicit Poster(TSQLConnection& connection);
+  // The rules by which the receipts are computed are kept with each document.
+  explicit Poster(TSQLConnection& connection, const receipts::Rules& rules = {});
 
   // Whether the holder of the position may post.
   bool MayPost(std::int32_t position);
@@ -46,11 +41,14 @@ class Poster {
              std::string_view sendNumber);
   void WriteHead(const receipts::Document& document, const receipts::Receipt& receipt,
                  std::string_view sendNumber);
+  void WritePaper(const receipts::Document& document);
   void WriteLine(const receipts::Document& document, const receipts::Receipt& receipt,
                  std::size_t index);
 
   TSQLConnection& connection_;
+  std::string rules_;
   TSQLQuery document_;
+  TSQLQuery paper_;
   TSQLQuery line_;
 };
 

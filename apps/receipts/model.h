@@ -31,6 +31,8 @@ struct Particulars {
   std::string reference;
   std::optional<TDateTime> referenceDate;
   std::string reason;
+
+  bool operator==(const Particulars&) const = default;
 };
 
 // Rows that stand together under one number.

@@ -97,6 +97,7 @@ inline constexpr UserTextRow kUserTexts[] = {
 
     // Receipts.
     {"document %s is not printed", "เอกสาร %s ไม่ได้พิมพ์"_th},
+    {"document %s is not printed: %s", "เอกสาร %s ไม่ได้พิมพ์: %s"_th},
     {"document %s is not printed: a row of it, or beside it, is in error",
      "เอกสาร %s ไม่ได้พิมพ์: แถวของเอกสารหรือแถวที่ติดกันมีข้อผิดพลาด"_th},
     {"document %s: no Thai words for %.2n, the figures stand alone",
@@ -128,6 +129,9 @@ inline constexpr UserTextRow kUserTexts[] = {
     {"it is posted already, with another content: %s", "ลงบัญชีแล้วด้วยเนื้อหาอื่น: %s"_th},
     {"%s%s: %s there, %s here", "%s%s: ในบัญชี %s ที่นี่ %s"_th},
     {"line %d, ", "รายการที่ %d, "_th},
+    {"the books do not say by which rules it was computed", "สมุดบัญชีไม่ได้บอกว่าคำนวณด้วยกฎใด"_th},
+    {"its amounts in the books do not follow from its lines", "จำนวนเงินในสมุดบัญชีไม่ตรงกับรายการ"_th},
+    {"there is no document %s in the books", "ไม่มีเอกสาร %s ในสมุดบัญชี"_th},
     {"interrupted: what is posted stays posted", "หยุดกลางคัน: ที่ลงบัญชีแล้วยังคงอยู่"_th},
     {"document %s is posted, but not in the log: %s", "เอกสาร %s ลงบัญชีแล้ว แต่ไม่อยู่ในบันทึก: %s"_th},
     {"%.2n baht", "%.2n บาท"_th},

@@ -20,7 +20,7 @@ _kvshare_languages() {
 
 _kvshare_commands() {
   printf '%s\n' words round share qty format mask date encode decode key message receipts printers \
-    settings shop version files doctor connect sql edit dataset company post dialect dialog rights \
+    settings shop version files doctor connect sql edit dataset company post reprint dialect dialog rights \
     replication log
 }
 
@@ -88,6 +88,7 @@ _kvshare_options() { # _kvshare_options COMMAND
     post)
       printf '%s\n' --connect --position --encoding --separator --decimal-comma --round --vat-round \
         --vat --cash-step --price-includes-vat --print --discount --era --width ;;
+    reprint) printf '%s\n' --connect --discount --era --width --copies --pdf ;;
     "rights "* | "replication "*) echo --connect ;;
     "log show") printf '%s\n' --file --day --user --computer ;;
     "log follow") printf '%s\n' --file --lines --once ;;
@@ -131,30 +132,30 @@ _kvshare_value() {
     "receipts --round" | "receipts --vat-round" | "receipts --cash-step" | \
       "post --round" | "post --vat-round" | "post --cash-step")
       _kvshare_offer "$3" < <(_kvshare_modes) ;;
-    "receipts --vat" | "post --vat" | "receipts --discount" | "post --discount")
+    "receipts --vat" | "post --vat" | "receipts --discount" | "post --discount" | "reprint --discount")
       _kvshare_offer "$3" < <(printf '%s\n' line document) ;;
     "receipts --encoding" | "post --encoding")
       _kvshare_offer "$3" < <(printf '%s\n' utf-8 utf-16le utf-16be cp874) ;;
     "receipts --separator" | "post --separator")
       _kvshare_offer "$3" < <(printf '%s\n' comma semicolon tab) ;;
-    "receipts --copies") _kvshare_offer "$3" < <(printf '%s\n' original copy original,copy) ;;
+    "receipts --copies" | "reprint --copies") _kvshare_offer "$3" < <(printf '%s\n' original copy original,copy) ;;
     "shop set "*) ;;
     "message --language") _kvshare_offer "$3" < <(_kvshare_languages) ;;
     "dataset "*" --from" | "dataset "*" --to")
       _kvshare_offer "$3" < <(printf '%s\n' packet csv json) ;;
     "date show --layout") _kvshare_offer "$3" < <(_kvshare_layouts) ;;
     "date show --language") _kvshare_offer "$3" < <(printf '%s\n' th en) ;;
-    "date show --era" | "date parse --era" | "receipts --era" | "post --era" | "edit --era" | \
+    "date show --era" | "date parse --era" | "receipts --era" | "post --era" | "reprint --era" | "edit --era" | \
       "dialog --era")
       _kvshare_offer "$3" < <(printf '%s\n' 543 0) ;;
     "printers "*" --printer") _kvshare_offer "$3" < <(_kvshare_printers) ;;
     *" --connect" | "company "*" --connection") _kvshare_offer "$3" < <(_kvshare_connections) ;;
-    "receipts --pdf" | "printers picture --pdf" | "sql --batch" | "encode --key-file" | "decode --key-file" | "settings export --output" | "dialect --file" | "log "*" --file" | \
+    "receipts --pdf" | "reprint --pdf" | "printers picture --pdf" | "sql --batch" | "encode --key-file" | "decode --key-file" | "settings export --output" | "dialect --file" | "log "*" --file" | \
       "company "*" --list" | "company "*" --log")
       _kvshare_offer_files "$3" ;;
     "printers picture --title" | "dialect --field" | "dialect --value" | "dialect --date") ;;
     "log show --day" | "log show --user" | "log show --computer" | "log follow --lines") ;;
-    "encode --key" | "decode --key" | "words --currency" | "qty --sku" | "receipts --width" | "post --width") ;;
+    "encode --key" | "decode --key" | "words --currency" | "qty --sku" | "receipts --width" | "post --width" | "reprint --width") ;;
     "company "*" --pos-data" | "company "*" --pos-packing" | "company "*" --packing") ;;
     "company "*" --reports" | "company "*" --documents" | "company "*" --rename") ;;
     "files "*" --mask" | "post --position" | "edit --key" | "edit --set") ;;

@@ -39,7 +39,8 @@ const std::string kHead = "document,date,customer,item,quantity,price,discount,v
 class Posting : public ServerCompany {
  protected:
   Posting() {
-    for (const char* table : {"DOCUMENT", "DOCLINE", "SCTYTAB", "KOVRASYNC", "KOVRAVERSION"}) {
+    for (const char* table :
+         {"DOCUMENT", "DOCLINE", "DOCPAPER", "SCTYTAB", "KOVRASYNC", "KOVRAVERSION"}) {
       DropTable(table);
     }
     connection_->Close();
@@ -287,6 +288,51 @@ TEST_F(Posting, ReceiptsOfWhatIsPosted) {
   const std::string third = "D3,2026-11-24,,c,1,1,,7\n";
   EXPECT_THAT(Post(kHead + third, {"--print", "--json"}).out,
               StartsWith(Kvshare({"receipts", "--json"}, kHead + third).out + "{\"posted\":1,"));
+}
+
+// From the books, equal to the day's own print.
+TEST_F(Posting, ReprintsWhatWasPosted) {
+  const Day day;
+  std::vector<std::string> numbers;
+  for (const auto& document : day.documents) numbers.push_back(document.number);
+  const std::vector<std::vector<std::string>> rules = {
+      {},
+      {"--vat", "line", "--price-includes-vat", "--cash-step", "mrDownTo25", "--round",
+       "mrUpTo25"}};
+  for (const std::vector<std::string>& options : rules) {
+    for (const char* table : {"DOCUMENT", "DOCLINE", "DOCPAPER"})
+      Run(Format("DELETE FROM %s", {table}));
+    EXPECT_EQ(Post(day.text, options).status, 0);
+    std::vector<std::string> print = {"receipts", "--era", "543", "--width", "60"};
+    print.insert(print.end(), options.begin(), options.end());
+    const std::string receipts = Kvshare(print, day.text).out;
+    std::vector<std::string> reprint = {"reprint", "--connect", kAlias, "--era",
+                                        "543",     "--width",   "60"};
+    reprint.insert(reprint.end(), numbers.begin(), numbers.end());
+    const Outcome got = Kvshare(reprint);
+    EXPECT_EQ(got.status, 0) << got.err;
+    const std::size_t total = receipts.rfind("====\nยอดรวมทั้งวัน");
+    EXPECT_EQ(got.out, receipts.substr(0, total - 56));
+  }
+  const Outcome unknown = Kvshare({"reprint", "--connect", kAlias, "nobody"});
+  EXPECT_EQ(unknown.status, 1);
+  EXPECT_EQ(unknown.err, "there is no document nobody in the books\n");
+}
+
+TEST_F(Posting, ThePaperBelongsToTheContent) {
+  const std::string head =
+      "document,date,customer,item,quantity,price,discount,vat,address,reason\n";
+  const std::string day = head + "D1,2026-11-24,C,a,1,10,,7,\"1 ถนน\nกรุงเทพฯ\",\n";
+  EXPECT_EQ(Post(day).status, 0);
+  EXPECT_EQ(nlohmann::json::parse(Post(day).out)["there"], 1);
+  const Outcome other = Post(head + "D1,2026-11-24,C,a,1,10,,7,2 ถนน,ชำรุด\n");
+  EXPECT_EQ(other.status, 1);
+  EXPECT_THAT(other.err, HasSubstr("reason: '' there, 'ชำรุด' here"));
+  Run("DELETE FROM DOCPAPER");  // as another program may have written it
+  EXPECT_EQ(nlohmann::json::parse(Post(day).out)["there"], 1);
+  const Outcome got = Kvshare({"reprint", "--connect", kAlias, "D1"});
+  EXPECT_EQ(got.status, 1);
+  EXPECT_THAT(got.err, HasSubstr("the books do not say by which rules it was computed"));
 }
 
 TEST_F(Posting, AKilledRunLeavesWholeDocumentsAndTheNextFinishes) {

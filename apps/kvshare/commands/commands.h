@@ -44,6 +44,7 @@ void DeclareCompany(Command parent, Plan& plan);
 void DeclareCompanyCreate(Command company, Plan& plan);
 void DeclarePost(Command parent, Plan& plan);
 void DeclarePrinters(Command parent, Plan& plan);
+void DeclareReprint(Command parent, Plan& plan);
 void DeclareReceipts(Command parent, Plan& plan);
 void DeclareShop(Command parent, Plan& plan);
 void DeclareVersion(Command parent, Plan& plan);

@@ -6,23 +6,21 @@
 #include <vector>
 
 #include "apps/kvshare/commands/commands.h"
-#include "apps/kvshare/commands/startedlibrary.h"
+#include "apps/kvshare/commands/opencompany.h"
 #include "apps/kvshare/data/connections.h"
 #include "apps/kvshare/day/dayinput.h"
 #include "apps/kvshare/day/dayoutput.h"
 #include "apps/kvshare/system/process.h"
+#include "apps/posting/books.h"
 #include "apps/posting/company.h"
 #include "apps/posting/poster.h"
 #include "apps/receipts/amounts.h"
 #include "apps/receipts/usertexts.h"
-#include "kvshare/database/dbxconf.h"
-#include "kvshare/database/sqldialect.h"
 #include "kvshare/database/sqlreplication.h"
 #include "kvshare/messages/catalogue.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/format.h"
-#include "kvshare/settings/globals.h"
 
 namespace kvshare::app {
 
@@ -62,26 +60,6 @@ Settings UsageSettings(const Options& options, bool json) {
   if (options.print) settings.layout = UsageLayout(options.layout, options.rules);
   return settings;
 }
-
-// A connection's database with the globals of a company: its server's dialect and its log.
-class OpenCompany {
- public:
-  explicit OpenCompany(const std::string& connect) {
-    OpenConnection(connection_, connect);
-    const std::string alias = connection_.ConnectionName();
-    KovraAliasName = alias;
-    KovraAliasTradeName = GetdbxTradeName(alias);
-    KovraLogDatabaseName = GetKovraShareDataPath() + "Log\\";
-    KovraLogTableName = alias + ".log";
-    WithoutBoxes([] { ReadSQLIntf(""); });
-  }
-
-  TSQLConnection& Connection() { return connection_; }
-
- private:
-  StartedLibrary library_;
-  TSQLConnection connection_;  // closed before the library ends
-};
 
 // That nothing was written is said of a batch alone: the tables and their rows come in two.
 std::string WhatFailed(const TSQLBatchReport& report) {
@@ -133,7 +111,7 @@ class PostRun {
  public:
   PostRun(TSQLConnection& connection, const Settings& settings, const Stdio& stdio)
       : connection_(connection),
-        poster_(connection),
+        poster_(connection, settings.rules),
         settings_(settings),
         output_(stdio, settings.json, settings.layout.has_value()),
         reader_([this](const receipts::Problem& problem) { output_.Report(problem); },
@@ -162,10 +140,11 @@ class PostRun {
     try {
       if (!document.complete) throw posting::EPosting(receipts::Say("a row of it cannot be read"));
       const Receipt receipt = Calculate(document, settings_.rules);
+      const receipts::Sheet sheet{"", OriginalNet(document)};
       std::optional<std::string> sendNumber;
       WithoutBoxes([&] { sendNumber = poster_.Post(document, receipt); });
       if (sendNumber) {
-        TakePosted(document, receipt, *sendNumber);
+        TakePosted(document, receipt, sheet, *sendNumber);
       } else {
         ++tally_.wasThere;
       }
@@ -182,9 +161,10 @@ class PostRun {
   }
 
   // Nothing that goes wrong from here on takes the document out of the books again.
-  void TakePosted(const Document& document, const Receipt& receipt, const std::string& sendNumber) {
+  void TakePosted(const Document& document, const Receipt& receipt, const receipts::Sheet& sheet,
+                  const std::string& sendNumber) {
     tally_.Add(document, receipt, sendNumber);
-    if (settings_.layout) output_.Print(document, receipt, *settings_.layout);
+    if (settings_.layout) output_.Print(document, receipt, *settings_.layout, sheet);
     output_.ShowProgress(tally_.documents);
     try {
       WithoutBoxes([&] { posting::Poster::Log(document, receipt, sendNumber); });
@@ -192,6 +172,15 @@ class PostRun {
       throw EEndOfRun(receipts::Say("document %s is posted, but not in the log: %s",
                                     {document.number, e.Message()}));
     }
+  }
+
+  // The value of the invoice that a printed document refers to, from the books.
+  std::optional<Currency> OriginalNet(const Document& document) {
+    std::optional<Currency> net;
+    const bool refers = document.particulars != nullptr && !document.particulars->reference.empty();
+    if (!settings_.layout || !refers) return net;
+    WithoutBoxes([&] { net = posting::NetInBooks(connection_, document.particulars->reference); });
+    return net;
   }
 
   void Leave(const Document& document, std::string_view why) {
@@ -243,12 +232,6 @@ class PostRun {
   receipts::DayReader reader_;
   Tally tally_;
 };
-
-void RequireCompany(TSQLConnection& connection, const std::string& connect) {
-  if (posting::IsCompany(connection)) return;
-  throw Exception("there is no company in this database; `kvshare company create --connect " +
-                  UsageText("--connect", connect) + "` makes one");
-}
 
 void RequireRight(TSQLConnection& connection, std::int32_t position) {
   bool granted = false;

@@ -1,5 +1,4 @@
 // `kvshare receipts`.
-#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -9,12 +8,9 @@
 #include "apps/kvshare/commands/commands.h"
 #include "apps/kvshare/day/dayinput.h"
 #include "apps/kvshare/day/dayoutput.h"
-#include "apps/kvshare/day/daypaper.h"
-#include "apps/kvshare/day/lackings.h"
+#include "apps/kvshare/day/sheetprinter.h"
 #include "apps/kvshare/terminal/usage.h"
 #include "apps/receipts/usertexts.h"
-#include "kvshare/dates/date.h"
-#include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 
 namespace kvshare::app {
@@ -42,54 +38,13 @@ struct Options {
   std::string copies;
 };
 
-// Which copy a sheet is, as `--copies` names it and as the sheet says it.
-struct CopyRow {
-  std::string_view name;
-  std::string_view shown;
-};
-constexpr CopyRow kCopies[] = {
-    {"original", "ต้นฉบับ / Original"_th},
-    {"copy", "สำเนา / Copy"_th},
-};
-
-// One unnamed sheet for "".
-std::vector<std::string_view> UsageCopies(std::string_view names) {
-  if (names.empty()) return {""};
-  std::vector<std::string_view> copies;
-  while (true) {
-    const std::size_t comma = std::min(names.find(','), names.size());
-    const auto* row = std::ranges::find(kCopies, names.substr(0, comma), &CopyRow::name);
-    if (row == std::end(kCopies)) RefuseUsage("--copies", "is a list of original and copy");
-    copies.push_back(row->shown);
-    if (comma == names.size()) return copies;
-    names.remove_prefix(comma + 1);
-  }
-}
-
-// How documents are set, on a terminal and on pages.
-struct Looks {
-  receipts::Layout text;
-  receipts::Layout pages;
-  std::vector<std::string_view> copies;
-};
-
-// Thai papers are dated in the Buddhist era; text stays in the machine's, for scripts.
-Looks UsageLooks(const Options& options) {
-  Looks looks{UsageLayout(options.layout, options.rules), {}, UsageCopies(options.copies)};
-  looks.pages = looks.text;
-  if (options.layout.era.empty()) looks.pages.yearOffset = kBuddhistEraOffset;
-  return looks;
-}
-
 class ReceiptsRun {
  public:
-  // With a `pdf` the documents stand there instead of on standard output.
   ReceiptsRun(const receipts::DayFormat& format, receipts::Rules rules, const Looks& looks,
               const std::string& pdf, bool json, const Stdio& stdio)
       : rules_(rules),
-        looks_(looks),
-        paper_(pdf.empty() ? nullptr : std::make_unique<DayPaper>(pdf)),
-        output_(stdio, json, paper_ == nullptr || json),
+        output_(stdio, json, pdf.empty() || json),
+        sheets_(output_, looks, pdf),
         reader_([this](const receipts::Problem& problem) { output_.Report(problem); }, format) {}
 
   int Run(const DayInput& input) {
@@ -107,26 +62,13 @@ class ReceiptsRun {
     try {
       const Receipt receipt = Calculate(document, rules_);
       AddToDay(receipt);
-      WarnOfWords(document, receipt.total);
-      Print(document, receipt);
-      output_.ShowProgress(++printed_);
+      sheets_.Print(document, receipt, OriginalNet(document));
+      output_.ShowProgress(sheets_.Printed());
     } catch (const receipts::UnprintableDocument& e) {
       ++left_;
       output_.Report(reader_.ProblemIn(e.Column(), e.Row(), e.what()));
       output_.ReportDocument(document,
                              receipts::SayUtf8("document %s is not printed", {document.number}));
-    }
-  }
-
-  void Print(const Document& document, const Receipt& receipt) {
-    receipts::Sheet sheet{"", OriginalNet(document)};
-    const auto missing = MissingOn(document, receipt, looks_.text.seller, sheet.originalNet);
-    if (missing) lackings_.Add(document, *missing, IsCreditNote(document, receipt));
-    if (output_.Json()) output_.Print(document, receipt, looks_.text);
-    for (const std::string_view copy : looks_.copies) {
-      sheet.copy = copy;
-      if (paper_) paper_->Print(document, receipt, looks_.pages, sheet);
-      if (!paper_ && !output_.Json()) output_.Print(document, receipt, looks_.text, sheet);
     }
   }
 
@@ -153,60 +95,31 @@ class ReceiptsRun {
     }
   }
 
-  void WarnOfWords(const Document& document, Currency total) {
-    const bool thai = TKovraMoney::ThaiNoteIsSafe(total);
-    const bool english = TKovraMoney::EngNoteIsSafe(total);
-    if (thai && english) return;
-    const receipts::UserText text =
-        thai ? receipts::UserText("document %s: no English words for %.2n, the figures stand alone")
-        : english
-            ? receipts::UserText("document %s: no Thai words for %.2n, the figures stand alone")
-            : receipts::UserText(
-                  "document %s: no Thai and English words for %.2n, the "
-                  "figures stand alone");
-    output_.ReportDocument(document, receipts::SayUtf8(text, {document.number, total}), true);
-  }
-
   void Finish() {
-    if (paper_ && !paper_->Finish()) {
-      output_.Report({0, 0, "",
-                      receipts::SayUtf8("no document is printed, and no PDF file is written"),
-                      false});
-    }
     if (!dayFits_) {
       output_.Report(
           {0, 0, "", receipts::SayUtf8("the day's total is out of range and not printed"), false});
-    } else if (!output_.Json() && printed_ != 0) {
-      AppendDayTotal(output_.Out().Buffer(), day_, left_, looks_.text);
+    } else if (!output_.Json() && sheets_.Printed() != 0) {
+      AppendDayTotal(output_.Out().Buffer(), day_, left_, sheets_.TextLayout());
     }
-    for (std::string& message : lackings_.Messages()) {
-      output_.Report({0, 0, "", std::move(message), true});
-    }
-    if (printed_ != 0 && looks_.text.seller.name.empty() && (paper_ || !output_.Json())) {
-      output_.Report({0, 0, "",
-                      receipts::SayUtf8("no seller is set, and the papers name none; `kvshare shop "
-                                        "set` sets one"),
-                      true});
-    }
+    sheets_.Finish();
     output_.Finish();
   }
 
   receipts::Rules rules_;
-  const Looks& looks_;
-  std::unique_ptr<DayPaper> paper_;
   DayOutput output_;
+  SheetPrinter sheets_;
   receipts::DayReader reader_;
   receipts::DayTotal day_;
   std::vector<Document> documents_;
   std::unordered_map<std::string_view, const Document*> byNumber_;
-  Lackings lackings_;
-  std::uint64_t printed_ = 0;
   std::uint64_t left_ = 0;
   bool dayFits_ = true;
 };
 
 std::function<int(const Stdio&)> MakeReceipts(const Options& options, const Plan& plan) {
-  return [options, json = plan.json, rules = UsageRules(options.rules), looks = UsageLooks(options),
+  return [options, json = plan.json, rules = UsageRules(options.rules),
+          looks = UsageLooks(options.layout, options.rules, options.copies),
           format = UsageFormat(options.format, UsageEra(options.layout.era))](const Stdio& stdio) {
     const DayInput input(options.file, stdio);
     return ReceiptsRun(format, rules, looks, options.pdf, json, stdio).Run(input);
@@ -223,11 +136,7 @@ void DeclareReceipts(Command parent, Plan& plan) {
   AddFormat(command, options->format);
   AddRules(command, options->rules);
   AddLayout(command, options->layout);
-  command
-      .AddOption(
-          "--copies", options->copies,
-          "Sheets of each document: a list of original and copy (default: one without a name)")
-      .TypeName("LIST");
+  AddCopies(command, options->copies);
   command.AddOption("--pdf", options->pdf, "The documents on pages of that file").TypeName("FILE");
   command.OnParsed([options, &plan] { plan.action = MakeReceipts(*options, plan); });
 }
