@@ -14,10 +14,10 @@ namespace kvshare::posting {
 enum class Stored : std::uint8_t { Missing, Same, Other };
 
 // Looks for the document by its number, letter case respected, through the dialect that is loaded.
-// Same is the very document: date, customer and amounts, the particulars of its paper, and each line
-// with its item, quantity, price, discount, VAT rate and amounts; texts byte for byte, numbers to the
-// last digit. A document that differs in anything is Other. One that another program has written
-// without particulars may have any. Throws EDatabaseError.
+// Same is the very document: date, customer and amounts, the particulars of its paper, and each
+// line with its item, quantity, price, discount, VAT rate and amounts; texts byte for byte, numbers
+// to the last digit. A document that differs in anything is Other. One that another program has
+// written without particulars may have any. Throws EDatabaseError.
 Stored FindInBooks(TSQLConnection& connection, const receipts::Document& document,
                    const receipts::Receipt& receipt);
 

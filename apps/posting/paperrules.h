@@ -9,9 +9,9 @@
 
 namespace kvshare::posting {
 
-// `mrTwoDigits mrTwoDigits document net -`: the modes of lines and of VAT, whether VAT is computed per
-// `line` or `document`, whether prices are `net` or `with VAT` in one word (`gross`), and the mode of
-// the total, `-` for none.
+// `mrTwoDigits mrTwoDigits document net -`: the modes of lines and of VAT, whether VAT is computed
+// per `line` or `document`, whether prices are `net` or `with VAT` in one word (`gross`), and the
+// mode of the total, `-` for none.
 std::string TextOfRules(const receipts::Rules& rules);
 
 // Nothing for another text.

@@ -16,9 +16,10 @@
 
 namespace kvshare::receipts {
 
-// Cells are separated by commas, or by the separator that is set before the first byte, and may stand
-// in quotes, inner quotes doubled; in quotes a cell may hold separators and line breaks. Rows end at CR LF, LF or CR. Blanks around an unquoted cell are
-// dropped, empty lines too. Bytes come in blocks of any size.
+// Cells are separated by commas, or by the separator that is set before the first byte, and may
+// stand in quotes, inner quotes doubled; in quotes a cell may hold separators and line breaks. Rows
+// end at CR LF, LF or CR. Blanks around an unquoted cell are dropped, empty lines too. Bytes come
+// in blocks of any size.
 class CsvRows {
  public:
   static constexpr std::size_t kMaxCell = std::size_t{16} << 20;

@@ -26,7 +26,7 @@ constexpr int kFirstBuddhistYear = 2400;
 // `least` to `most` digits; -1 for another text.
 int Digits(std::string_view text, std::size_t least, std::size_t most) {
   if (text.size() < least || text.size() > most) return -1;
-  if (text.find_first_not_of("0123456789") != std::string_view::npos) return -1;
+  if (!AreDigits(text)) return -1;
   int value = 0;
   std::from_chars(text.data(), text.data() + text.size(), value);
   return value;

@@ -53,7 +53,8 @@ struct Problem {
 
 // yyyy-mm-dd, dd/mm/yyyy, dd/mm/yy or dd-mm-yyyy, day and month also of one digit there; a time of
 // day behind it is left out. A year from 2400 up is of the Buddhist era. One of two digits lies in
-// the century 2500 where `era` is 543, else in 2000; with `-` it is refused, since it may be the first.
+// the century 2500 where `era` is 543, else in 2000; with `-` it is refused, since it may be the
+// first.
 struct TypedDate {
   TDateTime date;
   Word offset = 0;  // 543 for a year of the Buddhist era

@@ -25,15 +25,10 @@ constexpr std::string_view kTotals[] = {
     "total", "totals", "subtotal", "sum",      "grand total",
 };
 
-// Whether such a word is the first that stands in the row.
-bool IsTotals(std::span<const std::string> cells) {
-  for (const std::string& cell : cells) {
-    std::string_view text = Trim(cell);
-    if (text.empty()) continue;
-    if (text.ends_with(':')) text = Trim(text.substr(0, text.size() - 1));
-    return std::ranges::any_of(kTotals, [text](auto word) { return SameText(text, word); });
-  }
-  return false;
+bool IsTotalsWord(std::string_view cell) {
+  std::string_view text = Trim(cell);
+  if (text.ends_with(':')) text = Trim(text.substr(0, text.size() - 1));
+  return std::ranges::any_of(kTotals, [text](auto word) { return SameText(text, word); });
 }
 
 // A rate of 7 per cent is a 7 in the file, also where a spreadsheet shows 0.07 as 7%.
@@ -164,6 +159,21 @@ void DayReader::TakeRow(std::uint64_t line, Cells cells) {
   }
   TakeHead(line, cells, document, documents_.size() > before);
   TakeLine(line, cells, document);
+}
+
+// A row whose first text is such a word. One that names a document, or has quantity and price, is a
+// line whatever its item is called: left out, its receipt would be a false one.
+bool DayReader::IsTotals(Cells cells) const {
+  const auto first =
+      std::ranges::find_if(cells, [](const std::string& cell) { return !Trim(cell).empty(); });
+  if (first == cells.end() || !IsTotalsWord(*first)) return false;
+  const auto text = [&](Column column) {
+    const auto place = static_cast<std::size_t>(positions_[static_cast<std::size_t>(column)]) - 1;
+    return place < cells.size() ? Trim(cells[place]) : std::string_view();
+  };
+  const std::string_view number = text(Column::Document);
+  const bool line = !text(Column::Quantity).empty() && !text(Column::Price).empty();
+  return !line && (number.empty() || IsTotalsWord(number));
 }
 
 void DayReader::TakeHeader(std::uint64_t line, Cells cells) {

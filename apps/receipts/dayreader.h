@@ -24,10 +24,10 @@ struct DayFormat {
 };
 
 // Reads the file in blocks of any size. The first row names the columns, all of kColumnNames in any
-// order but the last ones, which may be missing; others are ignored with a warning. A row `sep=;` may
-// stand before it. Rows of one document stand together; what is the document's and not the line's may
-// be left empty after its first row. Rows with empty cells only are skipped, and rows of totals with
-// a warning.
+// order but the last ones, which may be missing; others are ignored with a warning. A row `sep=;`
+// may stand before it. Rows of one document stand together; what is the document's and not the
+// line's may be left empty after its first row. Rows with empty cells only are skipped, and rows of
+// totals with a warning.
 //
 // Bytes that are not of the file's encoding end the reading with one problem at their line.
 //
@@ -57,6 +57,7 @@ class DayReader {
   bool FindSeparator(bool final);
   void FeedText(bool final);
   void TakeRow(std::uint64_t line, Cells cells);
+  bool IsTotals(Cells cells) const;
   void TakeHeader(std::uint64_t line, Cells cells);
   void TakeHeaderCell(std::uint64_t line, int position, const std::string& cell);
   bool TakeNumber(std::uint64_t line, Cells cells, std::string& number);

@@ -27,9 +27,9 @@ bool IsCreditNote(const Document& document, const Receipt& receipt);
 // is a receipt.
 PaperTitle TitleOf(const Document& document, const Receipt& receipt, const Seller& seller);
 
-// What a seller with a tax number would have to add: to a document with a customer's name for the full
-// tax invoice, to a credit note for what the law asks of it, with `originalNet` the value of the
-// invoice that it reduces. Nothing where nothing lacks.
+// What a seller with a tax number would have to add: to a document with a customer's name for the
+// full tax invoice, to a credit note for what the law asks of it, with `originalNet` the value of
+// the invoice that it reduces. Nothing where nothing lacks.
 std::optional<UserText> MissingOn(const Document& document, const Receipt& receipt,
                                   const Seller& seller, std::optional<Currency> originalNet);
 

@@ -16,17 +16,17 @@ struct Seller {
   std::string phone;
 };
 
-// The 13 digits of a tax number; blanks and dashes between them do not count, Thai digits do. A number
-// of 12 digits has lost its leading zero in a spreadsheet. Throws EConvertError for another count of
-// digits and for a wrong check digit, which is (11 - sum mod 11) mod 10 over the first twelve digits
-// weighted 13 down to 2.
+// The 13 digits of a tax number; blanks and dashes between them do not count, Thai digits do. A
+// number of 12 digits has lost its leading zero in a spreadsheet. Throws EConvertError for another
+// count of digits and for a wrong check digit, which is (11 - sum mod 11) mod 10 over the first
+// twelve digits weighted 13 down to 2.
 std::string ParseTaxId(std::string_view text);
 
 // 0105561000003 as 0-1055-61000-00-3.
 std::string ShownTaxId(std::string_view taxId);
 
-// The 5 digits of a branch; leading zeros may be missing, and the words for a head office are 00000.
-// Throws EConvertError.
+// The 5 digits of a branch; leading zeros may be missing, and the words for a head office are
+// 00000. Throws EConvertError.
 std::string ParseBranch(std::string_view text);
 
 // Both languages; "" for "".

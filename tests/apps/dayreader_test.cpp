@@ -291,6 +291,16 @@ TEST(DayReader, Separators) {
   }
 }
 
+// Left out, these would make false receipts.
+TEST(DayReader, LinesThatLookLikeTotals) {
+  const std::string head = "item,document,date,customer,quantity,price,discount,vat\n";
+  const Read named = ReadDay(head + "Total,A,2026-11-24,C,1,5,,7\nรวม,A,,,1,5,,7\n");
+  EXPECT_THAT(named.problems, IsEmpty());
+  EXPECT_EQ(named.documents.front().lines.size(), 2U);
+  const Read unnamed = ReadDay(head + "x,A,2026-11-24,C,1,5,,7\nTotal,,,,1,5,,7\n");
+  EXPECT_THAT(unnamed.printed, IsEmpty());
+}
+
 TEST(DayReader, HeaderProblems) {
   EXPECT_THAT(ReadDay("").problems, ElementsAre("line 1: the header line is missing"));
   EXPECT_THAT(ReadDay("document,date,customer,item,quantity,price,discount\nA\n").problems,

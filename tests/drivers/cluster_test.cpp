@@ -53,8 +53,8 @@ TEST(Cluster, OfTwoWhoWriteOneRowTheSecondGetsAConflict) {
   EXPECT_THAT(RowsOf(*second, "SELECT v FROM kv_balance"), ElementsAre(ElementsAre("11")));
 }
 
-// Each node has its own copy of the counter: of two who take a number at once one learns of it at its
-// commit, and takes another one.
+// Each node has its own copy of the counter: of two who take a number at once one learns of it at
+// its commit, and takes another one.
 TEST(Cluster, NoSendNumberIsGivenTwice) {
   constexpr int kTakes = 100;
   constexpr int kNodes[] = {1, 2, 3, 1};

@@ -37,7 +37,8 @@ struct FormatOptions {
 // Adds `--encoding`, `--separator` and `--decimal-comma`.
 void AddFormat(Command command, FormatOptions& options);
 
-// Years of two digits are of `era`. Refuses the usage of an encoding or separator that there is not.
+// Years of two digits are of `era`. Refuses the usage of an encoding or separator that there is
+// not.
 receipts::DayFormat UsageFormat(const FormatOptions& options, Word era);
 
 // How receipts are set, as typed.
@@ -50,8 +51,8 @@ struct LayoutOptions {
 // Adds `--discount`, `--era` and `--width`.
 void AddLayout(Command command, LayoutOptions& options);
 
-// With the shop and in the digits that the user has stored for this command. Refuses the usage of an era that there
-// is not; throws EConvertError for digits that cannot be used.
+// With the shop and in the digits that the user has stored for this command. Refuses the usage of
+// an era that there is not; throws EConvertError for digits that cannot be used.
 receipts::Layout UsageLayout(const LayoutOptions& options, const RuleOptions& rules);
 
 // The file, or standard input for `-`. Throws StreamError.

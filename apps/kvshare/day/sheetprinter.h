@@ -25,8 +25,8 @@ struct Looks {
 // Adds `--copies`.
 void AddCopies(Command command, std::string& copies);
 
-// Pages are dated in the Buddhist era unless the options say otherwise; text stays in the machine's,
-// for scripts. Refuses the usage of a copy that there is not.
+// Pages are dated in the Buddhist era unless the options say otherwise; text stays in the
+// machine's, for scripts. Refuses the usage of a copy that there is not.
 Looks UsageLooks(const LayoutOptions& layout, const RuleOptions& rules, const std::string& copies);
 
 class SheetPrinter {
