@@ -37,7 +37,7 @@ TReconcileErrorForm FormFor(TDataSet& set) {
 
 // From the error to the painted window, and away again. Goal: below 50 ms with 200 fields.
 void OpenDialog(benchmark::State& state) {
-  const TUseInterface use(Desktop(TDesktopUse::Windows));
+  const TUseInterface use(Desktop());
   Wide set(static_cast<int>(state.range(0)));
   for ([[maybe_unused]] auto step : state) {
     TReconcileErrorForm form = FormFor(set);
@@ -49,7 +49,7 @@ BENCHMARK(OpenDialog)->Arg(20)->Arg(200)->Arg(5000)->Unit(benchmark::kMillisecon
 
 // Another action is chosen and what it shows is painted.
 void ChooseAction(benchmark::State& state) {
-  const TUseInterface use(Desktop(TDesktopUse::Windows));
+  const TUseInterface use(Desktop());
   Wide set(static_cast<int>(state.range(0)));
   TReconcileErrorForm form = FormFor(set);
   form.Show();

@@ -3,7 +3,6 @@
 #include <xcb/xcb.h>
 
 #include <QApplication>
-#include <QFontDatabase>
 #include <QLibraryInfo>
 #include <QLoggingCategory>
 #include <QPluginLoader>
@@ -57,14 +56,14 @@ void RequirePlugin(const std::string& platform) {
   }
 }
 
-bool IsOnDisplay(TDesktopUse use) {
-  return use == TDesktopUse::Windows && Environment("QT_QPA_PLATFORM") != "offscreen";
+bool IsOnDisplay() {
+  return Environment("QT_QPA_PLATFORM") != "offscreen";
 }
 
 // The toolkit would end the process where the display does not answer or a part of its own is
 // missing, so that both are found out before.
-std::unique_ptr<QGuiApplication> MakeApplication(TDesktopUse use) {
-  const bool onDisplay = IsOnDisplay(use);
+std::unique_ptr<QApplication> MakeApplication() {
+  const bool onDisplay = IsOnDisplay();
   const Display display = onDisplay ? RequireDisplay() : Display(nullptr, xcb_disconnect);
   // By arguments: what a variable says would be inherited by the programs that this one starts.
   static char name[] = "kvshare";
@@ -79,7 +78,6 @@ std::unique_ptr<QGuiApplication> MakeApplication(TDesktopUse use) {
   if (Environment("QT_LOGGING_RULES").empty()) {
     QLoggingCategory::setFilterRules("default.warning=false");
   }
-  if (use == TDesktopUse::PaperOnly) return std::make_unique<QGuiApplication>(count, arguments);
   auto windows = std::make_unique<QApplication>(count, arguments);
   QApplication::setQuitOnLastWindowClosed(false);
   return windows;
@@ -87,16 +85,10 @@ std::unique_ptr<QGuiApplication> MakeApplication(TDesktopUse use) {
 
 }  // namespace
 
-void StartToolkit(TDesktopUse use) {
-  if (QCoreApplication::instance() == nullptr) {
-    // Never destroyed: at the process's end the toolkit's own statics are gone before.
-    [[maybe_unused]] static const QGuiApplication* const application =
-        MakeApplication(use).release();
-  }
-  const bool hasWindows = qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr;
-  if (use == TDesktopUse::Windows && !hasWindows) {
-    ThrowNoDisplay("this program has begun to print without one");
-  }
+void StartToolkit() {
+  if (QCoreApplication::instance() != nullptr) return;
+  // Never destroyed: at the process's end the toolkit's own statics are gone before.
+  [[maybe_unused]] static const QApplication* const application = MakeApplication().release();
 }
 
 QString Shown(std::string_view cp874) {
@@ -112,10 +104,6 @@ QRect Reachable(const TBounds& bounds) {
   const auto near = [](int value) { return std::clamp(value, -kFarthest, kFarthest); };
   return {near(bounds.Left), near(bounds.Top), std::clamp(bounds.Width, 0, kFarthest),
           std::clamp(bounds.Height, 0, kFarthest)};
-}
-
-bool HasThaiFont() {
-  return !QFontDatabase::families(QFontDatabase::Thai).isEmpty();
 }
 
 }  // namespace kvshare::desktop

@@ -10,10 +10,9 @@
 
 namespace kvshare::desktop {
 
-// Makes the toolkit's application object unless there is one: on a display for Windows, without one
-// for PaperOnly. Throws EOSError where there is no display that answers, or where there was none
-// when the toolkit was started.
-void StartToolkit(TDesktopUse use);
+// Makes the toolkit's application object unless there is one. Throws EOSError where there is no
+// display that answers.
+void StartToolkit();
 
 // A text of the library for the screen; a byte that stands for no letter is U+FFFD.
 QString Shown(std::string_view cp874);
@@ -23,8 +22,5 @@ std::string TypedText(const QString& text);
 
 // The bounds as far as the screen's system can count.
 QRect Reachable(const TBounds& bounds);
-
-// Whether some installed font has Thai letters.
-bool HasThaiFont();
 
 }  // namespace kvshare::desktop

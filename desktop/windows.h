@@ -1,11 +1,11 @@
-// The back end with windows.
+// The back end with windows, which prints with the library of paper.
 #pragma once
 
-#include "desktop/paper.h"
+#include "kvshare/ui/paper.h"
 
 namespace kvshare::desktop {
 
-class WindowsInterface : public PaperInterface {
+class WindowsInterface : public TPaperInterface {
  public:
   int ShowMessage(const TMessageBox& message) override;
   void PrepareForm(TForm& form) override;

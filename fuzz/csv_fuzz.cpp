@@ -42,7 +42,7 @@ DayFormat FormatOf(std::uint8_t choice) {
 
 Layout LayoutOfSeller() {
   Layout layout;
-  layout.seller = {"Shop", {"Street"}, "0105561000003", "00000", "02"};
+  layout.seller = {"Shop", {"Street"}, "0105561000003", "00000", "02", nullptr};
   return layout;
 }
 

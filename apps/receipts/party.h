@@ -1,9 +1,12 @@
 // Who sells and who buys, as tax papers name them. Texts are code page 874.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "kvshare/ui/bitmap.h"
 
 namespace kvshare::receipts {
 
@@ -14,6 +17,7 @@ struct Seller {
   std::string taxId;                 // 13 digits; "" for a shop that is not registered for VAT
   std::string branch;                // 5 digits, 00000 is the head office; may be ""
   std::string phone;
+  std::shared_ptr<const TPicture> logo;  // none where it is not set, or not asked for
 };
 
 // The 13 digits of a tax number; blanks and dashes between them do not count, Thai digits do. A

@@ -20,6 +20,7 @@ constexpr int kLeastItem = 1300;
 constexpr int kLabelWidth = 1000;  // at least
 constexpr int kColumnGap = 100;
 constexpr int kPadding = 25;
+constexpr int kLogoWidth = 1400, kLogoHeight = 620;  // at most
 constexpr int kHair = 4, kThin = 7, kThick = 15;
 
 constexpr TPixel kShade{240, 240, 240};
@@ -68,20 +69,29 @@ void ReceiptPages::AddLine(std::vector<Block>& to, int height, std::function<voi
   to.push_back({height, std::move(draw)});
 }
 
-// The name larger than what follows it.
+// The logo at the left; the name larger than what follows it.
 void ReceiptPages::AddSeller() {
+  if (texts_.seller.empty()) return;
+  const TSize logo =
+      texts_.logo ? PagePen::Fitted(*texts_.logo, pen_.Across(kLogoWidth), pen_.Down(kLogoHeight))
+                  : TSize{};
+  const int left = left_ + (logo.Width > 0 ? logo.Width + 2 * pen_.Across(kColumnGap) : 0);
+  AddLine(head_, 0, [this, logo](int top) {
+    if (logo.Width > 0) pen_.Picture(left_, top, logo, *texts_.logo);
+  });
+  int beside = logo.Height;  // what the lines leave of the logo
   for (std::size_t i = 0; i < texts_.seller.size(); ++i) {
     const int font = i == 0 ? kText + 30 : kText - 10;
     pen_.Use(font, i == 0);
-    const auto widthOf = [this](std::string_view part) { return pen_.Width(part); };
-    for (const std::string& piece : Wrap(texts_.seller[i], right_ - left_, widthOf)) {
-      AddLine(head_, pen_.LineHeight(), [this, font, bold = i == 0, piece](int top) {
+    for (const std::string& piece : pen_.Wrap(texts_.seller[i], right_ - left)) {
+      beside -= pen_.LineHeight();
+      AddLine(head_, pen_.LineHeight(), [this, left, font, bold = i == 0, piece](int top) {
         pen_.Use(font, bold);
-        pen_.Left(left_, top, piece);
+        pen_.Left(left, top, piece);
       });
     }
   }
-  if (!texts_.seller.empty()) AddLine(head_, pen_.Down(100), [](int) {});
+  AddLine(head_, pen_.Down(100) + std::max(beside, 0), [](int) {});
 }
 
 void ReceiptPages::AddNote() {
@@ -123,10 +133,9 @@ void ReceiptPages::AddTitle() {
 // A label, and its text beside it in as many lines as it needs.
 void ReceiptPages::AddNamed(std::string_view label, const std::string& text) {
   const int x = left_ + labelWidth_;
-  const auto widthOf = [this](std::string_view part) { return pen_.Width(part); };
   pen_.Use(kText, true);
   bool first = true;
-  for (const std::string& piece : Wrap(text, right_ - x, widthOf)) {
+  for (const std::string& piece : pen_.Wrap(text, right_ - x)) {
     const std::string_view shown = std::exchange(first, false) ? label : "";
     AddLine(head_, pen_.LineHeight(), [this, x, shown, piece](int top) {
       pen_.Use(kText);
@@ -193,26 +202,33 @@ void ReceiptPages::AddRows() {
   }
 }
 
-// One block a line, so that an item of many lines goes on on the next page.
+// One block a line. They stay on one page unless they need more than one.
 void ReceiptPages::AddRow(std::size_t row) {
   pen_.Use(tableFont_);
   const int padding = pen_.Down(kPadding);
-  const std::vector<std::string> pieces = Wrap(
-      texts_.rows[row][0], itemWidth_, [this](std::string_view part) { return pen_.Width(part); });
+  const std::vector<std::string> pieces = pen_.Wrap(texts_.rows[row][0], itemWidth_);
+  const std::size_t first = rows_.size();
+  int together = 0;
   for (std::size_t i = 0; i < pieces.size(); ++i) {
     const bool last = i + 1 == pieces.size();
     const int height = pen_.LineHeight() + (last ? 2 * padding : 0);
+    together += height;
     AddLine(rows_, height, [this, row, i, piece = pieces[i], last, height](int top) {
       pen_.Use(tableFont_);
+      // An item of several lines is one text to those who search the page.
+      if (i == 0 && !last) DrawNumbers(row, top);
       pen_.Left(itemLeft_, top, piece);
-      if (i == 0) {
-        pen_.Right(numberRight_, top, std::to_string(row + 1));
-        for (std::size_t k = 0; k < columns_.size(); ++k) {
-          pen_.Right(columns_[k].right, top, texts_.rows[row][k + 1]);
-        }
-      }
+      if (i == 0 && last) DrawNumbers(row, top);
       if (last) pen_.Rule(left_, right_, top + height - pen_.Down(kPadding), kHair, kPale);
     });
+  }
+  if (together <= bottom_ - top_ - tableHead_.height) rows_[first].together = together;
+}
+
+void ReceiptPages::DrawNumbers(std::size_t row, int top) {
+  pen_.Right(numberRight_, top, std::to_string(row + 1));
+  for (std::size_t i = 0; i < columns_.size(); ++i) {
+    pen_.Right(columns_[i].right, top, texts_.rows[row][i + 1]);
   }
 }
 
@@ -250,8 +266,7 @@ void ReceiptPages::AddWords() {
     const int font = first ? kText + 10 : kText - 10;
     pen_.Use(font, first);
     const int height = pen_.LineHeight() + 2 * pen_.Down(kPadding);
-    for (const std::string& piece : Wrap(
-             texts_.words[i], inside, [this](std::string_view part) { return pen_.Width(part); })) {
+    for (const std::string& piece : pen_.Wrap(texts_.words[i], inside)) {
       AddLine(tail_, height, [this, font, first, height, piece](int top) {
         pen_.Fill({left_, top, right_, top + height}, kShade);
         pen_.Use(font, first);
@@ -263,12 +278,13 @@ void ReceiptPages::AddWords() {
 }
 
 void ReceiptPages::AddSignatures() {
-  constexpr int kRoom = 560, kLine = 1700;
+  constexpr int kRoom = 560, kLine = 1700;  // above the line, and its length on a wide page
   pen_.Use(kSmall);
   const int room = pen_.Down(kRoom);
-  AddLine(tail_, room + pen_.LineHeight() + pen_.Down(kPadding), [this, room](int top) {
+  const int line = std::min(pen_.Across(kLine), (right_ - left_) * 9 / 20);
+  AddLine(tail_, room + pen_.LineHeight() + pen_.Down(kPadding), [this, room, line](int top) {
     pen_.Use(kSmall);
-    const int half = pen_.Across(kLine) / 2;
+    const int half = line / 2;
     int middle = left_ + half;
     for (const std::string_view signer : kSigners) {
       pen_.Rule(middle - half, middle + half, top + room, kHair);
@@ -281,7 +297,7 @@ void ReceiptPages::AddSignatures() {
 void ReceiptPages::PlaceOn(const Block& block, const Block* before) {
   const bool head =
       before != nullptr && (pages_.back().empty() || pages_.back().back().block == &head_.back());
-  const int height = block.height + (head ? before->height : 0);
+  const int height = std::max(block.height, block.together) + (head ? before->height : 0);
   if (next_ + height > bottom_ && !pages_.back().empty()) {
     pages_.emplace_back();
     next_ = top_;
@@ -319,8 +335,7 @@ void ReceiptPages::DrawFoot(std::size_t page) {
   const std::string place = PageName(page + 1, pages_.size());
   const int room = right_ - left_ - pen_.Width(place) - pen_.Across(kColumnGap);
   const std::string name = texts_.title + "  " + texts_.number;
-  pen_.Left(left_, y,
-            Wrap(name, room, [this](std::string_view part) { return pen_.Width(part); }).front());
+  pen_.Left(left_, y, pen_.Wrap(name, room).front());
   pen_.Right(right_, y, place);
 }
 

@@ -14,8 +14,8 @@ namespace kvshare::receipts {
 // The number and the date at the top of the first page; the table, with its head again on every
 // page; the last line, the sums, the total in words and the places to sign together on the last,
 // where they fit on one. Every page names its document and which page of how many it is. Nothing is
-// cut off: what is long goes on in further lines and pages. It is laid out with the canvas's
-// letters.
+// cut off: what is long goes on in further lines and pages; a line of the document stays on one page
+// unless it is higher than one. It is laid out with the letters of the canvas.
 class ReceiptPages {
  public:
   // `size` is the printable area. The canvas outlives this.
@@ -30,6 +30,7 @@ class ReceiptPages {
   struct Block {
     int height = 0;
     std::function<void(int top)> draw;
+    int together = 0;  // with the blocks behind it that belong to the same line
   };
   struct Placed {
     int top;
@@ -48,6 +49,7 @@ class ReceiptPages {
   void MakeTableHead();
   void AddRows();
   void AddRow(std::size_t row);
+  void DrawNumbers(std::size_t row, int top);
   void AddSums();
   void AddNote();
   void AddWords();

@@ -190,7 +190,8 @@ ReceiptTexts TextsOf(const Document& document, const Receipt& receipt, const Lay
   const Currency* const original = reduces ? &*sheet.originalNet : nullptr;
   Amounts amounts(receipt, layout.amountDigits);
   if (original != nullptr) amounts.Add(*original);
-  return {SellerLines(layout.seller),
+  return {layout.seller.logo,
+          SellerLines(layout.seller),
           std::string(ShownTitle(title)),
           std::string(sheet.copy),
           document.number,

@@ -4,6 +4,7 @@
 // whole document shows as many, so that every column can be added up by hand.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -39,9 +40,10 @@ struct Sheet {
 using Sum = std::pair<std::string, std::string>;  // label, amount
 
 struct ReceiptTexts {
-  std::vector<std::string> seller;  // lines; none for a seller that is not set
-  std::string title;                // Thai / English, as all labels
-  std::string copy;                 // may be empty
+  std::shared_ptr<const TPicture> logo;  // the seller's, or none
+  std::vector<std::string> seller;       // lines; none for a seller that is not set
+  std::string title;                     // Thai / English, as all labels
+  std::string copy;                      // may be empty
   std::string number;
   std::string date;
   std::string customer;                        // may be empty

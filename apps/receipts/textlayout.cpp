@@ -52,7 +52,7 @@ std::size_t FittingColumns(std::string_view text, std::size_t width) {
 }
 
 // The most bytes, one letter with its marks at least, that are not wider.
-std::size_t FittingUnits(std::string_view text, int width, const TextMeasure& widthOf) {
+std::size_t FittingUnits(std::string_view text, int width, const TextDevice& device) {
   const auto letterEnd = [text](std::size_t i) {
     while (i < text.size() && IsMark(text[i])) ++i;
     return i;
@@ -62,20 +62,35 @@ std::size_t FittingUnits(std::string_view text, int width, const TextMeasure& wi
   while (fits + 1 < tooLong) {
     const std::size_t middle = letterEnd(fits + (tooLong - fits) / 2);
     if (middle >= tooLong) break;
-    (widthOf(text.substr(0, middle)) <= width ? fits : tooLong) = middle;
+    (device.widthOf(text.substr(0, middle)) <= width ? fits : tooLong) = middle;
   }
   return fits;
 }
 
-template <typename Fitting>
-std::vector<std::string> Pieces(std::string_view text, Fitting fitting) {
+// The last place where a line may be broken and before which, blanks left out, no more stands than
+// fits; 0 where there is none.
+std::size_t BreakAt(std::string_view text, std::size_t fitting,
+                    const std::vector<std::size_t>& breaks) {
+  for (auto place = breaks.rbegin(); place != breaks.rend(); ++place) {
+    const std::size_t last = text.find_last_not_of(' ', *place - 1);
+    if (last != std::string_view::npos && last < fitting) return *place;
+  }
+  return 0;
+}
+
+// Pieces as long as `endOf` says of the text that is left, without the blanks between them.
+template <typename EndOf>
+std::vector<std::string> Pieces(std::string_view text, EndOf endOf) {
   const std::string clean = WithoutControls(text);
   std::string_view rest = clean;
   std::vector<std::string> pieces;
   do {
-    const std::size_t end = rest.empty() ? 0 : SplitAt(rest, fitting(rest));
-    pieces.emplace_back(rest.substr(0, end));
+    const std::size_t end = rest.empty() ? 0 : endOf(rest);
+    std::string_view piece = rest.substr(0, end);
     rest.remove_prefix(end);
+    const bool last = rest.find_first_not_of(' ') == std::string_view::npos;
+    if (!last) piece = piece.substr(0, piece.find_last_not_of(' ') + 1);
+    pieces.emplace_back(piece);
     rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
   } while (!rest.empty());
   return pieces;
@@ -84,12 +99,16 @@ std::vector<std::string> Pieces(std::string_view text, Fitting fitting) {
 }  // namespace
 
 std::vector<std::string> Wrap(std::string_view text, std::size_t width) {
-  return Pieces(text, [width](std::string_view rest) { return FittingColumns(rest, width); });
+  return Pieces(
+      text, [width](std::string_view rest) { return SplitAt(rest, FittingColumns(rest, width)); });
 }
 
-std::vector<std::string> Wrap(std::string_view text, int width, const TextMeasure& widthOf) {
-  return Pieces(text, [width, &widthOf](std::string_view rest) {
-    return widthOf(rest) <= width ? rest.size() : FittingUnits(rest, width, widthOf);
+std::vector<std::string> Wrap(std::string_view text, int width, const TextDevice& device) {
+  return Pieces(text, [width, &device](std::string_view rest) {
+    if (device.widthOf(rest) <= width) return rest.size();
+    const std::size_t fitting = FittingUnits(rest, width, device);
+    const std::size_t end = BreakAt(rest, fitting, device.breaksOf(rest));
+    return end != 0 ? end : SplitAt(rest, fitting);
   });
 }
 

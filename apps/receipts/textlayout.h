@@ -14,10 +14,14 @@ namespace kvshare::receipts {
 // piece.
 std::vector<std::string> Wrap(std::string_view text, std::size_t width);
 
-// The same for a device that measures texts; a longer beginning of a text is not narrower. A letter
-// that is wider alone is a piece.
-using TextMeasure = std::function<int(std::string_view)>;
-std::vector<std::string> Wrap(std::string_view text, int width, const TextMeasure& widthOf);
+// The same for a device that measures texts, a longer beginning of which is not narrower, and that
+// says where a line may be broken (TCanvas::LineBreaks). A word that is too long is split between
+// letters; a letter that is wider alone is a piece.
+struct TextDevice {
+  std::function<int(std::string_view)> widthOf;
+  std::function<std::vector<std::size_t>(std::string_view)> breaksOf;
+};
+std::vector<std::string> Wrap(std::string_view text, int width, const TextDevice& device);
 
 // Blanks up to `width` columns, behind and in front; a wider text stays whole.
 std::string PadRight(std::string_view text, std::size_t width);

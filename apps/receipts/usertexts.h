@@ -106,7 +106,8 @@ inline constexpr UserTextRow kUserTexts[] = {
      "เอกสาร %s: ไม่มีคำอ่านภาษาอังกฤษของ %.2n จึงมีแต่ตัวเลข"_th},
     {"document %s: no Thai and English words for %.2n, the figures stand alone",
      "เอกสาร %s: ไม่มีคำอ่านภาษาไทยและอังกฤษของ %.2n จึงมีแต่ตัวเลข"_th},
-    {"no document is printed, and no PDF file is written", "ไม่มีเอกสารที่พิมพ์ และไม่ได้เขียนแฟ้ม PDF"_th},
+    {"no document is printed, and no file is written", "ไม่มีเอกสารที่พิมพ์ และไม่ได้เขียนแฟ้ม"_th},
+    {"no document is printed", "ไม่มีเอกสารที่พิมพ์"_th},
     {"the day's total is out of range and not printed", "ยอดรวมของวันเกินขอบเขต จึงไม่ได้พิมพ์"_th},
 
     {"no seller is set, and the papers name none; `kvshare shop set` sets one",

@@ -84,7 +84,7 @@ TPrinter& TUserInterface::Printer() {
 }
 
 std::unique_ptr<TPrinter> TUserInterface::PdfPrinter(std::string_view /*fileName*/) {
-  throw EPrinter("PDF files need the library kvshare-desktop");
+  throw EPrinter("PDF files need the library kvshare-paper");
 }
 
 int TConsoleInterface::ShowMessage(const TMessageBox& message) {

@@ -1,8 +1,10 @@
 // What a page is drawn on, in the device's own units.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "kvshare/export.h"
 #include "kvshare/ui/bitmap.h"
@@ -45,6 +47,11 @@ class KVSHARE_API TCanvas {
   virtual TSize TextExtent(std::string_view text) = 0;
   int TextWidth(std::string_view text) { return TextExtent(text).Width; }
   int TextHeight(std::string_view text) { return TextExtent(text).Height; }
+
+  // Where a line of the text may be broken: the places of the letters that may begin a line, in
+  // their order, the first letter left out. Behind blanks; a device that knows Thai adds the places
+  // between its words.
+  virtual std::vector<std::size_t> LineBreaks(std::string_view text);
 
   // One line in black, the cell's top left at x, y; the cell is filled with the brush before.
   // Throws EPrinter where no font has its letters.

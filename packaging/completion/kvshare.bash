@@ -68,7 +68,7 @@ _kvshare_options() { # _kvshare_options COMMAND
     "date parse") printf '%s\n' --era --loose --stamp ;;
     "settings list" | "settings delete") echo --recursive ;;
     "settings set") echo --integer ;;
-    "shop set") printf '%s\n' --name --address --tax-id --branch --phone ;;
+    "shop set") printf '%s\n' --name --address --tax-id --branch --phone --logo ;;
     "settings export") printf '%s\n' --output --regedit4 ;;
     "files count" | "files list" | "files copy") printf '%s\n' --mask --recursive ;;
     "files delete") printf '%s\n' --mask --recursive --yes ;;
@@ -88,7 +88,8 @@ _kvshare_options() { # _kvshare_options COMMAND
     post)
       printf '%s\n' --connect --position --encoding --separator --decimal-comma --round --vat-round \
         --vat --cash-step --price-includes-vat --print --discount --era --width ;;
-    reprint) printf '%s\n' --connect --discount --era --width --copies --pdf ;;
+    reprint) printf '%s\n' --connect --discount --era --width --copies --pdf \
+        --printer --paper --roll --png --raw --cut --drawer ;;
     "rights "* | "replication "*) echo --connect ;;
     "log show") printf '%s\n' --file --day --user --computer ;;
     "log follow") printf '%s\n' --file --lines --once ;;
@@ -98,7 +99,8 @@ _kvshare_options() { # _kvshare_options COMMAND
     "printers picture") printf '%s\n' --title --pdf --printer ;;
     receipts)
       printf '%s\n' --encoding --separator --decimal-comma --round --vat-round --vat --discount \
-        --cash-step --era --price-includes-vat --width --copies --pdf ;;
+        --cash-step --era --price-includes-vat --width --copies --pdf \
+        --printer --paper --roll --png --raw --cut --drawer ;;
   esac
   case $1 in
     edit | dialog | date | settings | shop | "shop set" | files | log | connect | company | dataset | rights | replication) ;;
@@ -139,6 +141,12 @@ _kvshare_value() {
     "receipts --separator" | "post --separator")
       _kvshare_offer "$3" < <(printf '%s\n' comma semicolon tab) ;;
     "receipts --copies" | "reprint --copies") _kvshare_offer "$3" < <(printf '%s\n' original copy original,copy) ;;
+    "receipts --paper" | "reprint --paper") _kvshare_offer "$3" < <(printf '%s\n' A4 A5) ;;
+    "receipts --roll" | "reprint --roll") _kvshare_offer "$3" < <(printf '%s\n' 80 58) ;;
+    "receipts --cut" | "reprint --cut") _kvshare_offer "$3" < <(printf '%s\n' full partial none) ;;
+    "receipts --printer" | "reprint --printer") _kvshare_offer "$3" < <(_kvshare_printers) ;;
+    "receipts --png" | "reprint --png" | "receipts --raw" | "reprint --raw" | "shop set --logo")
+      _kvshare_offer_files "$3" ;;
     "shop set "*) ;;
     "message --language") _kvshare_offer "$3" < <(_kvshare_languages) ;;
     "dataset "*" --from" | "dataset "*" --to")

@@ -70,8 +70,8 @@ TEST(Party, Branches) {
 
 TEST(Party, TitlesFollowWhatIsThere) {
   const Seller none;
-  const Seller plain{"Shop", {"Street"}, "", "", ""};
-  const Seller registered{"Shop", {"Street"}, "0105561000003", "00000", ""};
+  const Seller plain{"Shop", {"Street"}, "", "", "", nullptr};
+  const Seller registered{"Shop", {"Street"}, "0105561000003", "00000", "", nullptr};
   Seller homeless = registered;
   homeless.address.clear();
   constexpr auto kReceipt = PaperTitle::Receipt, kShort = PaperTitle::AbbreviatedTaxInvoice,

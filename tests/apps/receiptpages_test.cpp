@@ -1,4 +1,5 @@
 #include "apps/receipts/receiptpages.h"
+#include "apps/receipts/receiptroll.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -150,6 +151,44 @@ TEST_F(ReceiptPagesTest, ManyLinesGoOnOnFurtherPages) {
           << "the sums and the signatures stay together";
     }
     EXPECT_EQ(seen, items) << "every line once, in its order";
+  }
+}
+
+TEST_F(ReceiptPagesTest, ALineStaysOnItsPage) {
+  const std::string word(70, 'w');  // two of them have no room on a line
+  const std::vector<std::string> items(60, word + " " + word + " " + word);
+  const auto pages = Draw(Invoice(items));
+  ASSERT_GT(pages.size(), 2U);
+  for (const auto& page : pages) EXPECT_EQ(std::ranges::count(page, word) % 3, 0);
+  ExpectLegible();
+}
+
+TEST_F(ReceiptPagesTest, ARollIsAsLongAsItsReceipt) {
+  for (const int width : {576, 384}) {
+    Document document = Invoice({"item 1", std::string(300, 'x'), "item 3"});
+    document.lines[2].discount = 12.5_baht;
+    layout_.seller = {"Shop", {"Street"}, "0105561000003", "00000", "02", nullptr};
+    ReceiptRoll roll(printer_.Canvas(), width, {203, 203},
+                     TextsOf(document, Calculate(document, {}), layout_));
+    printer_.BeginDoc();
+    roll.Draw();
+    printer_.EndDoc();
+    std::string all;
+    int last = 0;
+    for (const TDrawnText& text : Texts(0)) {
+      const TRect place = PlaceOf(text);
+      EXPECT_TRUE(place.Left >= 0 && place.Right <= width) << Cp874ToUtf8(text.text);
+      EXPECT_GE(place.Top + place.Bottom, last) << "downwards";
+      last = place.Top + place.Bottom;
+      EXPECT_LE(place.Bottom, roll.Height());
+      all += Cp874ToUtf8(text.text);
+    }
+    for (const std::string_view part :
+         {"Shop", "IV6911-0002", "24/11/2569", "item 1", "ส่วนลด 12.50", "2 x 600.00", "1,187.50",
+          "รวมทั้งสิ้น / Total3,838.63"}) {
+      EXPECT_THAT(all, testing::HasSubstr(part));
+    }
+    EXPECT_THAT(all, testing::HasSubstr(std::string(300, 'x')));
   }
 }
 

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "kvshare/rtl/cp874.h"
+#include "kvshare/ui/recordingprinter.h"
 
 namespace kvshare::receipts {
 namespace {
@@ -38,20 +39,24 @@ TEST(Layout, Wrap) {
 }
 
 // A measure of one unit a column splits as columns do, and never asks for an empty text.
+// A device of columns that breaks lines behind blanks alone breaks them as columns do.
 TEST(Layout, WrapByMeasure) {
-  const auto measure = [](std::string_view piece) {
-    EXPECT_FALSE(piece.empty());
-    return static_cast<int>(DisplayWidth(piece));
-  };
+  TRecordingPrinter printer;
+  const TextDevice device{
+      [](std::string_view piece) {
+        EXPECT_FALSE(piece.empty());
+        return static_cast<int>(DisplayWidth(piece));
+      },
+      [&printer](std::string_view text) { return printer.Canvas().LineBreaks(text); }};
   const std::string_view texts[] = {"",        "abcde",     "ab cde fgh",     "ab cdefgh",
                                     "a\tb\nc", "กากากา"_th, "ที่นี่ที่นี่ นาเกเก"_th, "าาาา"_th};
   for (const std::string_view text : texts) {
     for (int width = 1; width < 9; ++width) {
-      EXPECT_EQ(Wrap(text, width, measure), Wrap(text, static_cast<std::size_t>(width)))
+      EXPECT_EQ(Wrap(text, width, device), Wrap(text, static_cast<std::size_t>(width)))
           << Cp874ToUtf8(text) << " in " << width;
     }
   }
-  EXPECT_EQ(Wrap("ab", -5, measure), (std::vector<std::string>{"a", "b"})) << "no room at all";
+  EXPECT_EQ(Wrap("ab", -5, device), (std::vector<std::string>{"a", "b"})) << "no room at all";
 }
 
 TEST(Layout, TableAlignsByColumns) {

@@ -7,6 +7,6 @@
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
   setenv("QT_QPA_PLATFORM", "offscreen", 0);  // whoever starts the tests sees nothing of them
-  kvshare::desktop::StartToolkit(kvshare::TDesktopUse::Windows);
+  kvshare::desktop::StartToolkit();
   return RUN_ALL_TESTS();
 }

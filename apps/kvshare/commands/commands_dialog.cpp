@@ -144,7 +144,7 @@ class WatchingInterface : public TUserInterface {
 int Run(const Dialog& dialog, const Order& order, const Stdio& stdio) {
   const StartedLibrary library;
   TalkingInterface terminal(stdio, EchoingConsole(stdio.in, stdio.err));
-  WatchingInterface watching(order.windows ? Desktop(TDesktopUse::Windows) : terminal);
+  WatchingInterface watching(order.windows ? Desktop() : terminal);
   std::string chosen;
   {
     const TUseInterface use(watching);

@@ -150,7 +150,7 @@ class RecordEdit {
         console_(EchoingConsole(stdio.in, stdio.out)),
         record_(connection, order.table, order.key),
         talk_(record_, console_),
-        windows_(order.windows ? &Desktop(TDesktopUse::Windows) : nullptr) {
+        windows_(order.windows ? &Desktop() : nullptr) {
     Set().OnReconcileError = [this](TClientDataSet& set, EReconcileError& error, TUpdateKind kind,
                                     TReconcileAction& action) {
       TKovraDbPost::ClientDataSetUserReconcileError(set, error, kind, action);

@@ -13,7 +13,7 @@
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/filebytes.h"
 #include "kvshare/rtl/filenames.h"
-#include "kvshare/ui/desktop.h"
+#include "kvshare/ui/paper.h"
 
 namespace kvshare::app {
 
@@ -43,9 +43,7 @@ class Spooler {
   explicit Spooler(const Options& options) {
     if (options.folders) folders_ = MakeFolderSpooler();
   }
-  TSpooler& operator*() const {
-    return folders_ ? *folders_ : Desktop(TDesktopUse::PaperOnly).Spooler();
-  }
+  TSpooler& operator*() const { return folders_ ? *folders_ : Paper().Spooler(); }
   TSpooler* operator->() const { return &**this; }
 
  private:
@@ -155,11 +153,10 @@ class DefaultPrinter {
 int PrintPicture(const Options& options, const Stdio& /*stdio*/) {
   const std::string file = UsageText("FILE", options.files.front());
   const std::string title = UsageText("--title", options.title);
-  TUserInterface& desktop = Desktop(TDesktopUse::PaperOnly);
   std::unique_ptr<TPrinter> pdf;
-  if (!options.pdf.empty()) pdf = desktop.PdfPrinter(UsageText("--pdf", options.pdf));
+  if (!options.pdf.empty()) pdf = Paper().PdfPrinter(UsageText("--pdf", options.pdf), kSheetA4);
   const DefaultPrinter chosen(options.printer);
-  const OnPrinter use(pdf ? *pdf : desktop.Printer());
+  const OnPrinter use(pdf ? *pdf : Paper().DefaultPrinter());
   Printer().Title = title.empty() ? std::string(ExtractFileName(file)) : title;
   try {
     TPrintBitmap::PrintBmpFile(file, title);

@@ -8,6 +8,7 @@
 #include "apps/kvshare/commands/commands.h"
 #include "apps/kvshare/day/dayinput.h"
 #include "apps/kvshare/day/dayoutput.h"
+#include "apps/kvshare/day/paperoptions.h"
 #include "apps/kvshare/day/sheetprinter.h"
 #include "apps/kvshare/terminal/usage.h"
 #include "apps/receipts/usertexts.h"
@@ -27,11 +28,14 @@ constexpr std::string_view kExamples =
     "  kvshare receipts --vat line --price-includes-vat day.csv\n"
     "  kvshare receipts --json day.csv           one JSON object a document\n"
     "  kvshare receipts --pdf day.pdf day.csv    on pages; the day's total is printed\n"
+    "  kvshare receipts --printer Office day.csv\n"
+    "  kvshare receipts --roll 80 --printer Till --drawer day.csv\n"
+    "                                            on the roll of a receipt printer\n"
     "Columns, in any order: document, date, customer, item, quantity, price, discount, vat.\n";
 
 struct Options {
   std::string file = "-";
-  std::string pdf;
+  PaperOptions paper;
   FormatOptions format;
   RuleOptions rules;
   LayoutOptions layout;
@@ -41,10 +45,10 @@ struct Options {
 class ReceiptsRun {
  public:
   ReceiptsRun(const receipts::DayFormat& format, receipts::Rules rules, const Looks& looks,
-              const std::string& pdf, bool json, const Stdio& stdio)
+              const PaperPlan& paper, bool json, const Stdio& stdio)
       : rules_(rules),
-        output_(stdio, json, pdf.empty() || json),
-        sheets_(output_, looks, pdf),
+        output_(stdio, json, !paper.IsPaper() || json),
+        sheets_(output_, looks, paper),
         reader_([this](const receipts::Problem& problem) { output_.Report(problem); }, format) {}
 
   int Run(const DayInput& input) {
@@ -120,9 +124,10 @@ class ReceiptsRun {
 std::function<int(const Stdio&)> MakeReceipts(const Options& options, const Plan& plan) {
   return [options, json = plan.json, rules = UsageRules(options.rules),
           looks = UsageLooks(options.layout, options.rules, options.copies),
+          paper = UsagePaper(options.paper),
           format = UsageFormat(options.format, UsageEra(options.layout.era))](const Stdio& stdio) {
     const DayInput input(options.file, stdio);
-    return ReceiptsRun(format, rules, looks, options.pdf, json, stdio).Run(input);
+    return ReceiptsRun(format, rules, looks, paper, json, stdio).Run(input);
   };
 }
 
@@ -137,7 +142,7 @@ void DeclareReceipts(Command parent, Plan& plan) {
   AddRules(command, options->rules);
   AddLayout(command, options->layout);
   AddCopies(command, options->copies);
-  command.AddOption("--pdf", options->pdf, "The documents on pages of that file").TypeName("FILE");
+  AddPaper(command, options->paper);
   command.OnParsed([options, &plan] { plan.action = MakeReceipts(*options, plan); });
 }
 

@@ -9,6 +9,7 @@
 #include "apps/kvshare/data/connections.h"
 #include "apps/kvshare/day/dayinput.h"
 #include "apps/kvshare/day/dayoutput.h"
+#include "apps/kvshare/day/paperoptions.h"
 #include "apps/kvshare/day/sheetprinter.h"
 #include "apps/posting/books.h"
 #include "apps/posting/eposting.h"
@@ -28,16 +29,16 @@ struct Options {
   std::vector<std::string> documents;
   LayoutOptions layout;
   std::string copies;
-  std::string pdf;
+  PaperOptions paper;
 };
 
 class ReprintRun {
  public:
-  ReprintRun(TSQLConnection& connection, const Looks& looks, const std::string& pdf, bool json,
+  ReprintRun(TSQLConnection& connection, const Looks& looks, const PaperPlan& paper, bool json,
              const Stdio& stdio)
       : connection_(connection),
-        output_(stdio, json, pdf.empty() || json),
-        sheets_(output_, looks, pdf) {}
+        output_(stdio, json, !paper.IsPaper() || json),
+        sheets_(output_, looks, paper) {}
 
   int Run(const std::vector<std::string>& numbers) {
     for (const std::string& number : numbers) Take(number);
@@ -83,11 +84,11 @@ std::function<int(const Stdio&)> MakeReprint(const Options& options, bool json) 
   for (const std::string& number : options.documents) {
     numbers.push_back(UsageText("DOCUMENT", number));
   }
-  return [options, numbers, json,
+  return [options, numbers, json, paper = UsagePaper(options.paper),
           looks = UsageLooks(options.layout, {}, options.copies)](const Stdio& stdio) {
     OpenCompany company(options.connect);
     RequireCompany(company.Connection(), options.connect);
-    return ReprintRun(company.Connection(), looks, options.pdf, json, stdio).Run(numbers);
+    return ReprintRun(company.Connection(), looks, paper, json, stdio).Run(numbers);
   };
 }
 
@@ -100,7 +101,7 @@ void DeclareReprint(Command parent, Plan& plan) {
   AddConnect(command, options->connect);
   AddLayout(command, options->layout);
   AddCopies(command, options->copies);
-  command.AddOption("--pdf", options->pdf, "The documents on pages of that file").TypeName("FILE");
+  AddPaper(command, options->paper);
   command.AddOption("DOCUMENT", options->documents, "Their numbers").Required();
   command.OnParsed([options, &plan] { plan.action = MakeReprint(*options, plan.json); });
 }

@@ -5,6 +5,7 @@
 
 #include "apps/kvshare/commands/commands.h"
 #include "apps/kvshare/day/shopsettings.h"
+#include "apps/kvshare/terminal/inputfile.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/strutils.h"
@@ -18,12 +19,13 @@ using receipts::Seller;
 constexpr std::string_view kSetExamples =
     "  kvshare shop set --name 'ร้านบ้านสวน' --address '9 ถนนสุขุมวิท' --address 'กรุงเทพฯ 10110' \\\n"
     "      --tax-id 0-1055-61000-00-3 --branch 00000 --phone 02-123-4567\n"
+    "  kvshare shop set --logo logo.png          at the head of every page\n"
     "  kvshare shop set --phone ''               takes the phone number away\n";
 constexpr std::string_view kShowExamples =
     "  kvshare shop show                         what receipts name as the seller\n";
 
 struct Options {
-  std::string name, taxId, branch, phone;
+  std::string name, taxId, branch, phone, logo;
   std::vector<std::string> address;
 };
 
@@ -47,6 +49,12 @@ std::string Checked(std::string_view option, const std::string& utf8,
   }
 }
 
+void KeepLogo(const std::string& file) {
+  if (file.empty()) return StoreLogo("");
+  const std::string name = UsageText("--logo", file);
+  NamingFile(file, [&name] { StoreLogo(name); });
+}
+
 int Set(const Options& options, const Command& command) {
   const auto given = [&command](const char* option) { return command.Named(option).IsGiven(); };
   Seller seller = StoredSeller();
@@ -63,6 +71,8 @@ int Set(const Options& options, const Command& command) {
     }
   }
   if (seller.name.empty()) RefuseUsage("--name", "is needed: a shop has a name");
+  // The logo first: a picture that is refused leaves the shop as it was.
+  if (given("--logo")) KeepLogo(options.logo);
   StoreSeller(seller);
   return kDone;
 }
@@ -81,6 +91,7 @@ void Show(const std::function<void(const Row&)>& print, Row& row) {
   show("tax-id", receipts::ShownTaxId(seller.taxId));
   show("branch", seller.branch);
   show("phone", seller.phone);
+  show("logo", StoredLogoFile());
 }
 
 void DeclareSet(Command shop, Plan& plan) {
@@ -96,6 +107,8 @@ void DeclareSet(Command shop, Plan& plan) {
   command.AddOption("--branch", options->branch, "5 digits, 00000 is the head office")
       .TypeName("NUMBER");
   command.AddOption("--phone", options->phone, "Its phone number").TypeName("TEXT");
+  command.AddOption("--logo", options->logo, "Its picture, a copy of a BMP or PNG file")
+      .TypeName("FILE");
   command.OnParsed([options, command, &plan] {
     plan.action = [options, command](const Stdio&) { return Set(*options, command); };
   });

@@ -22,7 +22,7 @@
 #include "kvshare/settings/numberformats.h"
 #include "kvshare/settings/programsettings.h"
 #include "kvshare/ui/backend.h"
-#include "kvshare/ui/desktop.h"
+#include "kvshare/ui/paper.h"
 #include "kvshare/ui/printer.h"
 
 namespace kvshare::app {
@@ -239,25 +239,34 @@ void AddPrinters(Findings& findings, TSpooler& spooler) {
                                       : Cp874ToUtf8Lossy(trouble) + ": start the spooler (cups)"});
 }
 
-void AddFonts(Findings& findings, TUserInterface& desktop) {
+void AddFonts(Findings& findings) {
   try {
-    desktop.PdfPrinter("fonts.pdf")->Canvas().TextWidth("ก"_th);
+    Paper().PdfPrinter("fonts.pdf", kSheetA4)->Canvas().TextOut(0, 0, "ก"_th);
     findings.push_back({"fonts", "with Thai letters", ""});
   } catch (const EPrinter& e) {
     findings.push_back({"fonts", "none", e.Message() + ": install fonts-tlwg-garuda-ttf"});
   }
 }
 
-void AddDesktop(Findings& findings) {
+void AddPaper(Findings& findings) {
   try {
-    TUserInterface& desktop = Desktop(TDesktopUse::PaperOnly);
-    findings.push_back({"desktop library", "kvshare-desktop", ""});
-    AddFonts(findings, desktop);
-    AddPrinters(findings, desktop.Spooler());
+    TSpooler& spooler = Paper().Spooler();
+    findings.push_back({"paper library", "kvshare-paper", ""});
+    AddFonts(findings);
+    AddPrinters(findings, spooler);
   } catch (const EOSError& e) {
-    findings.push_back({"desktop library", "none",
+    findings.push_back({"paper library", "none",
                         Cp874ToUtf8Lossy(e.Message()) +
-                            ": windows, printers and PDF files need it and its toolkit"});
+                            ": printers and files of pages need it and what it draws with"});
+  }
+}
+
+// Looked for and not started: that would need a display.
+void AddDesktop(Findings& findings) {
+  if (os::SharedLibrary("kvshare-desktop").Loaded()) {
+    findings.push_back({"desktop library", "kvshare-desktop", ""});
+  } else {
+    findings.push_back({"desktop library", "none", "windows need it and its toolkit"});
   }
 }
 
@@ -276,6 +285,7 @@ std::vector<Finding> Examine() {
   AddFolders(findings);
   AddDatabases(findings);
   AddCompanion(findings);
+  AddPaper(findings);
   AddDesktop(findings);
   return findings;
 }

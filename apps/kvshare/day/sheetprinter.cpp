@@ -4,6 +4,7 @@
 #include <iterator>
 #include <utility>
 
+#include "apps/kvshare/day/shopsettings.h"
 #include "apps/kvshare/terminal/usage.h"
 #include "apps/receipts/usertexts.h"
 #include "kvshare/dates/date.h"
@@ -60,10 +61,13 @@ Looks UsageLooks(const LayoutOptions& layout, const RuleOptions& rules, const st
   return looks;
 }
 
-SheetPrinter::SheetPrinter(DayOutput& output, Looks looks, const std::string& pdf)
+SheetPrinter::SheetPrinter(DayOutput& output, Looks looks, const PaperPlan& plan)
     : output_(output),
       looks_(std::move(looks)),
-      paper_(pdf.empty() ? nullptr : std::make_unique<DayPaper>(pdf)) {}
+      paper_(plan.IsPaper() ? std::make_unique<DayPaper>(plan) : nullptr),
+      file_(plan.IsFile()) {
+  if (paper_) looks_.pages.seller.logo = StoredLogo();
+}
 
 void SheetPrinter::UseRules(const receipts::Rules& rules) {
   SetRules(looks_.text, rules);
@@ -100,8 +104,10 @@ void SheetPrinter::WarnOfWords(const receipts::Document& document, Currency tota
 
 void SheetPrinter::Finish() {
   if (paper_ && !paper_->Finish()) {
-    output_.Report(
-        {0, 0, "", receipts::SayUtf8("no document is printed, and no PDF file is written"), false});
+    output_.Report({0, 0, "",
+                    file_ ? receipts::SayUtf8("no document is printed, and no file is written")
+                          : receipts::SayUtf8("no document is printed"),
+                    false});
   }
   for (std::string& message : lackings_.Messages()) {
     output_.Report({0, 0, "", std::move(message), true});

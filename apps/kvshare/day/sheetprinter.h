@@ -31,8 +31,8 @@ Looks UsageLooks(const LayoutOptions& layout, const RuleOptions& rules, const st
 
 class SheetPrinter {
  public:
-  // With a `pdf` (UTF-8) the documents stand there instead of on standard output.
-  SheetPrinter(DayOutput& output, Looks looks, const std::string& pdf);
+  // With paper in the plan the documents stand there instead of on standard output.
+  SheetPrinter(DayOutput& output, Looks looks, const PaperPlan& plan);
 
   // By which the documents that follow were computed.
   void UseRules(const receipts::Rules& rules);
@@ -53,6 +53,7 @@ class SheetPrinter {
   DayOutput& output_;
   Looks looks_;
   std::unique_ptr<DayPaper> paper_;
+  bool file_;  // the paper is one
   Lackings lackings_;
   std::uint64_t printed_ = 0;
 };

@@ -10,6 +10,7 @@
 #include "kvshare/os/posix/errors.h"
 #include "kvshare/os/posix/readwhole.h"
 #include "kvshare/os/posix/temporaryfile.h"
+#include "kvshare/os/wholefile.h"
 #include "kvshare/rtl/exceptions.h"
 
 namespace kvshare::os::posix {
@@ -61,26 +62,58 @@ std::string ReadWhole(const std::string& path) {
   return ReadToEnd(file, path, facts, std::numeric_limits<std::size_t>::max());
 }
 
-void ReplaceFile(const std::string& path, std::string_view bytes, const Calls& calls) {
-  const std::string target = LinkTarget(path);
-  if (target.empty()) ThrowFailed(target, ENOENT);
-  if (target.ends_with('/')) ThrowFailed(target, EISDIR);
-  struct stat earlier = {};
-  const bool exists = ::stat(target.c_str(), &earlier) == 0;
-  if (exists) Require(target, CannotReplace(AT_FDCWD, target.c_str(), earlier));
+// A file on its way to the place of `path`.
+class Replacement {
+ public:
+  Replacement(const std::string& path, const Calls& calls)
+      : calls_(calls), target_(LinkTarget(path)), temporary_(AT_FDCWD, target_) {
+    if (target_.empty()) ThrowFailed(target_, ENOENT);
+    if (target_.ends_with('/')) ThrowFailed(target_, EISDIR);
+    struct stat earlier = {};
+    const bool exists = ::stat(target_.c_str(), &earlier) == 0;
+    if (exists) Require(target_, CannotReplace(AT_FDCWD, target_.c_str(), earlier));
+    // A new file gets what the process's mask leaves; the text of a private one is never seen.
+    Require(target_, temporary_.Create(exists ? 0600 : 0666));
+    if (exists) Require(target_, temporary_.SetMode(earlier.st_mode & 07777u));
+  }
 
-  // A new file gets what the process's mask leaves; the text of a private one is never seen.
-  TemporaryFile temporary(AT_FDCWD, target);
-  Require(target, temporary.Create(exists ? 0600 : 0666));
-  if (exists) Require(target, temporary.SetMode(earlier.st_mode & 07777u));
-  Require(target, temporary.Write(bytes, calls));
-  Require(target, temporary.TakePlace(calls));
-  FlushFolder(target);
+  void Write(std::string_view bytes) { Require(target_, temporary_.Write(bytes, calls_)); }
+  void Keep() {
+    Require(target_, temporary_.TakePlace(calls_));
+    FlushFolder(target_);
+  }
+
+ private:
+  Calls calls_;
+  std::string target_;
+  TemporaryFile temporary_;
+};
+
+void ReplaceFile(const std::string& path, std::string_view bytes, const Calls& calls) {
+  Replacement file(path, calls);
+  file.Write(bytes);
+  file.Keep();
 }
 
 }  // namespace kvshare::os::posix
 
 namespace kvshare::os {
+
+class WholeFile::State : public posix::Replacement {
+ public:
+  explicit State(std::string_view name) : Replacement(NativePath(name), {}) {}
+};
+
+WholeFile::WholeFile(std::string_view name) : state_(std::make_unique<State>(name)) {}
+WholeFile::~WholeFile() = default;
+
+void WholeFile::Write(std::string_view bytes) {
+  state_->Write(bytes);
+}
+
+void WholeFile::Keep() {
+  state_->Keep();
+}
 
 // Without O_NONBLOCK a pipe that nobody writes to would be waited for.
 std::string ReadNativeFile(const std::string& path, std::size_t most) {

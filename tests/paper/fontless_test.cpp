@@ -1,16 +1,16 @@
 #include <gtest/gtest.h>
 
-#include "desktop/paper.h"
 #include "kvshare/rtl/cp874.h"
+#include "paper/systempaper.h"
 #include "tests/support.h"
 
-namespace kvshare::desktop {
+namespace kvshare::paper {
 namespace {
 
 // Run with fonts that have no Thai letters.
 TEST(Fontless, ThaiIsRefusedAndLatinIsDrawn) {
   const TemporaryFolder folder;
-  const auto printer = MakePdfPrinter(folder.File("page.pdf"));
+  const auto printer = SystemPaper().PdfPrinter(folder.File("page.pdf"), kSheetA4);
   printer->BeginDoc();
   printer->Canvas().TextOut(0, 0, "Total 1,200.00");
   EXPECT_EQ(MessageOf<EPrinter>([&] { printer->Canvas().TextOut(0, 0, "บาท"_th); }),
@@ -20,4 +20,4 @@ TEST(Fontless, ThaiIsRefusedAndLatinIsDrawn) {
 }
 
 }  // namespace
-}  // namespace kvshare::desktop
+}  // namespace kvshare::paper

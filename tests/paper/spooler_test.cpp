@@ -12,15 +12,16 @@
 #include <csignal>
 #include <optional>
 
-#include "desktop/paper.h"
 #include "kvshare/platform/filehelpers.h"
 #include "kvshare/platform/win32.h"
 #include "kvshare/rtl/cp874.h"
-#include "tests/desktop/tool.h"
+#include "kvshare/rtl/filebytes.h"
+#include "kvshare/ui/paper.h"
+#include "tests/paper/tool.h"
 #include "tests/servers/serverprocess.h"
 #include "tests/support.h"
 
-namespace kvshare::desktop {
+namespace kvshare::paper {
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -119,6 +120,17 @@ class Spooler : public testing::Test {
     queues_.push_back(name);
   }
 
+  // The sheet that a job asks for.
+  static std::string MediaOf(int job) {
+    ipp_t* request = ippNewRequest(IPP_OP_GET_JOB_ATTRIBUTES);
+    ippAddString(request, IPP_TAG_OPERATION, IPP_TAG_URI, "job-uri", nullptr,
+                 ("ipp://localhost/jobs/" + std::to_string(job)).c_str());
+    const std::unique_ptr<ipp_t, void (*)(ipp_t*)> answer(
+        cupsDoRequest(CUPS_HTTP_DEFAULT, request, "/"), ippDelete);
+    ipp_attribute_t* media = ippFindAttribute(answer.get(), "media", IPP_TAG_ZERO);
+    return media == nullptr ? "" : ippGetString(media, 0, nullptr);
+  }
+
   static int ActiveJobs() {
     cups_job_t* jobs = nullptr;
     const int count = cupsGetJobs2(CUPS_HTTP_DEFAULT, &jobs, nullptr, 0, CUPS_WHICHJOBS_ACTIVE);
@@ -129,7 +141,7 @@ class Spooler : public testing::Test {
   Wire wire_;
   std::vector<std::string> queues_;
   WithVariable none_{"KVSHARE_PRINTER", nullptr};
-  PaperInterface ui_;
+  TPaperInterface ui_;
   TUseInterface use_{ui_};
 };
 
@@ -237,7 +249,41 @@ TEST_F(Spooler, ThePaperOfThePrinter) {
   printer.BeginDoc();
   EXPECT_EQ(printer.PageSize(), (TSize{3300, 4558}));
   printer.EndDoc();
-  EXPECT_THAT(wire_.NextJob(kSoon).value_or(""), testing::HasSubstr("/MediaBox [0 0 420.0"));
+  EXPECT_THAT(wire_.NextJob(kSoon).value_or(""), testing::HasSubstr("/MediaBox [ 0 0 420.0"));
+}
+
+TEST_F(Spooler, APrinterByItsNameAndItsSheet) {
+  AddQueue("Other");
+  Shell("cupsdisable Laser");
+  const auto printer = Paper().QueuePrinter("Laser", kSheetA5);
+  EXPECT_EQ(printer->PageSize(), (TSize{3196, 4361}));
+  printer->BeginDoc();
+  printer->EndDoc();
+  cups_job_t* jobs = nullptr;
+  const int count = cupsGetJobs2(CUPS_HTTP_DEFAULT, &jobs, "Laser", 0, CUPS_WHICHJOBS_ACTIVE);
+  ASSERT_EQ(count, 1);
+  EXPECT_EQ(MediaOf(jobs[0].id), "iso_a5_148x210mm");
+  cupsFreeJobs(count, jobs);
+  Shell("cancel -a Laser");
+}
+
+TEST_F(Spooler, ARollReachesItsPrinterUnchanged) {
+  const auto print = [](TRollPrinter& printer) {
+    printer.BeginDoc();
+    printer.Canvas().TextOut(0, 0, "น้ำดื่ม"_th);
+    printer.NewPage();
+    printer.EndDoc();
+  };
+  const TemporaryFolder folder;
+  print(*Paper().RollFilePrinter(folder.File("roll.bin"), TRoll::Roll80, {TCut::Partial, true}));
+  print(*Paper().RollQueuePrinter("Laser", TRoll::Roll80, {TCut::Partial, true}));
+  EXPECT_EQ(wire_.NextJob(kSoon), ReadFileBytes(folder.File("roll.bin")));
+  {
+    const auto halfway = Paper().RollQueuePrinter("Laser", TRoll::Roll58, {});
+    halfway->BeginDoc();
+    halfway->NewPage();
+  }
+  EXPECT_EQ(wire_.NextJob(kNever), std::nullopt) << "a job that was not ended is cancelled";
 }
 
 // The last ones: the spooler does not answer, then it is dead.
@@ -279,4 +325,4 @@ TEST_F(Spooler, ZASpoolerThatHangsOrDies) {
 }
 
 }  // namespace
-}  // namespace kvshare::desktop
+}  // namespace kvshare::paper

@@ -1,18 +1,18 @@
-#include "desktop/cupsspooler.h"
+#include "paper/cupsspooler.h"
 
 #include <algorithm>
 #include <optional>
 #include <utility>
 
-#include "desktop/cupsconnection.h"
 #include "kvshare/rtl/cp874.h"
 #include "kvshare/rtl/environment.h"
 #include "kvshare/rtl/exceptions.h"
 #include "kvshare/rtl/format.h"
 #include "kvshare/rtl/strutils.h"
 #include "kvshare/ui/printer.h"
+#include "paper/cupsconnection.h"
 
-namespace kvshare::desktop {
+namespace kvshare::paper {
 
 namespace {
 
@@ -87,7 +87,7 @@ class RawPrinter : public TOrderedPrinterHandle {
 
  private:
   bool BeginJob(std::string_view title) override {
-    job_.emplace(printer_, Cp874ToUtf8Lossy(title), CUPS_FORMAT_RAW);
+    job_.emplace(printer_, CupsDocument{Cp874ToUtf8Lossy(title), CUPS_FORMAT_RAW, ""});
     return Done(job_->IsOpen());
   }
 
@@ -110,7 +110,7 @@ class RawPrinter : public TOrderedPrinterHandle {
 };
 
 [[noreturn]] void Refuse(std::string_view printer, std::string_view reason) {
-  throw EPrinter(Format("The printer %s does not take the job: %s", {printer, reason}));
+  throw RefusedJob(printer, reason);
 }
 
 Queue RequireQueue(std::string_view printer) {
@@ -121,6 +121,10 @@ Queue RequireQueue(std::string_view printer) {
 }
 
 }  // namespace
+
+EPrinter RefusedJob(std::string_view printer, std::string_view reason) {
+  return EPrinter(Format("The printer %s does not take the job: %s", {printer, reason}));
+}
 
 std::vector<std::string> CupsSpooler::Printers() {
   std::vector<std::string> printers;
@@ -158,7 +162,7 @@ std::unique_ptr<TPrinterHandle> CupsSpooler::Open(std::string_view printer) {
   return std::make_unique<RawPrinter>(queue->name);
 }
 
-Paper CupsSpooler::PaperOf(std::string_view printer) {
+TSheet CupsSpooler::SheetOf(std::string_view printer) {
   const CupsConnection connection;
   const auto queue = FindQueue(connection, printer, paperTrouble_);
   paperAsked_ = std::chrono::steady_clock::now();
@@ -174,11 +178,11 @@ Paper CupsSpooler::PaperOf(std::string_view printer) {
                                         CUPS_MEDIA_FLAGS_DEFAULT, &size) == 0) {
     return {};
   }
-  const Paper paper{size.width, size.length, size.left, size.top, size.right, size.bottom};
+  const TSheet paper{size.width, size.length, size.left, size.top, size.right, size.bottom};
   const bool printable = paper.left >= 0 && paper.top >= 0 && paper.right >= 0 &&
                          paper.bottom >= 0 && paper.width - paper.left - paper.right > 0 &&
                          paper.height - paper.top - paper.bottom > 0;
-  return printable ? paper : Paper{};
+  return printable ? paper : TSheet{};
 }
 
 std::string CupsSpooler::FreshPaperTrouble() const {
@@ -192,10 +196,16 @@ void CupsSpooler::RequirePrinter(std::string_view printer) {
   if (!RequireQueue(printer).accepting) Refuse(printer, "it does not accept jobs");
 }
 
-void CupsSpooler::PrintPdf(std::string_view printer, std::string_view title,
+std::string CupsSpooler::MediaOf(const TSheet& sheet) {
+  const pwg_media_t* media = pwgMediaForSize(sheet.width, sheet.height);
+  return media == nullptr ? "" : media->pwg;
+}
+
+void CupsSpooler::PrintPdf(std::string_view printer, const JobTicket& ticket,
                            std::string_view bytes) {
-  CupsJob job(RequireQueue(printer).name, Cp874ToUtf8Lossy(title), CUPS_FORMAT_PDF);
+  CupsJob job(RequireQueue(printer).name,
+              {Cp874ToUtf8Lossy(ticket.title), CUPS_FORMAT_PDF, ticket.media});
   if (!job.Write(bytes) || !job.Finish()) Refuse(printer, job.Reason());
 }
 
-}  // namespace kvshare::desktop
+}  // namespace kvshare::paper

@@ -7,19 +7,19 @@
 #include <string_view>
 #include <vector>
 
-#include "kvshare/ui/printing.h"
+#include "kvshare/ui/paper.h"
+#include "kvshare/ui/printer.h"
 
-namespace kvshare::desktop {
+namespace kvshare::paper {
 
-// A sheet and the margins that its printer leaves white, in hundredths of a millimetre.
-struct Paper {
-  int width = 21000;
-  int height = 29700;
-  int left = 635;
-  int top = 1270;
-  int right = 635;
-  int bottom = 1270;
+// What a job says of itself.
+struct JobTicket {
+  std::string title;  // code page 874
+  std::string media;  // a sheet's name, or "" for the printer's own
 };
+
+// Why a printer takes no job.
+EPrinter RefusedJob(std::string_view printer, std::string_view reason);
 
 // The queues of the spooler that CUPS_SERVER names, else of this machine's. Nothing here waits for
 // more than ten seconds, and nobody is asked for a password.
@@ -34,15 +34,18 @@ class CupsSpooler : public TSpooler {
   std::string Trouble() const override { return trouble_; }
 
   // The printer's default sheet; A4 where it names none.
-  Paper PaperOf(std::string_view printer);
+  TSheet SheetOf(std::string_view printer);
 
   // Throws EPrinter with the reason where a job for the printer would be refused: it is not there,
   // takes no jobs, or the spooler is down.
   void RequirePrinter(std::string_view printer);
 
+  // A sheet's name of PWG 5101.1, as jobs ask for it; "" for one that has none.
+  static std::string MediaOf(const TSheet& sheet);
+
   // A whole PDF document as a job, which the spooler makes ready for the printer. Throws EPrinter
   // with the reason; then there is no job.
-  void PrintPdf(std::string_view printer, std::string_view title, std::string_view bytes);
+  void PrintPdf(std::string_view printer, const JobTicket& ticket, std::string_view bytes);
 
  private:
   // What kept the paper from being known a moment ago, "" without: a spooler that was silent is not
@@ -54,4 +57,4 @@ class CupsSpooler : public TSpooler {
   std::chrono::steady_clock::time_point paperAsked_;
 };
 
-}  // namespace kvshare::desktop
+}  // namespace kvshare::paper

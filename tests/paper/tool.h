@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace kvshare::desktop {
+namespace kvshare::paper {
 
 // What a command of the shell prints. The test fails where the command does, and shows what was
 // printed; standard error is printed where the test's is, unless the command leads it elsewhere.
@@ -22,4 +22,4 @@ inline std::string OutputOf(const std::string& command) {
   return output;
 }
 
-}  // namespace kvshare::desktop
+}  // namespace kvshare::paper

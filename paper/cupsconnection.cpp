@@ -1,4 +1,4 @@
-#include "desktop/cupsconnection.h"
+#include "paper/cupsconnection.h"
 
 #include <sys/socket.h>
 
@@ -6,7 +6,7 @@
 
 #include "kvshare/rtl/cp874.h"
 
-namespace kvshare::desktop {
+namespace kvshare::paper {
 
 namespace {
 
@@ -49,13 +49,16 @@ std::string CupsConnection::Reason() const {
   return TryUtf8ToCp874(reason).value_or(ippErrorString(cupsLastError()));
 }
 
-CupsJob::CupsJob(std::string printer, const std::string& title, const char* format)
-    : printer_(std::move(printer)) {
+CupsJob::CupsJob(std::string printer, const CupsDocument& document) : printer_(std::move(printer)) {
   if (!connection_.IsOpen()) return;
-  id_ = cupsCreateJob(connection_.Http(), printer_.c_str(), title.c_str(), 0, nullptr);
+  char media[] = "media";
+  std::string sheet = document.media;
+  cups_option_t option{media, sheet.data()};
+  const char* const title = document.title.c_str();
+  id_ = cupsCreateJob(connection_.Http(), printer_.c_str(), title, sheet.empty() ? 0 : 1, &option);
   if (id_ == 0) return;
   constexpr int kLastDocument = 1;
-  open_ = cupsStartDocument(connection_.Http(), printer_.c_str(), id_, title.c_str(), format,
+  open_ = cupsStartDocument(connection_.Http(), printer_.c_str(), id_, title, document.format,
                             kLastDocument) == HTTP_STATUS_CONTINUE;
   if (open_) connection_.Heard();
 }
@@ -87,4 +90,4 @@ void CupsJob::Cancel() const {
   if (another.IsOpen()) cupsCancelJob2(another.Http(), printer_.c_str(), id_, kKeepHistory);
 }
 
-}  // namespace kvshare::desktop
+}  // namespace kvshare::paper

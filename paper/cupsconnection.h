@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-namespace kvshare::desktop {
+namespace kvshare::paper {
 
 inline constexpr std::chrono::seconds kCupsPatience{8};
 
@@ -39,11 +39,17 @@ class CupsConnection {
 // Whether the last call of this thread was done.
 bool CupsAnswered();
 
+struct CupsDocument {
+  std::string title;  // UTF-8
+  const char* format;
+  std::string media;  // the name of its sheet, or "" for the printer's own
+};
+
 // A job of one document. What was not finished is cancelled when this is destroyed.
 class CupsJob {
  public:
-  // `printer` and `title` are UTF-8. IsOpen() tells whether the spooler takes it.
-  CupsJob(std::string printer, const std::string& title, const char* format);
+  // `printer` is UTF-8. IsOpen() tells whether the spooler takes it.
+  CupsJob(std::string printer, const CupsDocument& document);
   ~CupsJob();
   CupsJob(const CupsJob&) = delete;
   CupsJob& operator=(const CupsJob&) = delete;
@@ -65,4 +71,4 @@ class CupsJob {
   bool finished_ = false;
 };
 
-}  // namespace kvshare::desktop
+}  // namespace kvshare::paper
