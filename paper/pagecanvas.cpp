@@ -190,10 +190,10 @@ void PageCanvas::TextOut(int x, int y, std::string_view text) {
 bool PageCanvas::StandsOn(const TRect& area, TPixel colour) const {
   constexpr std::size_t kMostLooked = 2000;
   if (marks_.size() > kMostLooked) return false;
-  for (auto mark = marks_.rbegin(); mark != marks_.rend(); ++mark) {
-    if (Overlap(area, mark->area)) return mark->fill == colour && Contains(mark->area, area);
-  }
-  return colour == clWhite;
+  const auto below = std::find_if(marks_.rbegin(), marks_.rend(),
+                                  [&area](const Mark& mark) { return Overlap(area, mark.area); });
+  if (below == marks_.rend()) return colour == clWhite;
+  return below->fill == colour && Contains(below->area, area);
 }
 
 void PageCanvas::Paint(const TRect& area, TPixel colour) {

@@ -5,7 +5,7 @@
 namespace kvshare {
 
 TUserInterface& Desktop() {
-  static TDesktopEntry* const entry =
+  static auto* const entry =
       LoadEntry<TDesktopEntry>({"kvshare-desktop", "kvshare_desktop", "No windows here: "});
   return *entry(kDesktopContract);
 }

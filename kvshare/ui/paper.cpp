@@ -5,7 +5,7 @@
 namespace kvshare {
 
 TPaper& Paper() {
-  static TPaperEntry* const entry =
+  static auto* const entry =
       LoadEntry<TPaperEntry>({"kvshare-paper", "kvshare_paper", "No printing here: "});
   return *entry(kPaperContract);
 }
