@@ -110,9 +110,10 @@ void ReceiptRoll::AddSeller() {
 }
 
 void ReceiptRoll::AddTitle() {
-  const std::size_t slash = texts_.title.find(" / ");
-  AddCentred(std::string_view(texts_.title).substr(0, slash), large_);
-  AddCentred(std::string_view(texts_.title).substr(slash + 3), text_);
+  const std::string_view title = texts_.title;
+  const std::size_t slash = title.find(" / ");
+  AddCentred(title.substr(0, slash), large_);
+  AddCentred(title.substr(slash + 3), text_);
   AddCentred(texts_.copy, text_);
   AddSpace(kGap);
   AddNamed(kNumber, texts_.number);

@@ -71,11 +71,11 @@ std::size_t FittingUnits(std::string_view text, int width, const TextDevice& dev
 // fits; 0 where there is none.
 std::size_t BreakAt(std::string_view text, std::size_t fitting,
                     const std::vector<std::size_t>& breaks) {
-  for (auto place = breaks.rbegin(); place != breaks.rend(); ++place) {
-    const std::size_t last = text.find_last_not_of(' ', *place - 1);
-    if (last != std::string_view::npos && last < fitting) return *place;
-  }
-  return 0;
+  const auto place = std::find_if(breaks.rbegin(), breaks.rend(), [&](std::size_t at) {
+    const std::size_t last = text.find_last_not_of(' ', at - 1);
+    return last != std::string_view::npos && last < fitting;
+  });
+  return place == breaks.rend() ? 0 : *place;
 }
 
 // Pieces as long as `endOf` says of the text that is left, without the blanks between them.
