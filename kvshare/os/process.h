@@ -1,6 +1,7 @@
 // Other programs.
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
 #include "kvshare/export.h"
@@ -38,6 +39,9 @@ class KVSHARE_API Process {
   int Wait();
 
  private:
+#ifdef _WIN32
+  std::uintptr_t handle_ = 0;  // the process, as the system names it to this one
+#endif
   int id_ = 0;
   int exitCode_ = kStillActive;
   bool ended_ = false;
